@@ -1,0 +1,3 @@
+#pragma once
+
+#include <vxr/platform/graphics/Geometry.h>
