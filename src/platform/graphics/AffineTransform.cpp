@@ -20,10 +20,14 @@ AffineTransform concat(const AffineTransform& first, const AffineTransform& then
 {
     return { then.m11 * first.m11 + then.m21 * first.m12, then.m12 * first.m11 + then.m22 * first.m12,
         then.m11 * first.m21 + then.m21 * first.m22, then.m12 * first.m21 + then.m22 * first.m22,
-        then.m11 * first.tX + then.m21 * first.tY + then.tX, then.m12 * first.tX + then.m22 * first.tY + then.tY };
+        then.m11 * first.tX + then.m21 * first.tY + then.tX,
+        then.m12 * first.tX + then.m22 * first.tY + then.tY };
 }
 
-AffineTransform& AffineTransform::prepend(const AffineTransform& first) { return *this = concat(first, *this); }
+AffineTransform& AffineTransform::prepend(const AffineTransform& first)
+{
+    return *this = concat(first, *this);
+}
 
 AffineTransform& AffineTransform::append(const AffineTransform& then) { return *this = concat(*this, then); }
 
@@ -45,14 +49,14 @@ std::optional<AffineTransform> AffineTransform::inverted() const
         return std::nullopt;
     const double x = tX, y = tY;
     return AffineTransform { static_cast<float>(m22 / d), static_cast<float>(-m12 / d),
-        static_cast<float>(-m21 / d), static_cast<float>(m11 / d), static_cast<float>((m21 * y - m22 * x) / d),
-        static_cast<float>((m12 * x - m11 * y) / d) };
+        static_cast<float>(-m21 / d), static_cast<float>(m11 / d),
+        static_cast<float>((m21 * y - m22 * x) / d), static_cast<float>((m12 * x - m11 * y) / d) };
 }
 
 std::ostream& operator<<(std::ostream& out, const AffineTransform& t)
 {
-    return out << '{' << t.m11 << ", " << t.m12 << ", " << t.m21 << ", " << t.m22 << ", " << t.tX << ", " << t.tY
-               << '}';
+    return out << '{' << t.m11 << ", " << t.m12 << ", " << t.m21 << ", " << t.m22 << ", " << t.tX << ", "
+               << t.tY << '}';
 }
 
 } // namespace vxr

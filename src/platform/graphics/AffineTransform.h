@@ -29,12 +29,12 @@ struct VXR_EXPORT AffineTransform {
     /// None when a component is not finite or the determinant is zero.
     std::optional<AffineTransform> inverted() const;
 
-    constexpr Point map(Point p) const
-    {
-        return { m11 * p.x + m21 * p.y + tX, m12 * p.x + m22 * p.y + tY };
-    }
+    constexpr Point map(Point p) const { return { m11 * p.x + m21 * p.y + tX, m12 * p.x + m22 * p.y + tY }; }
     /// The linear part alone.
-    constexpr Size map(Size s) const { return { m11 * s.width + m21 * s.height, m12 * s.width + m22 * s.height }; }
+    constexpr Size map(Size s) const
+    {
+        return { m11 * s.width + m21 * s.height, m12 * s.width + m22 * s.height };
+    }
 
     constexpr bool isIdentity() const { return *this == AffineTransform {}; }
 

@@ -32,7 +32,10 @@ Rect intersectionRect(const Rect& a, const Rect& b)
     return { x, y, std::min(a.maxX(), b.maxX()) - x, std::min(a.maxY(), b.maxY()) - y };
 }
 
-std::ostream& operator<<(std::ostream& out, const Point& p) { return out << '{' << p.x << ", " << p.y << '}'; }
+std::ostream& operator<<(std::ostream& out, const Point& p)
+{
+    return out << '{' << p.x << ", " << p.y << '}';
+}
 
 std::ostream& operator<<(std::ostream& out, const Size& s)
 {
