@@ -12,10 +12,11 @@ find_package(PkgConfig REQUIRED)
 pkg_check_modules(CAIRO REQUIRED IMPORTED_TARGET cairo>=1.16)
 pkg_check_modules(PIXMAN REQUIRED IMPORTED_TARGET pixman-1)
 pkg_check_modules(LCMS REQUIRED IMPORTED_TARGET lcms2)
+pkg_check_modules(PNG REQUIRED IMPORTED_TARGET libpng)
 pkg_check_modules(CLIPPER REQUIRED IMPORTED_TARGET polyclipping)
 find_package(fmt REQUIRED)
 
-set(VXR_BACKENDS PkgConfig::CAIRO PkgConfig::PIXMAN PkgConfig::LCMS PkgConfig::CLIPPER fmt::fmt)
+set(VXR_BACKENDS PkgConfig::CAIRO PkgConfig::PIXMAN PkgConfig::LCMS PkgConfig::PNG PkgConfig::CLIPPER fmt::fmt)
 
 # Sources include <vxr/FOLDER/File.h> whether vxr is being built or is installed.
 set(VXR_INCLUDE_ROOT "${PROJECT_BINARY_DIR}/include")

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <string>
 
 namespace vxr {
 
@@ -26,6 +27,8 @@ public:
     /// The platform's default profile for a model. A new object on each call, see
     /// `VXRGenericRGBColorSpace` for the shared ones.
     static std::shared_ptr<const ColorSpace> createWithDefaultProfile(ColorModel model);
+    /// Where the default CMYK profile was found; empty when the system has none.
+    static std::string defaultCMYKProfilePath();
     /// From the bytes of an ICC profile, which are copied. None when lcms2 refuses them or their model
     /// does not have `components` components.
     static std::shared_ptr<const ColorSpace> createWithICCProfile(
@@ -37,6 +40,8 @@ public:
     int componentCount() const; ///< alpha not counted
     bool isDevice() const;
     std::span<const std::byte> profileData() const; ///< empty for device spaces
+    /// Whether grey or RGB values are the output's own values, so that nothing needs converting.
+    bool convertsToOutputUnchanged() const;
 
     /// Components in [0, 1] to sRGB in [0, 1], not clamped further than the space does.
     std::array<float, 3> toSRGB(const float* components) const;
@@ -63,7 +68,7 @@ struct ColorValue {
     VXR_EXPORT static ColorValue gray(float white, float alpha = 1);
     VXR_EXPORT static ColorValue rgb(float red, float green, float blue, float alpha = 1); ///< device RGB
     VXR_EXPORT float alpha() const;
-    /// Red, green, blue and alpha as the output takes them.
+    /// Red, green, blue and alpha as the output takes them, each within [0, 1].
     VXR_EXPORT std::array<float, 4> toRGBA() const;
 };
 

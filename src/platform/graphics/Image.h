@@ -20,15 +20,19 @@ enum class AlphaFormat : int {
 };
 
 /// How an image's pixels lie in memory: 8 bits per component, components in the order of the colour
-/// space, alpha before or behind them.
+/// space, alpha before or behind them. With `nativeOrder` a pixel of four bytes is one 32-bit number in
+/// the machine's byte order, its first component in the highest bits.
 struct ImageLayout {
     int width = 0;
     int height = 0;
     std::size_t bytesPerRow = 0;
     AlphaFormat alpha = AlphaFormat::None;
+    bool nativeOrder = false; ///< `PremultipliedFirst` is then the form that bitmaps are drawn in
     std::shared_ptr<const ColorSpace> space; ///< none means device RGB
 
     VXR_EXPORT int bytesPerPixel() const;
+    /// The layout of a bitmap context: premultiplied ARGB in native order, device RGB.
+    VXR_EXPORT static ImageLayout nativeARGB(int width, int height, std::size_t bytesPerRow);
 };
 
 /// Immutable pixels, first row on top. The pixels are converted for the output once, on the first draw
