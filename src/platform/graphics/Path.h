@@ -6,6 +6,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <initializer_list>
 #include <span>
 
 namespace vxr {
@@ -55,11 +56,12 @@ public:
     static std::shared_ptr<Path> pathWithOvalInRect(const Rect&);
     std::shared_ptr<Path> copy() const; ///< a new path with the same elements and style
 
-    // Building. A line or curve without a current point starts a sub-path at its own first point.
+    // Building. A line or curve without a current point starts a sub-path at its own first point; of the line
+    // that move is all there is.
     void moveTo(Point);
     void lineTo(Point);
     void curveTo(Point control1, Point control2, Point end);
-    void close();
+    void close(); ///< does nothing on an empty path; a line or curve that follows continues from the start
     void appendRect(const Rect&); ///< counter-clockwise in y-up terms from the origin, closed
     void appendOvalInRect(const Rect&); ///< four curves from the middle of the right side, closed
     void appendPath(const Path&); ///< the elements only; `*this` is allowed
@@ -69,6 +71,7 @@ public:
     // Elements.
     bool isEmpty() const { return mKinds.empty(); }
     std::size_t elementCount() const { return mKinds.size(); }
+    /// In constant time. The first element of a path is always a move.
     PathElement elementAtIndex(std::size_t index) const;
     std::span<const PathElementKind> kinds() const { return mKinds; }
     std::span<const Point> points() const { return mPoints; } ///< all points in element order
@@ -77,9 +80,10 @@ public:
     Point currentPoint() const;
 
     // Geometry.
-    /// Bounds of all points, control points included; the zero rectangle for an empty path. Cached.
+    /// Bounds of all finite points, control points included; the zero rectangle when there are none. Cached.
     Rect bounds() const;
-    /// A copy whose curves are lines that stay within `flatness` of them.
+    /// A copy whose curves are lines that stay within `flatness` of them, as far as single precision can
+    /// say it. A path of very many curves is cut off at 32 million lines.
     std::shared_ptr<Path> bezierPathByFlatteningPath() const;
     /// Whether `p` lies inside by the path's winding rule, open sub-paths closed. Points on the outline
     /// may go either way; NaN is outside.
@@ -121,9 +125,16 @@ private:
     LineStyle mStyle;
     float mFlatness = defaultFlatness;
     WindingRule mWindingRule = WindingRule::NonZero;
+    void append(PathElementKind, std::initializer_list<Point>);
+
+    static constexpr std::size_t indexStride = 16;
+    std::vector<std::size_t> mPointIndex; ///< where the points of every 16th element start in mPoints
     std::size_t mSubpathStart = 0; ///< index in mPoints of the current sub-path's first point
-    mutable Rect mBounds;
-    mutable bool mBoundsValid = false;
+
+    // Bounds of the finite points among the first mMeasured ones; what was appended since is added when
+    // asked.
+    mutable std::size_t mMeasured = 0;
+    mutable Point mLeast, mMost;
 };
 
 } // namespace vxr

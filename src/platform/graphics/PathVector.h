@@ -1,0 +1,114 @@
+#pragma once
+
+#include <vxr/platform/graphics/Path.h>
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace vxr {
+
+/// Point, offset or direction in double precision, for work inside a path operation.
+struct Vec2 {
+    double x = 0;
+    double y = 0;
+
+    constexpr Vec2() = default;
+    constexpr Vec2(double px, double py)
+        : x(px)
+        , y(py)
+    {
+    }
+    constexpr Vec2(Point p)
+        : x(p.x)
+        , y(p.y)
+    {
+    }
+
+    /// Narrowed; what single precision can't hold becomes its largest value.
+    Point point() const
+    {
+        constexpr double most = 3.4e38;
+        return { static_cast<float>(std::clamp(x, -most, most)),
+            static_cast<float>(std::clamp(y, -most, most)) };
+    }
+    double length() const { return std::hypot(x, y); }
+
+    friend constexpr bool operator==(const Vec2&, const Vec2&) = default;
+    friend constexpr Vec2 operator+(Vec2 a, Vec2 b) { return { a.x + b.x, a.y + b.y }; }
+    friend constexpr Vec2 operator-(Vec2 a, Vec2 b) { return { a.x - b.x, a.y - b.y }; }
+    friend constexpr Vec2 operator-(Vec2 a) { return { -a.x, -a.y }; }
+    friend constexpr Vec2 operator*(Vec2 a, double k) { return { a.x * k, a.y * k }; }
+};
+
+constexpr double dot(Vec2 a, Vec2 b) { return a.x * b.x + a.y * b.y; }
+/// Positive when `b` lies counter-clockwise of `a`, y up.
+constexpr double cross(Vec2 a, Vec2 b) { return a.x * b.y - a.y * b.x; }
+constexpr Vec2 midpoint(Vec2 a, Vec2 b) { return { (a.x + b.x) * 0.5, (a.y + b.y) * 0.5 }; }
+constexpr Vec2 leftNormal(Vec2 direction) { return { -direction.y, direction.x }; }
+
+inline bool isFinite(Point p) { return std::isfinite(p.x) && std::isfinite(p.y); }
+
+struct Cubic {
+    Vec2 start, control1, control2, end;
+
+    /// Both halves at t = 1/2.
+    std::pair<Cubic, Cubic> halves() const
+    {
+        const Vec2 ab = midpoint(start, control1), bc = midpoint(control1, control2),
+                   cd = midpoint(control2, end);
+        const Vec2 abc = midpoint(ab, bc), bcd = midpoint(bc, cd), middle = midpoint(abc, bcd);
+        return { { start, ab, abc, middle }, { middle, bcd, cd, end } };
+    }
+};
+
+/// Hands a path's finite geometry to `sink` piece by piece: `move(p)`, `line(from, to)`, `curve(cubic)`,
+/// `close(from, start)`. A line or curve after a close is preceded by a move to the start. An element with a
+/// coordinate that is not finite is left out, and with such a move everything up to the next move.
+template <class Sink> void walkFinite(const Path& path, Sink&& sink)
+{
+    const Point* p = path.points().data();
+    Vec2 start, pen;
+    bool begun = false, closed = false;
+    const auto resume = [&] {
+        if (closed)
+            sink.move(start);
+        closed = false;
+    };
+    for (PathElementKind kind : path.kinds()) {
+        switch (kind) {
+        case PathElementKind::MoveTo:
+            if ((begun = isFinite(*p)))
+                sink.move(start = pen = *p);
+            closed = false;
+            p += 1;
+            break;
+        case PathElementKind::LineTo:
+            if (begun && isFinite(*p)) {
+                resume();
+                sink.line(pen, *p);
+                pen = *p;
+            }
+            p += 1;
+            break;
+        case PathElementKind::CurveTo:
+            if (begun && isFinite(p[0]) && isFinite(p[1]) && isFinite(p[2])) {
+                resume();
+                sink.curve(Cubic { pen, p[0], p[1], p[2] });
+                pen = p[2];
+            }
+            p += 3;
+            break;
+        case PathElementKind::Close:
+            if (begun) {
+                resume();
+                sink.close(pen, start);
+                pen = start;
+                closed = true;
+            }
+            break;
+        }
+    }
+}
+
+} // namespace vxr
