@@ -1,0 +1,160 @@
+// Runs a fuzz target without libFuzzer: first the kept corpus, then seeded random inputs and mutations
+// of the corpus until the time is over. The same seed always tries the same inputs.
+//
+//     vxr_fuzz_NAME [--seconds N] [--seed N] [FILE or FOLDER]...
+
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <fcntl.h>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <random>
+#include <string>
+#include <unistd.h>
+#include <vector>
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
+
+namespace {
+
+using Input = std::vector<std::uint8_t>;
+using Random = std::mt19937_64;
+
+constexpr unsigned hangSeconds = 20; ///< an input that takes longer counts as a hang
+constexpr std::size_t largestInput = 4096;
+
+const Input* running = nullptr;
+
+/// Keeps the input that failed and dies of the same signal. Only calls that are safe in a handler.
+extern "C" void saveRunningInput(int signal)
+{
+    static const char name[] = "fuzz-failure.bin";
+    if (running) {
+        const int file = open(name, O_CREAT | O_TRUNC | O_WRONLY, 0644);
+        const bool saved
+            = file >= 0 && write(file, running->data(), running->size()) == ssize_t(running->size());
+        static const char note[] = "the failing input is in fuzz-failure.bin\n";
+        if (saved && write(STDERR_FILENO, note, sizeof note - 1) < 0)
+            _exit(2);
+    }
+    std::signal(signal, SIG_DFL);
+    std::raise(signal);
+}
+
+void run(const Input& input)
+{
+    running = &input;
+    alarm(hangSeconds);
+    LLVMFuzzerTestOneInput(input.data(), input.size());
+    alarm(0);
+    running = nullptr;
+}
+
+Input readFile(const std::filesystem::path& file)
+{
+    std::ifstream in(file, std::ios::binary);
+    return { std::istreambuf_iterator<char>(in), {} };
+}
+
+std::vector<Input> readCorpus(const std::vector<std::string>& places)
+{
+    std::vector<std::filesystem::path> files;
+    for (const std::string& place : places) {
+        if (!std::filesystem::is_directory(place)) {
+            files.emplace_back(place);
+            continue;
+        }
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(place))
+            if (entry.is_regular_file())
+                files.push_back(entry.path());
+    }
+    std::sort(files.begin(), files.end());
+    std::vector<Input> corpus;
+    for (const auto& file : files)
+        corpus.push_back(readFile(file));
+    return corpus;
+}
+
+/// Few distinct bytes make coinciding coordinates and repeated tokens likely.
+Input randomInput(Random& random)
+{
+    Input input(std::size_t(1) << (random() % 12));
+    input.resize(input.size() / 2 + random() % (input.size() / 2 + 1));
+    const unsigned alphabet = 1u << (1 + random() % 8);
+    for (auto& byte : input)
+        byte = std::uint8_t(random() % alphabet);
+    return input;
+}
+
+Input mutated(Input input, const std::vector<Input>& corpus, Random& random)
+{
+    for (auto rounds = 1 + random() % 8; rounds > 0; --rounds) {
+        const std::size_t at = input.empty() ? 0 : random() % input.size();
+        switch (random() % 5) {
+        case 0: // one bit
+            if (!input.empty())
+                input[at] ^= std::uint8_t(1u << (random() % 8));
+            break;
+        case 1: // one byte
+            if (!input.empty())
+                input[at] = std::uint8_t(random());
+            break;
+        case 2: // take a stretch out
+            input.erase(
+                input.begin() + long(at), input.begin() + long(std::min(input.size(), at + random() % 16)));
+            break;
+        case 3: // repeat a stretch
+        {
+            const Input stretch(
+                input.begin() + long(at), input.begin() + long(std::min(input.size(), at + random() % 16)));
+            input.insert(input.begin() + long(at), stretch.begin(), stretch.end());
+            break;
+        }
+        default: // go on as another input
+            const Input& other = corpus[random() % corpus.size()];
+            input.resize(at);
+            input.insert(input.end(), other.begin() + long(std::min(at, other.size())), other.end());
+        }
+    }
+    input.resize(std::min(input.size(), largestInput));
+    return input;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    double seconds = 10;
+    std::uint64_t seed = 1;
+    std::vector<std::string> places;
+    for (int i = 1; i < argc; ++i) {
+        if (!std::strcmp(argv[i], "--seconds") && i + 1 < argc)
+            seconds = std::atof(argv[++i]);
+        else if (!std::strcmp(argv[i], "--seed") && i + 1 < argc)
+            seed = std::strtoull(argv[++i], nullptr, 10);
+        else
+            places.emplace_back(argv[i]);
+    }
+    for (const int signal : { SIGABRT, SIGSEGV, SIGFPE, SIGILL, SIGBUS, SIGALRM })
+        std::signal(signal, saveRunningInput);
+
+    const std::vector<Input> corpus = readCorpus(places);
+    for (const Input& input : corpus)
+        run(input);
+
+    Random random(seed);
+    std::size_t tried = 0;
+    const auto end = std::chrono::steady_clock::now() + std::chrono::duration<double>(seconds);
+    for (; std::chrono::steady_clock::now() < end; ++tried) {
+        const bool mutate = !corpus.empty() && random() % 2;
+        run(mutate ? mutated(corpus[random() % corpus.size()], corpus, random) : randomInput(random));
+    }
+    std::printf(
+        "%zu kept and %zu random inputs, seed %llu\n", corpus.size(), tried, (unsigned long long)seed);
+}
