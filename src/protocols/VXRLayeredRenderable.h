@@ -21,6 +21,7 @@ public:
     virtual bool allowsTiling() const = 0;
     virtual bool layerShouldClearOnUpdate() const = 0;
     virtual bool requiresQuickdraw() const = 0;
+    virtual float opacity() const { return 1; } ///< fades the whole layer, without a redraw
     /// Draws into the current graphics context, in canvas coordinates.
     virtual void drawRect(const Rect&) = 0;
 

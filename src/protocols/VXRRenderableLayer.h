@@ -30,6 +30,8 @@ public:
     virtual void setZoom(float) = 0;
     virtual float zoomFactor() const = 0;
     virtual bool hasMixedContent() const = 0;
+    /// Whether some parts of the renderable cast its shadow and others do not.
+    virtual void setHasMixedContent(bool) { }
     virtual int renderingMode() const = 0; ///< a `VXRRenderingMode`
     virtual void setRenderingMode(int) = 0;
 

@@ -15,7 +15,13 @@ enum LayerBitmapType : std::int32_t {
 };
 
 /// One layer for the layer compositor, chained from top to bottom through `next`. A flat record: what it
-/// points to belongs to whoever made it. Bounds named clip are inclusive pixels of the destination.
+/// points to belongs to whoever made it.
+///
+/// All bounds are pixels of the destination, x to the right and y downwards, and may be negative or lie
+/// outside it. Clip bounds are inclusive: no pixel beyond them is touched. The frame is where the whole
+/// layer lies; its minimum is the place of the first pixel of `colorData` (or `alphaData`) and its maximum
+/// is the first pixel no longer covered. Opaque bounds run like the frame's: every pixel within has alpha
+/// 255 before the fade. An empty clip has a maximum below its minimum; empty opaque bounds have them equal.
 struct LayerInfo {
     std::uint32_t layerInfoVersion = 0; ///< always 1
     LayerInfo* next = nullptr; ///< the next lower layer

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+namespace vxr {
+
+/// Row loops of the layer compositor over premultiplied ARGB32 pixels, with the exact results of pixman's
+/// source-over: each product of two bytes is rounded, sums saturate.
+struct LayerBlendLoops {
+    const char* name;
+    void (*over)(std::uint32_t* destination, const std::uint32_t* source, std::size_t count);
+    /// The source's pixels multiplied by `fade` first.
+    void (*overFaded)(
+        std::uint32_t* destination, const std::uint32_t* source, std::size_t count, std::uint8_t fade);
+    void (*overColor)(std::uint32_t* destination, std::uint32_t color, std::size_t count);
+    /// `color`, premultiplied, through an 8-bit coverage.
+    void (*overMask)(
+        std::uint32_t* destination, const std::uint8_t* mask, std::uint32_t color, std::size_t count);
+};
+
+/// The fastest loops that this processor runs, chosen once.
+const LayerBlendLoops& layerBlendLoops();
+
+/// All loops that this processor runs, the portable ones first.
+std::span<const LayerBlendLoops* const> availableLayerBlendLoops();
+
+/// a * b / 255 rounded, exactly as the loops do it.
+constexpr std::uint8_t multiply255(std::uint8_t a, std::uint8_t b)
+{
+    const unsigned t = unsigned(a) * b + 0x80;
+    return std::uint8_t((t + (t >> 8)) >> 8);
+}
+
+} // namespace vxr
