@@ -1,3 +1,0 @@
-#pragma once
-
-#include <vxr/platform/graphics/Geometry.h>
