@@ -22,7 +22,7 @@ struct LineStyle {
     LineCap cap = LineCap::Butt;
     LineJoin join = LineJoin::Miter;
     float miterLimit = 10;
-    std::vector<float> dash; ///< on and off lengths in turn; empty is solid
+    std::vector<float> dash {}; ///< on and off lengths in turn; empty is solid
     float dashPhase = 0;
 
     friend bool operator==(const LineStyle&, const LineStyle&) = default;
