@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <cstring>
 #include <filesystem>
 #include <ostream>
 
@@ -66,12 +65,6 @@ Pixel Picture::at(int x, int y) const
         + static_cast<std::size_t>(x)]);
 }
 
-Picture pictureOf(const CairoContext& context)
-{
-    return pictureOf(reinterpret_cast<const std::uint8_t*>(context.pixels()), context.width(),
-        context.height(), context.bytesPerRow(), 0);
-}
-
 Picture pictureOf(const Image& image)
 {
     cairo_surface_t* surface = image.impl().surface();
@@ -85,19 +78,6 @@ std::shared_ptr<const Image> imageOf(const Picture& picture)
     const std::size_t bytesPerRow = static_cast<std::size_t>(picture.width) * 4;
     return Image::createWithCopy(ImageLayout::nativeARGB(picture.width, picture.height, bytesPerRow),
         picture.pixels.data(), picture.pixels.size() * 4);
-}
-
-Pixel pixelAt(const CairoContext& context, int x, int y)
-{
-    if (x < 0 || y < 0 || x >= context.width() || y >= context.height()) {
-        ADD_FAILURE() << "no pixel at " << x << ", " << y;
-        return {};
-    }
-    const auto* row = reinterpret_cast<const std::uint8_t*>(context.pixels())
-        + static_cast<std::size_t>(context.height() - 1 - y) * context.bytesPerRow();
-    std::uint32_t value = 0;
-    std::memcpy(&value, row + static_cast<std::size_t>(x) * 4, 4);
-    return pixelOf(value);
 }
 
 PictureDifference compare(const Picture& a, const Picture& b, int tolerance)
@@ -137,11 +117,6 @@ PictureDifference compare(const Picture& a, const Picture& b, int tolerance)
         imageOf(differencePicture(picture, expected))->writePNG(shown);
     return ::testing::AssertionFailure() << off.pixelsAbove << " pixels differ from " << name << ".png, by "
                                          << off.largest << " levels at most; see " << actual;
-}
-
-::testing::AssertionResult matchesGolden(const CairoContext& context, const std::string& name, int tolerance)
-{
-    return matchesGolden(pictureOf(context), name, tolerance);
 }
 
 } // namespace vxr::test
