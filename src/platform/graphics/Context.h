@@ -127,6 +127,7 @@ protected:
 
 private:
     void alignPathToTransform(); ///< re-expresses the path's points in the present user space
+    Point alignedPoint(Point p); ///< a point of the present user space in that of the path
 
     Path mPath;
     AffineTransform mPathTransform; ///< current transform in which mPath's points are given

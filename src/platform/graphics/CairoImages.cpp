@@ -1,0 +1,88 @@
+#include <vxr/platform/graphics/CairoImpl.h>
+#include <vxr/platform/graphics/ImageImpl.h>
+
+namespace vxr {
+
+namespace {
+
+/// Maps the image's pixels, first row on top, into the rectangle of user space and on to the device.
+cairo_matrix_t imageMatrix(const Rect& rect, const Image& image, const cairo_matrix_t& toDevice)
+{
+    cairo_matrix_t toUser { rect.size.width / static_cast<double>(image.width()), 0, 0,
+        -rect.size.height / static_cast<double>(image.height()), rect.minX(),
+        static_cast<double>(rect.minY()) + rect.size.height };
+    cairo_matrix_t result;
+    cairo_matrix_multiply(&result, &toUser, &toDevice);
+    return result;
+}
+
+bool isUsable(const cairo_matrix_t& m)
+{
+    const double determinant = m.xx * m.yy - m.xy * m.yx;
+    return std::isfinite(determinant) && determinant != 0 && std::isfinite(m.x0) && std::isfinite(m.y0);
+}
+
+/// Whether every pixel of the image falls on one of the device; then `m` is made exact. The limit is
+/// half of what a 8-bit image can show at its far edge.
+bool snapToPixels(cairo_matrix_t& m, int width, int height)
+{
+    constexpr double limit = 1 / 512.0;
+    cairo_matrix_t snapped { std::round(m.xx), std::round(m.yx), std::round(m.xy), std::round(m.yy),
+        std::round(m.x0), std::round(m.y0) };
+    const bool turnsByQuarters = std::abs(snapped.xx) + std::abs(snapped.xy) == 1
+        && std::abs(snapped.yx) + std::abs(snapped.yy) == 1
+        && std::abs(snapped.xx) + std::abs(snapped.yx) == 1;
+    const double error = (std::abs(m.xx - snapped.xx) + std::abs(m.yx - snapped.yx)) * width
+        + (std::abs(m.xy - snapped.xy) + std::abs(m.yy - snapped.yy)) * height + std::abs(m.x0 - snapped.x0)
+        + std::abs(m.y0 - snapped.y0);
+    if (!turnsByQuarters || !(error < limit))
+        return false;
+    m = snapped;
+    return true;
+}
+
+/// Low looks at the nearest four pixels only; the better ones weigh all that fall into one.
+cairo_filter_t filterFor(InterpolationQuality most)
+{
+    switch (most) {
+    case InterpolationQuality::None:
+        return CAIRO_FILTER_NEAREST;
+    case InterpolationQuality::Low:
+        return CAIRO_FILTER_BILINEAR;
+    case InterpolationQuality::Default:
+    case InterpolationQuality::High:
+        break;
+    }
+    return CAIRO_FILTER_GOOD;
+}
+
+} // namespace
+
+void CairoContext::Impl::drawImage(const Rect& rect, const Image& image)
+{
+    if (!canDraw())
+        return;
+    cairo_matrix_t matrix = imageMatrix(rect, image, state.matrix);
+    cairo_surface_t* surface = isUsable(matrix) ? image.impl().surface() : nullptr;
+    if (!surface)
+        return;
+    if (state.castsShadow())
+        return drawWithShadow([&] { drawImage(rect, image); });
+    const bool exact = snapToPixels(matrix, image.width(), image.height());
+    CairoSaver saved(cr());
+    setStyle();
+    cairo_set_matrix(cr(), &matrix);
+    cairo_set_source_surface(cr(), surface, 0, 0);
+    cairo_pattern_t* source = cairo_get_source(cr());
+    cairo_pattern_set_filter(source, exact ? CAIRO_FILTER_NEAREST : filterFor(state.mostQuality));
+    if (!onPaper) {
+        cairo_pattern_set_extend(source, CAIRO_EXTEND_PAD); // nothing bleeds in from beside the image
+        clipToPixelsOf(image, matrix);
+    }
+    paintSource();
+    noteInk(deviceBounds(std::array { rect.origin, Point { rect.maxX(), rect.minY() },
+        Point { rect.maxX(), rect.maxY() }, Point { rect.minX(), rect.maxY() } }));
+    finishOperation();
+}
+
+} // namespace vxr

@@ -1,0 +1,102 @@
+#pragma once
+
+#include <vxr/platform/graphics/CairoContext.h>
+#include <vxr/platform/graphics/CairoLayerMemory.h>
+#include <vxr/platform/graphics/CairoState.h>
+
+namespace vxr {
+
+/// Where drawing goes: the surface of the context itself, or that of an open transparency layer.
+/// All of them share one device space; a layer's surface is a window onto it.
+struct CairoTarget {
+    CairoSurfacePtr surface;
+    CairoPtr cairo;
+    DeviceBox extents;
+    std::size_t stackDepth = 0; ///< states saved before the layer began; no restore goes below
+    LayerMemory::Block memory; ///< of a layer on a bitmap
+    DeviceBox ink; ///< encloses what was drawn into a layer
+};
+
+struct CairoContext::Impl final : PixelAccess {
+    enum class Kind { Bitmap, Recording, Document };
+
+    /// Without a surface nothing is drawn until `startSurface`.
+    Impl(Kind, CairoSurfacePtr, int width, int height);
+    ~Impl();
+
+    // Setting up.
+    void startSurface(CairoSurfacePtr, const DeviceBox& extents); ///< fresh state, nothing clipped
+    void setTransform(const AffineTransform&);
+
+    // Drawing; the operations of the context.
+    bool canDraw() const { return !targets.empty() && state.drawable && !state.clip.isEmpty(); }
+    Rect clipBounds() const;
+    void clipToPath(const Path&, WindingRule);
+    void clipToRect(const Rect&);
+    void fillPath(const Path&, WindingRule);
+    void strokePath(const Path&, const LineStyle&);
+    void fillRect(const Rect&);
+    void clearRect(const Rect&);
+    void drawImage(const Rect&, const Image&);
+    void drawShading(const Shading&);
+    void beginLayer();
+    void endLayer();
+
+    // Steps of an operation.
+    void setStyle(); ///< matrix, operation, antialiasing and flatness
+    cairo_operator_t cairoOperator() const;
+    cairo_operator_t layerOperator() const;
+    void setLineStyle(const LineStyle&);
+    bool setSource(const CairoPaint&, const DeviceBox& area); ///< false when there is nothing to paint with
+    bool setPatternSource(const Pattern&, float alpha, const DeviceBox& area);
+    void appendArea(const Path&); ///< the outline for a fill or clip; changes the matrix for a huge one
+    void strokeHuge(const Path&, const LineStyle&, double reach);
+    void paintSource(); ///< over the clip, with the state's alpha
+    void clipToPixelsOf(const Image&, const cairo_matrix_t& toDevice);
+    void clipToShadingSide(const Shading&);
+    void noteInk(const DeviceBox&); ///< of an operation, before the clip
+    void finishOperation();
+    void recoverFromError();
+    DeviceBox deviceBounds(std::span<const Point>) const;
+    double strokeReach(const LineStyle&) const; ///< how far a stroke extends, in device space
+    bool isInLayer() const { return targets.size() > 1; }
+    cairo_t* cr() const { return targets.back().cairo.get(); }
+
+    // Layers and shadows.
+    struct DeviceShadow {
+        double dx = 0, dy = 0; ///< y down
+        double sigma = 0;
+        double reach = 1; ///< whole units beyond which nothing of the blur is seen
+    };
+    DeviceShadow deviceShadow() const;
+    DeviceBox casterExtents() const; ///< of all that is seen or casts a shadow that is
+    CairoTarget leaveLayer(); ///< and back to the state before it
+    void drawWithShadow(const std::function<void()>& draw);
+    void pushLayerTarget();
+    CairoTarget popLayerTarget();
+    void clearClip();
+    void drawLayer(const CairoTarget& layer);
+    void drawShadowOf(const CairoTarget& layer);
+    void releaseLayer(CairoTarget layer);
+
+    // PixelAccess.
+    bool lock() override;
+    void unlock() override;
+    AffineTransform transform() const override { return {}; }
+    std::uint8_t* pixels() const override;
+    std::size_t bytesPerRow() const override;
+    int width() const override { return pixelWidth; }
+    int height() const override { return pixelHeight; }
+
+    Kind kind;
+    bool onPaper; ///< what is drawn can't be taken away again, and stays vectors
+    int pixelWidth, pixelHeight;
+    double deviceHeight = 0;
+    AffineTransform base;
+    CairoState state;
+    std::vector<CairoState> stack;
+    std::vector<CairoTarget> targets; ///< the context's own surface, then the open layers
+    LayerMemory layerMemory;
+};
+
+} // namespace vxr

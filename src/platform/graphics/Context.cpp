@@ -1,0 +1,127 @@
+#include <vxr/platform/graphics/Context.h>
+
+#include <algorithm>
+#include <cmath>
+
+namespace vxr {
+
+namespace {
+
+/// How finely a stroked outline follows its curves, as a part of the flatness. The flatness bounds the
+/// error; edges that are smoothed over a pixel want less.
+constexpr float outlineShareOfFlatness = 1 / 6.0f;
+constexpr float finestOutline = 0.01f; ///< device pixels
+
+} // namespace
+
+Context::Context() = default;
+Context::~Context() = default;
+
+// A point is mapped into the space of the path's first points when the transform of the moment has no
+// inverse, and the path into the space of the moment otherwise.
+void Context::alignPathToTransform()
+{
+    const AffineTransform current = currentTransform();
+    if (current == mPathTransform)
+        return;
+    if (!mPath.isEmpty()) {
+        const auto inverse = current.inverted();
+        if (!inverse)
+            return;
+        mPath.transformUsingAffineTransform(concat(mPathTransform, *inverse));
+    }
+    mPathTransform = current;
+}
+
+Point Context::alignedPoint(Point p)
+{
+    alignPathToTransform();
+    const AffineTransform current = currentTransform();
+    if (current == mPathTransform)
+        return p;
+    const auto inverse = mPathTransform.inverted();
+    return inverse ? inverse->map(current.map(p)) : p;
+}
+
+void Context::beginPath()
+{
+    mPath.removeAllPoints();
+    mPathTransform = currentTransform();
+}
+
+void Context::moveTo(Point p) { mPath.moveTo(alignedPoint(p)); }
+
+void Context::lineTo(Point p) { mPath.lineTo(alignedPoint(p)); }
+
+void Context::curveTo(Point control1, Point control2, Point end)
+{
+    mPath.curveTo(alignedPoint(control1), alignedPoint(control2), alignedPoint(end));
+}
+
+void Context::closePath() { mPath.close(); }
+
+void Context::addRect(const Rect& r)
+{
+    moveTo(r.origin);
+    lineTo({ r.maxX(), r.minY() });
+    lineTo({ r.maxX(), r.maxY() });
+    lineTo({ r.minX(), r.maxY() });
+    closePath();
+}
+
+void Context::addPath(const Path& path)
+{
+    for (std::size_t i = 0; i < path.elementCount(); ++i) {
+        const PathElement element = path.elementAtIndex(i);
+        const auto& p = element.points;
+        switch (element.kind) {
+        case PathElementKind::MoveTo:
+            moveTo(p[0]);
+            break;
+        case PathElementKind::LineTo:
+            lineTo(p[0]);
+            break;
+        case PathElementKind::CurveTo:
+            curveTo(p[0], p[1], p[2]);
+            break;
+        case PathElementKind::Close:
+            closePath();
+            break;
+        }
+    }
+}
+
+void Context::replacePathWithStrokedPath()
+{
+    alignPathToTransform();
+    const float scale = static_cast<float>(std::sqrt(std::abs(mPathTransform.determinant())));
+    if (!std::isfinite(scale) || scale <= 0) {
+        mPath.removeAllPoints();
+        return;
+    }
+    const float error = std::max(flatness() * outlineShareOfFlatness, finestOutline);
+    mPath = *mPath.strokedOutline(lineStyle(), error / scale);
+}
+
+void Context::clip(WindingRule rule)
+{
+    alignPathToTransform();
+    clipToPath(mPath, rule);
+    beginPath();
+}
+
+void Context::fillPath(WindingRule rule)
+{
+    alignPathToTransform();
+    fillPath(mPath, rule);
+    beginPath();
+}
+
+void Context::strokePath()
+{
+    alignPathToTransform();
+    strokePath(mPath, lineStyle());
+    beginPath();
+}
+
+} // namespace vxr

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <tests/support/PictureCompare.h>
+#include <vxr/platform/graphics/CairoContext.h>
+
+namespace vxr::test {
+
+inline const ColorValue red = ColorValue::rgb(1, 0, 0);
+inline const ColorValue green = ColorValue::rgb(0, 1, 0);
+inline const ColorValue blue = ColorValue::rgb(0, 0, 1);
+inline const ColorValue black = ColorValue::gray(0);
+
+constexpr Pixel clearPixel {};
+constexpr Pixel redPixel { 255, 0, 0, 255 };
+constexpr Pixel greenPixel { 0, 255, 0, 255 };
+constexpr Pixel bluePixel { 0, 0, 255, 255 };
+
+/// Fills a rectangle with a colour, whatever the colour was before.
+inline void paint(Context& context, const ColorValue& color, const Rect& rect)
+{
+    context.setFillColor(color);
+    context.fillRect(rect);
+}
+
+/// Whether two bitmaps of one size hold the same pixels.
+inline bool samePixels(const CairoContext& a, const CairoContext& b)
+{
+    return compare(pictureOf(a), pictureOf(b)).largest == 0;
+}
+
+inline bool isBlank(const CairoContext& context)
+{
+    return samePixels(context, *CairoContext::createBitmap(context.width(), context.height()));
+}
+
+} // namespace vxr::test
