@@ -1,0 +1,317 @@
+#include "Builder.h"
+
+#include <fmt/format.h>
+
+namespace app::svg {
+
+namespace {
+
+enum class Role { Container, Switch, Use, Viewport, Shape, Silent, Skipped };
+
+Role roleOf(std::string_view name)
+{
+    static const std::unordered_map<std::string_view, Role> roles { { "g", Role::Container },
+        { "a", Role::Container }, { "switch", Role::Switch }, { "use", Role::Use }, { "svg", Role::Viewport },
+        { "path", Role::Shape }, { "rect", Role::Shape }, { "circle", Role::Shape },
+        { "ellipse", Role::Shape }, { "line", Role::Shape }, { "polyline", Role::Shape },
+        { "polygon", Role::Shape }, { "text", Role::Skipped }, { "image", Role::Skipped },
+        { "foreignObject", Role::Skipped }, { "animate", Role::Skipped },
+        { "animateTransform", Role::Skipped }, { "animateMotion", Role::Skipped }, { "set", Role::Skipped } };
+    const auto found = roles.find(name);
+    return found == roles.end() ? Role::Silent : found->second;
+}
+
+} // namespace
+
+Builder::Builder(Document& document)
+    : mDocument(document)
+    , mPaints(document)
+{
+}
+
+void Builder::build(Drawing& drawing)
+{
+    const XmlElement& root = mDocument.root();
+    const auto read = [&](const char* name) -> std::optional<Length> {
+        const std::string* text = root.attribute(name);
+        const std::optional<Length> value = text ? parseLength(*text) : std::nullopt;
+        if (!value || value->unit == Unit::Percent || !(value->value > 0))
+            return std::nullopt;
+        return value;
+    };
+    const std::optional<Length> width = read("width");
+    const std::optional<Length> height = read("height");
+    const std::string* text = root.attribute("viewBox");
+    const std::optional<Box> viewBox = text ? parseViewBox(*text) : std::nullopt;
+    const bool hasBox = viewBox && viewBox->width() > 0 && viewBox->height() > 0;
+
+    // A side that isn't given follows the other one in the viewBox's proportions.
+    const double fontSize = Style {}.fontSize;
+    drawing.width = width ? width->resolved(0, fontSize) : hasBox ? viewBox->width() : 300;
+    drawing.height = height ? height->resolved(0, fontSize) : hasBox ? viewBox->height() : 150;
+    if (hasBox && width && !height)
+        drawing.height = drawing.width * viewBox->height() / viewBox->width();
+    if (hasBox && height && !width)
+        drawing.width = drawing.height * viewBox->width() / viewBox->height();
+
+    Scope scope;
+    scope.viewport = { drawing.width, drawing.height };
+    addElement(root, scope, drawing.nodes);
+}
+
+void Builder::addElement(const XmlElement& element, const Scope& scope, Nodes& out)
+{
+    const Role role = roleOf(element.name);
+    if (role == Role::Silent)
+        return;
+    mDocument.visit(element);
+    if (scope.depth > mDocument.limits().depth)
+        throw DocumentError(
+            element.line, fmt::format("references are nested more than {} deep", mDocument.limits().depth));
+    if (role == Role::Skipped)
+        return warnOfSkipped(element);
+
+    Scope own = scope;
+    ++own.depth;
+    own.style = mDocument.styleOf(element, scope.style, scope.viewport);
+    if (!own.style.isDisplayed)
+        return;
+    warnOfEffects(element, own.style);
+    own.toCanvas = scope.toCanvas * transformOf(element, own.style);
+    if (!own.toCanvas.isInvertible())
+        return;
+    Nodes nodes;
+    switch (role) {
+    case Role::Container:
+        addChildren(element, own, nodes);
+        break;
+    case Role::Switch:
+        addSwitch(element, own, nodes);
+        break;
+    case Role::Use:
+        addUse(element, own, nodes);
+        break;
+    case Role::Viewport:
+        addViewport(element, nullptr, own, nodes);
+        break;
+    default:
+        addShape(element, own, nodes);
+        break;
+    }
+    appendWrapped(element, own, std::move(nodes), out);
+}
+
+void Builder::addChildren(const XmlElement& element, const Scope& scope, Nodes& out)
+{
+    for (const XmlElement& child : element.children)
+        addElement(child, scope, out);
+}
+
+void Builder::addSwitch(const XmlElement& element, const Scope& scope, Nodes& out)
+{
+    for (const XmlElement& child : element.children) {
+        if (roleOf(child.name) == Role::Silent || child.name == "foreignObject")
+            continue;
+        const std::string* extensions = child.attribute("requiredExtensions");
+        const std::string* language = child.attribute("systemLanguage");
+        if (extensions || (language && !trimmed(*language).starts_with("en")))
+            continue;
+        return addElement(child, scope, out);
+    }
+}
+
+bool Builder::enter(const XmlElement& element)
+{
+    if (std::find(mActive.begin(), mActive.end(), &element) != mActive.end()) {
+        mDocument.warnOnce("loop", element.line, fmt::format("this '{}' contains itself", element.name));
+        return false;
+    }
+    mActive.push_back(&element);
+    return true;
+}
+
+void Builder::addUse(const XmlElement& use, const Scope& scope, Nodes& out)
+{
+    const XmlElement* target = mDocument.referenced(use);
+    if (!target) {
+        mDocument.warnOnce("use", use.line, "this 'use' refers to nothing in the document");
+        return;
+    }
+    if (!enter(*target))
+        return;
+    Scope inner = scope;
+    inner.toCanvas = scope.toCanvas
+        * Matrix::translation(length(use, "x", scope.viewport.width, scope.style),
+            length(use, "y", scope.viewport.height, scope.style));
+    if (target->name == "symbol" || target->name == "svg") {
+        mDocument.visit(*target);
+        Scope own = inner;
+        ++own.depth;
+        own.style = mDocument.styleOf(*target, inner.style, inner.viewport);
+        if (own.style.isDisplayed) {
+            Nodes nodes;
+            addViewport(*target, &use, own, nodes);
+            appendWrapped(*target, own, std::move(nodes), out);
+        }
+    } else {
+        addElement(*target, inner, out);
+    }
+    leave();
+}
+
+void Builder::addViewport(const XmlElement& element, const XmlElement* use, Scope scope, Nodes& out)
+{
+    const bool isRoot = &element == &mDocument.root() && !use;
+    const Viewport outer = scope.viewport;
+    Viewport inner = outer;
+    if (!isRoot) {
+        // A `use` speaks before the element itself.
+        const auto side = [&](const char* name, double whole) {
+            const XmlElement& from = use && use->attribute(name) ? *use : element;
+            return length(from, name, whole, scope.style, whole);
+        };
+        inner = { side("width", outer.width), side("height", outer.height) };
+        if (!(inner.width > 0 && inner.height > 0))
+            return;
+        if (!use)
+            scope.toCanvas = scope.toCanvas
+                * Matrix::translation(length(element, "x", outer.width, scope.style),
+                    length(element, "y", outer.height, scope.style));
+    }
+    const Matrix viewportToCanvas = scope.toCanvas;
+    const Viewport size = inner;
+    if (const std::string* text = element.attribute("viewBox")) {
+        const std::optional<Box> box = parseViewBox(*text);
+        if (!box) {
+            mDocument.warnOnce("viewBox", element.line, "'" + *text + "' is no viewBox");
+        } else if (!(box->width() > 0 && box->height() > 0)) {
+            return;
+        } else {
+            const std::string* aspect = element.attribute("preserveAspectRatio");
+            const AspectRatio ratio
+                = aspect ? parseAspectRatio(*aspect).value_or(AspectRatio {}) : AspectRatio {};
+            scope.toCanvas = scope.toCanvas * viewBoxTransform(*box, inner.width, inner.height, ratio);
+            inner = { box->width(), box->height() };
+        }
+    }
+    if (!scope.toCanvas.isInvertible())
+        return;
+    scope.viewport = inner;
+    Nodes nodes;
+    addChildren(element, scope, nodes);
+
+    // The picture's edge clips the root.
+    const Box covered = boundsOf(nodes, viewportToCanvas.inverse());
+    const bool fits = covered.isNone()
+        || (covered.minX >= 0 && covered.minY >= 0 && covered.maxX <= size.width
+            && covered.maxY <= size.height);
+    if (isRoot || scope.style.overflowVisible || fits) {
+        std::move(nodes.begin(), nodes.end(), std::back_inserter(out));
+        return;
+    }
+    auto clip = std::make_shared<Clip>();
+    clip->areas.push_back(
+        { Outline::rectangle(0, 0, size.width, size.height, 0, 0).transformed(viewportToCanvas), {}, {} });
+    Group group { element.name, {}, element.line, 1, std::move(clip), std::move(nodes) };
+    out.push_back({ std::move(group) });
+}
+
+void Builder::appendWrapped(const XmlElement& element, const Scope& scope, Nodes nodes, Nodes& out)
+{
+    const Style& style = scope.style;
+    if (nodes.empty() || style.opacity == 0)
+        return;
+    std::shared_ptr<const Clip> cut;
+    if (!style.clipPath.empty())
+        cut = clip(style.clipPath, element.line, scope, nodes);
+    Shape* only = nodes.size() == 1 ? std::get_if<Shape>(&nodes.front().content) : nullptr;
+    if (only && !cut)
+        only->opacity *= style.opacity;
+    if (!cut && (only || style.opacity == 1)) {
+        std::move(nodes.begin(), nodes.end(), std::back_inserter(out));
+        return;
+    }
+    const std::string* id = element.attribute("id");
+    Group group { element.name, id ? *id : std::string(), element.line, style.opacity, std::move(cut),
+        std::move(nodes) };
+    out.push_back({ std::move(group) });
+}
+
+Matrix Builder::transformOf(const XmlElement& element, const Style& style)
+{
+    if (style.transform)
+        return *style.transform;
+    const std::string* text = element.attribute("transform");
+    if (!text)
+        return {};
+    const std::optional<Matrix> matrix = parseTransform(*text);
+    if (!matrix)
+        mDocument.warnOnce("transform", element.line, "'" + text->substr(0, 60) + "' is no transform");
+    return matrix.value_or(Matrix {});
+}
+
+void Builder::warnOfSkipped(const XmlElement& element)
+{
+    if (element.name == "text")
+        mDocument.warnOnce("text", element.line, "text is not drawn");
+    else if (element.name == "image")
+        mDocument.warnOnce("image", element.line, "images are not drawn");
+    else if (element.name == "foreignObject")
+        mDocument.warnOnce("foreignObject", element.line, "foreign objects are not drawn");
+    else
+        mDocument.warnOnce("animation", element.line, "animations are left out; their first state is drawn");
+}
+
+void Builder::warnOfEffects(const XmlElement& element, const Style& style)
+{
+    if (!style.filter.empty())
+        mDocument.warnOnce("filter", element.line, "filters are not applied");
+    if (!style.mask.empty())
+        mDocument.warnOnce("mask", element.line, "masks are not applied");
+    if (style.blends)
+        mDocument.warnOnce("blend", element.line, "blend modes are not applied");
+}
+
+Paint Builder::paint(const PaintValue& value, double opacity, const Scope& scope, const Box& bounds, int line)
+{
+    using Kind = PaintValue::Kind;
+    if (value.kind == Kind::ContextFill)
+        return scope.contextFill ? *scope.contextFill : Paint {};
+    if (value.kind == Kind::ContextStroke)
+        return scope.contextStroke ? *scope.contextStroke : Paint {};
+    return mPaints.resolve(value, opacity, scope.style, bounds, scope.viewport, line);
+}
+
+Drawing readDrawing(std::string_view text, const XmlLimits& xmlLimits, const DrawingLimits& limits)
+{
+    const XmlElement root = parseXml(text, xmlLimits);
+    Document document(root, limits);
+    Drawing drawing;
+    Builder(document).build(drawing);
+    drawing.warnings = document.takeWarnings();
+    return drawing;
+}
+
+Box boundsOf(const std::vector<Node>& nodes, const Matrix& fromCanvas)
+{
+    Box box;
+    for (const Node& node : nodes) {
+        if (const Shape* shape = std::get_if<Shape>(&node.content))
+            box.include(shape->outline.bounds(fromCanvas * shape->toCanvas));
+        else
+            box.include(boundsOf(std::get<Group>(node.content).children, fromCanvas));
+    }
+    return box;
+}
+
+std::size_t shapeCount(const std::vector<Node>& nodes)
+{
+    std::size_t count = 0;
+    for (const Node& node : nodes) {
+        const Group* group = std::get_if<Group>(&node.content);
+        count += group ? shapeCount(group->children) : 1;
+    }
+    return count;
+}
+
+} // namespace app::svg

@@ -1,0 +1,119 @@
+#include "Scanner.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <limits>
+
+namespace app::svg {
+
+bool isSpace(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '\f'; }
+bool isDigit(char c) { return c >= '0' && c <= '9'; }
+bool isLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
+
+std::string_view trimmed(std::string_view text)
+{
+    while (!text.empty() && isSpace(text.front()))
+        text.remove_prefix(1);
+    while (!text.empty() && isSpace(text.back()))
+        text.remove_suffix(1);
+    return text;
+}
+
+namespace {
+char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
+} // namespace
+
+bool equalsIgnoringCase(std::string_view a, std::string_view b)
+{
+    return std::equal(
+        a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) { return lower(x) == lower(y); });
+}
+
+void Scanner::skipSpace()
+{
+    while (!atEnd() && isSpace(mText[mAt]))
+        ++mAt;
+}
+
+void Scanner::skipSpaceAndComma()
+{
+    skipSpace();
+    if (consume(','))
+        skipSpace();
+}
+
+bool Scanner::consume(char c)
+{
+    if (peek() != c || atEnd())
+        return false;
+    ++mAt;
+    return true;
+}
+
+bool Scanner::consumeWord(std::string_view word)
+{
+    if (!equalsIgnoringCase(mText.substr(mAt, word.size()), word))
+        return false;
+    mAt += word.size();
+    return true;
+}
+
+std::optional<double> Scanner::number()
+{
+    std::size_t at = mAt;
+    const auto digits = [&] {
+        const std::size_t begin = at;
+        while (at < mText.size() && isDigit(mText[at]))
+            ++at;
+        return at - begin;
+    };
+    const auto isAt = [&](std::size_t place, char c) { return place < mText.size() && mText[place] == c; };
+
+    const bool plus = isAt(at, '+');
+    if (plus || isAt(at, '-'))
+        ++at;
+    std::size_t count = digits();
+    if (isAt(at, '.')) {
+        ++at;
+        count += digits();
+    }
+    if (count == 0)
+        return std::nullopt;
+    if (isAt(at, 'e') || isAt(at, 'E')) {
+        const std::size_t beforeExponent = at++;
+        if (isAt(at, '+') || isAt(at, '-'))
+            ++at;
+        if (digits() == 0)
+            at = beforeExponent;
+    }
+
+    double value = 0;
+    const char* begin = mText.data() + mAt + (plus ? 1 : 0);
+    const auto result = std::from_chars(begin, mText.data() + at, value);
+    // Too small to be a double is as good as nothing; too large is an error.
+    if (result.ec == std::errc::result_out_of_range && mText.substr(mAt, at - mAt).find('-', 1) != mText.npos)
+        value = 0;
+    else if (result.ec != std::errc() || !(std::fabs(value) <= std::numeric_limits<float>::max()))
+        return std::nullopt;
+    mAt = at;
+    return value;
+}
+
+std::optional<bool> Scanner::flag()
+{
+    if (peek() != '0' && peek() != '1')
+        return std::nullopt;
+    return mText[mAt++] == '1';
+}
+
+std::string_view Scanner::word()
+{
+    const std::size_t begin = mAt;
+    while (
+        !atEnd() && (isLetter(mText[mAt]) || isDigit(mText[mAt]) || mText[mAt] == '-' || mText[mAt] == '_'))
+        ++mAt;
+    return mText.substr(begin, mAt - begin);
+}
+
+} // namespace app::svg

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace app::svg {
+
+struct XmlAttribute {
+    std::string name; ///< with the prefix `xlink:` or `xml:` for those two namespaces
+    std::string value;
+};
+
+/// An element of the document with what the importer may need of it.
+struct XmlElement {
+    std::string name; ///< without prefix; empty for elements of foreign namespaces
+    int line = 0;
+    std::vector<XmlAttribute> attributes; ///< those of foreign namespaces are left out
+    std::vector<XmlElement> children;
+    std::string text; ///< of `style` elements only
+
+    const std::string* attribute(std::string_view attributeName) const; ///< null when there is none
+};
+
+/// What a hostile document may cost at most.
+struct XmlLimits {
+    std::size_t bytes = 32u << 20;
+    int depth = 200;
+    int elements = 500'000;
+    int attributes = 200; ///< of one element
+};
+
+/// The document can't be read; `line` is 0 when no line is to blame.
+struct DocumentError : std::runtime_error {
+    DocumentError(int atLine, const std::string& message)
+        : std::runtime_error(message)
+        , line(atLine)
+    {
+    }
+    int line;
+};
+
+/// Reads a document whose root is an `svg` element. Nothing outside `text` is ever loaded: external
+/// subsets and entities are not followed, and a document with an internal subset is refused, because that
+/// is where entity bombs live. Throws `DocumentError`.
+XmlElement parseXml(std::string_view text, const XmlLimits& limits = {});
+
+} // namespace app::svg
