@@ -14,10 +14,10 @@ class View;
 class VXR_EXPORT VXRLayeredRenderable {
 public:
     virtual VXRCanvasRole* canvas() const = 0;
-    virtual Rect alignmentBounds() = 0; ///< canvas coordinates
+    virtual Rect alignmentBounds() const = 0; ///< canvas coordinates
     virtual AffineTransform transform() const = 0;
     virtual std::shared_ptr<VXRShadow> shadow() const = 0; ///< none for no shadow
-    virtual Rect shadowBoundsForRect(const Rect&) = 0; ///< canvas coordinates
+    virtual Rect shadowBoundsForRect(const Rect&) const = 0; ///< canvas coordinates
     virtual bool allowsTiling() const = 0;
     virtual bool layerShouldClearOnUpdate() const = 0;
     virtual bool requiresQuickdraw() const = 0;

@@ -4,6 +4,7 @@
 
 namespace vxr {
 
+class VXRBitmapRenderingQualityInfo;
 class VXRPaintedShape;
 
 /// A fill: whatever can paint the inside of a shape. Colours, gradients and image fills are painters.
@@ -18,6 +19,8 @@ public:
     virtual void setOwner(VXRPaintedShape*) { }
     /// Told when an interactive transform of the owner begins and ends.
     virtual void setDynamicallyTransforming(bool) { }
+    /// Adds the bitmaps that painting `shape` would draw.
+    virtual void addBitmapsToRenderingQualityInfoShape(VXRBitmapRenderingQualityInfo&, VXRPaintedShape&) { }
 
 protected:
     ~VXRShapePainter() = default;
