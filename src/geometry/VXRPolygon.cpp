@@ -1,5 +1,7 @@
 #include <vxr/geometry/VXRPolygon.h>
 
+#include <vxr/host/utility/VXULog.h>
+
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
@@ -74,6 +76,8 @@ void addFlatPath(const Path& flat, gpc_polygon& polygon)
             collector.forgetLastKept();
             break;
         case PathElementKind::CurveTo:
+            VXULog_Fn(VXULogLevelWarning, "VXRPolygon.cpp",
+                "Warning: Path should be flat. Illegal NSCurveToBezierPathElement.");
             point += 3;
             break;
         }

@@ -97,15 +97,12 @@ Work sampledWork(Contours contours, std::size_t vertices)
 
 } // namespace
 
-bool clipWorkIsBounded(Contours contours)
+bool clipWorkIsBounded(Contours contours, std::size_t vertices)
 {
-    std::size_t vertices = 0;
-    for (const gpc_vertex_list* c : contours)
-        vertices += std::size_t(c->num_vertices);
     if (double(vertices) > gpcMaximumVertices)
         return false;
     constexpr double cheap = 1 << 22; // edge pairs, all of which may cross
-    if (double(vertices) * double(vertices) <= cheap || edgePairBound(contours, vertices) <= cheap)
+    if (edgePairBound(contours, vertices) <= cheap)
         return true;
     const Work work = sampledWork(contours, vertices);
     return work.pairs <= gpcMaximumEdgePairs && work.crossings <= gpcMaximumCrossings;

@@ -49,15 +49,20 @@ struct Box {
 
 /// An operand as the clip sees it: contours that can bound an area, with their boxes.
 struct Operand {
-    std::vector<const gpc_vertex_list*> contours;
-    std::vector<Box> boxes;
+    struct Contour {
+        const gpc_vertex_list* list;
+        Box box;
+    };
+    std::vector<Contour> contours;
     Box bounds;
+    std::size_t vertices = 0;
+
+    bool isEmpty() const { return contours.empty(); }
 
     /// False when a coordinate is NaN or infinite.
     bool read(const gpc_polygon& polygon)
     {
         contours.reserve(std::size_t(polygon.num_contours));
-        boxes.reserve(std::size_t(polygon.num_contours));
         for (int i = 0; i < polygon.num_contours; ++i) {
             const gpc_vertex_list& contour = polygon.contour[i];
             Box box;
@@ -71,9 +76,8 @@ struct Operand {
                 return false;
             if (contour.num_vertices < 3)
                 continue;
-            contours.push_back(&contour);
-            boxes.push_back(box);
-            bounds.add(box);
+            contours.push_back({ &contour, box });
+            count(contours.back());
         }
         return true;
     }
@@ -81,17 +85,19 @@ struct Operand {
     /// Drops the contours that don't reach `area`: they can't change what is inside within it.
     void keepMeeting(const Box& area)
     {
-        std::size_t kept = 0;
+        if (std::erase_if(contours, [&](const Contour& c) { return !c.box.meets(area); }) == 0)
+            return;
         bounds = {};
-        for (std::size_t i = 0; i < contours.size(); ++i) {
-            if (!boxes[i].meets(area))
-                continue;
-            bounds.add(boxes[i]);
-            boxes[kept] = boxes[i];
-            contours[kept++] = contours[i];
-        }
-        contours.resize(kept);
-        boxes.resize(kept);
+        vertices = 0;
+        for (const Contour& contour : contours)
+            count(contour);
+    }
+
+private:
+    void count(const Contour& contour)
+    {
+        bounds.add(contour.box);
+        vertices += std::size_t(contour.list->num_vertices);
     }
 };
 
@@ -106,7 +112,7 @@ public:
         const double half = std::max(bounds.x1 / 2 - bounds.x0 / 2, bounds.y1 / 2 - bounds.y0 / 2);
         int exponent = 0;
         std::frexp(half, &exponent); // 2^(exponent - 1) <= half < 2^exponent
-        const int shift = std::clamp(bits - 1 - exponent, -1000, 1000);
+        const int shift = std::clamp(bits - 1 - exponent, -1022, 1022);
         mScale = std::ldexp(1.0, shift);
         mStep = std::ldexp(1.0, -shift);
         mCentreX = std::floor((bounds.x0 / 2 + bounds.x1 / 2) * mScale) * mStep;
@@ -128,15 +134,29 @@ private:
     double mScale, mStep, mCentreX, mCentreY;
 };
 
-void addTo(ClipperLib::Clipper& clipper, const Operand& operand, ClipperLib::PolyType role, const Grid& grid)
+void addTo(ClipperLib::Clipper& clipper, const Operand& operand, ClipperLib::PolyType role, const Grid& grid,
+    ClipperLib::Path& scratch)
 {
-    ClipperLib::Path path;
-    for (const gpc_vertex_list* contour : operand.contours) {
-        path.resize(std::size_t(contour->num_vertices));
-        std::transform(contour->vertex, contour->vertex + contour->num_vertices, path.begin(),
+    for (const auto& [contour, box] : operand.contours) {
+        scratch.resize(std::size_t(contour->num_vertices));
+        std::transform(contour->vertex, contour->vertex + contour->num_vertices, scratch.begin(),
             [&](const gpc_vertex& v) { return grid.toGrid(v); });
-        clipper.AddPath(path, role, true);
+        clipper.AddPath(scratch, role, true);
     }
+}
+
+/// Whether the operands stay within the bounds that the header states.
+bool isWithinBounds(const Operand& a, const Operand& b)
+{
+    const std::size_t vertices = a.vertices + b.vertices;
+    if (vertices <= clipWorkNeverTooMuch)
+        return true;
+    std::vector<const gpc_vertex_list*> contours;
+    contours.reserve(a.contours.size() + b.contours.size());
+    for (const Operand* operand : { &a, &b })
+        for (const auto& contour : operand->contours)
+            contours.push_back(contour.list);
+    return clipWorkIsBounded(contours, vertices);
 }
 
 gpc_polygon toPolygon(const ClipperLib::Paths& contours, const Grid& grid)
@@ -190,25 +210,24 @@ gpc_polygon clipped(gpc_op operation, const gpc_polygon& subject, const gpc_poly
     if (operation == GPC_INT || operation == GPC_DIFF)
         b.keepMeeting(a.bounds);
 
-    const bool emptyResult = (operation == GPC_INT && b.contours.empty())
-        || ((operation == GPC_INT || operation == GPC_DIFF) && a.contours.empty())
-        || (a.contours.empty() && b.contours.empty());
+    const bool emptyResult = (operation == GPC_INT && b.isEmpty())
+        || ((operation == GPC_INT || operation == GPC_DIFF) && a.isEmpty()) || (a.isEmpty() && b.isEmpty());
     if (emptyResult)
         return {};
 
-    std::vector<const gpc_vertex_list*> all = a.contours;
-    all.insert(all.end(), b.contours.begin(), b.contours.end());
     Box bounds = a.bounds;
     bounds.add(b.bounds);
-    if (bounds.x0 == bounds.x1 || bounds.y0 == bounds.y1 || !clipWorkIsBounded(all))
+    if (bounds.x0 == bounds.x1 || bounds.y0 == bounds.y1 || !isWithinBounds(a, b))
         return {};
 
     const Grid grid(bounds);
     ClipperLib::Clipper clipper;
     // Without it Clipper also removes the vertices in the middle of straight sides.
     clipper.PreserveCollinear(true);
-    addTo(clipper, a, ClipperLib::ptSubject, grid);
-    addTo(clipper, b, ClipperLib::ptClip, grid);
+    ClipperLib::Path scratch;
+    scratch.reserve(std::max(a.vertices, b.vertices));
+    addTo(clipper, a, ClipperLib::ptSubject, grid, scratch);
+    addTo(clipper, b, ClipperLib::ptClip, grid, scratch);
     ClipperLib::Paths contours;
     if (!clipper.Execute(clipType(operation), contours, ClipperLib::pftEvenOdd, ClipperLib::pftEvenOdd))
         return {};

@@ -1,0 +1,112 @@
+#include <vxr/textwrap/WrapPolygon.h>
+
+#include <algorithm>
+#include <cmath>
+
+namespace vxr {
+
+/// Copies a contour's vertices, of each run beyond the band its first and last only.
+class WrapPolygon::RunShortener {
+public:
+    RunShortener(std::vector<gpc_vertex>& kept)
+        : mKept(kept)
+    {
+    }
+
+    void add(const gpc_vertex& v, Side side)
+    {
+        if (side == mSide && side != Side::Across) {
+            mLast = &v;
+            return;
+        }
+        finishRun();
+        mSide = side;
+        mKept.push_back(v);
+    }
+
+    void finishRun()
+    {
+        if (mLast)
+            mKept.push_back(*mLast);
+        mLast = nullptr;
+    }
+
+private:
+    std::vector<gpc_vertex>& mKept;
+    Side mSide = Side::Across;
+    const gpc_vertex* mLast = nullptr; ///< the current run's last vertex, when it isn't its first
+};
+
+WrapPolygon::WrapPolygon(const Path& path)
+    : mPolygon(polygonFromBezier(path))
+{
+    indexBlocks();
+}
+
+void WrapPolygon::indexBlocks()
+{
+    std::size_t vertices = 0;
+    for (int i = 0; i < mPolygon->num_contours; ++i) {
+        const gpc_vertex_list& contour = mPolygon->contour[i];
+        vertices += std::size_t(contour.num_vertices);
+        for (int first = 0; first < contour.num_vertices; first += blockSize) {
+            Block block { contour.vertex[first].y, contour.vertex[first].y };
+            for (int k = first; k < std::min(first + blockSize, contour.num_vertices); ++k) {
+                const gpc_vertex& v = contour.vertex[k];
+                mIsFinite = mIsFinite && std::isfinite(v.x) && std::isfinite(v.y);
+                block.low = std::min(block.low, v.y);
+                block.high = std::max(block.high, v.y);
+            }
+            mBlocks.push_back(block);
+        }
+    }
+    mNearVertices.reserve(vertices); // so that the contours' pointers into it stay valid
+    mNearContours.reserve(std::size_t(mPolygon->num_contours));
+    mNearHoles.assign(std::size_t(mPolygon->num_contours), 0);
+}
+
+const gpc_polygon& WrapPolygon::near(double low, double high)
+{
+    // Clipping refuses a set with a coordinate that is not finite, wherever it lies.
+    if (!mIsFinite)
+        return *mPolygon;
+    mNearVertices.clear();
+    mNearContours.clear();
+    const Block* blocks = mBlocks.data();
+    for (int i = 0; i < mPolygon->num_contours; ++i) {
+        const gpc_vertex_list& contour = mPolygon->contour[i];
+        appendNear(contour, blocks, low, high);
+        blocks += (contour.num_vertices + blockSize - 1) / blockSize;
+    }
+    mNear = { int(mNearContours.size()), mNearHoles.data(), mNearContours.data() };
+    return mNear;
+}
+
+void WrapPolygon::appendNear(const gpc_vertex_list& contour, const Block* blocks, double low, double high)
+{
+    const auto sideOf = [&](double from, double to) {
+        return to < low ? Side::Below : from > high ? Side::Above : Side::Across;
+    };
+    const std::size_t firstKept = mNearVertices.size();
+    RunShortener shortener(mNearVertices);
+    for (int first = 0; first < contour.num_vertices; first += blockSize, ++blocks) {
+        const gpc_vertex* v = contour.vertex + first;
+        const gpc_vertex* end = contour.vertex + std::min(first + blockSize, contour.num_vertices);
+        const Side side = sideOf(blocks->low, blocks->high);
+        if (side == Side::Across) {
+            for (; v < end; ++v)
+                shortener.add(*v, sideOf(v->y, v->y));
+        } else {
+            shortener.add(*v, side);
+            shortener.add(end[-1], side);
+        }
+    }
+    shortener.finishRun();
+    const auto kept = int(mNearVertices.size() - firstKept);
+    if (kept >= 3)
+        mNearContours.push_back({ kept, mNearVertices.data() + firstKept });
+    else
+        mNearVertices.resize(firstKept);
+}
+
+} // namespace vxr

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <vxr/geometry/VXRPolygon.h>
+
+#include <cstdint>
+#include <vector>
+
+namespace vxr {
+
+/// The polygon of a path around which many lines wrap, kept so that a line is clipped against the few
+/// edges at its height only.
+class WrapPolygon {
+public:
+    explicit WrapPolygon(const Path& path);
+
+    const gpc_polygon& whole() const { return *mPolygon; }
+
+    /// A set with the same inside as the whole for heights from `low` to `high`, and the same edges there.
+    /// A run of vertices that stays beyond one of the two heights is replaced by its ends: the shortcut
+    /// stays beyond it too. Valid until the next call.
+    const gpc_polygon& near(double low, double high);
+
+private:
+    /// Where a vertex or a block of vertices lies with respect to the band.
+    enum class Side : std::int8_t { Below = -1, Across = 0, Above = 1 };
+
+    struct Block {
+        double low, high;
+    };
+
+    class RunShortener;
+
+    void indexBlocks();
+    void appendNear(const gpc_vertex_list& contour, const Block* blocks, double low, double high);
+
+    static constexpr int blockSize = 32;
+
+    VXRPolygonOwner mPolygon;
+    bool mIsFinite = true;
+    std::vector<Block> mBlocks; ///< height ranges of `blockSize` vertices each, contour after contour
+    std::vector<gpc_vertex> mNearVertices;
+    std::vector<int> mNearHoles;
+    std::vector<gpc_vertex_list> mNearContours;
+    gpc_polygon mNear {};
+};
+
+} // namespace vxr

@@ -1,0 +1,295 @@
+#include <tests/support/EvenOddArea.h>
+#include <tests/support/PolygonBuilder.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <random>
+
+namespace vxr::testing {
+namespace {
+
+using Contour = TestPolygon::Contour;
+
+constexpr gpc_op allOperations[] = { GPC_DIFF, GPC_INT, GPC_XOR, GPC_UNION };
+
+const Contour bowTie { { 0, 0 }, { 10, 10 }, { 10, 0 }, { 0, 10 } };
+const Contour spiked { { 0, 0 }, { 10, 0 }, { 10, 5 }, { 15, 5 }, { 10, 5 }, { 10, 10 }, { 0, 10 } };
+
+struct AreaCase {
+    const char* name;
+    std::vector<Contour> a, b;
+    double areas[4]; // by operation number: difference, intersection, exclusive-or, union
+    int contours[4];
+};
+const AreaCase areaCases[] = {
+    { "Overlapping", { square(0, 0, 10) }, { square(5, 5, 10) }, { 75, 25, 150, 175 }, { 1, 1, 2, 1 } },
+    { "SharedEdge", { square(0, 0, 10) }, { square(10, 0, 10) }, { 100, 0, 200, 200 }, { 1, 0, 1, 1 } },
+    { "SharedCorner", { square(0, 0, 10) }, { square(10, 10, 5) }, { 100, 0, 125, 125 }, { 1, 0, 2, 2 } },
+    { "Apart", { square(0, 0, 10) }, { square(20, 0, 10) }, { 100, 0, 200, 200 }, { 1, 0, 2, 2 } },
+    { "Equal", { square(0, 0, 10) }, { square(0, 0, 10) }, { 0, 100, 0, 100 }, { 0, 1, 0, 1 } },
+    { "Inside", { square(0, 0, 10) }, { square(2, 3, 4) }, { 84, 16, 84, 100 }, { 2, 1, 2, 1 } },
+    { "TwiceIsNothing", { square(0, 0, 10), square(0, 0, 10) }, { square(5, 5, 10) }, { 0, 0, 100, 100 },
+        { 0, 0, 1, 1 } },
+    { "BowTie", { bowTie }, { square(0, 0, 5) }, { 37.5, 12.5, 50, 62.5 }, { 2, 1, 3, 2 } },
+    { "SpikeHasNoArea", { spiked }, { square(8, 0, 10) }, { 80, 20, 160, 180 }, { 1, 1, 2, 1 } },
+    { "EmptyOperand", { square(0, 0, 10) }, {}, { 100, 0, 100, 100 }, { 1, 0, 1, 1 } },
+    { "EmptySubject", {}, { square(0, 0, 10) }, { 0, 0, 100, 100 }, { 0, 0, 1, 1 } },
+    { "BothEmpty", {}, {}, { 0, 0, 0, 0 }, { 0, 0, 0, 0 } },
+    { "LinesAndPoints", { { { 0, 0 }, { 9, 9 } }, { { 4, 4 } }, {}, { { 0, 5 }, { 20, 5 }, { 0, 5 } } },
+        { square(0, 0, 10) }, { 0, 0, 100, 100 }, { 0, 0, 1, 1 } },
+};
+
+TestPolygon polygonOf(const std::vector<Contour>& contours)
+{
+    TestPolygon polygon;
+    for (const Contour& c : contours)
+        polygon.add(c);
+    return polygon;
+}
+
+TEST(Gpc, AreasAndContoursOfSimpleOperands)
+{
+    for (const AreaCase& c : areaCases) {
+        const TestPolygon a = polygonOf(c.a), b = polygonOf(c.b);
+        for (int number = 0; number < 4; ++number) {
+            SCOPED_TRACE(std::string(c.name) + " operation " + std::to_string(number));
+            const TestPolygon result = clip(gpc_op(number), a, b);
+            EXPECT_DOUBLE_EQ(evenOddArea(result.set()), c.areas[number]);
+            // Xor outlines may be cut apart at the points where they touch.
+            if (number != GPC_XOR) {
+                EXPECT_EQ(result.count(), c.contours[number]);
+            }
+        }
+    }
+}
+
+enum class Family { Star, Tangle, Lattice, TinyFarAway };
+
+Contour randomContour(Family family, std::mt19937& random)
+{
+    std::uniform_real_distribution<double> unit(0, 1);
+    const auto whole = [&](int n) { return int(random() % unsigned(n)); };
+    Contour contour;
+    const int count = 3 + whole(family == Family::Lattice ? 8 : 30);
+    const double size = family == Family::TinyFarAway ? 1e-3 : 80;
+    const double centre = family == Family::TinyFarAway ? 1e6 : 100;
+    const double cx = centre + unit(random) * size, cy = centre + unit(random) * size;
+    for (int i = 0; i < count; ++i) {
+        if (family == Family::Lattice) {
+            contour.push_back({ double(whole(6)), double(whole(6)) });
+        } else if (family == Family::Tangle) {
+            contour.push_back({ unit(random) * 200, unit(random) * 200 });
+        } else {
+            const double angle = 2 * M_PI * i / count, r = size * (0.5 + unit(random) / 2);
+            contour.push_back({ cx + r * std::cos(angle), cy + r * std::sin(angle) });
+        }
+    }
+    return contour;
+}
+
+TestPolygon randomPolygon(Family family, std::mt19937& random)
+{
+    TestPolygon polygon;
+    for (auto contours = 1 + random() % 2; contours > 0; --contours)
+        polygon.add(randomContour(family, random));
+    return polygon;
+}
+
+TEST(Gpc, AreasObeyTheAlgebraOfSetsAndAgreeWithASweepInTrapezoids)
+{
+    std::mt19937 random(7);
+    for (const Family family : { Family::Star, Family::Tangle, Family::Lattice, Family::TinyFarAway }) {
+        for (int i = 0; i < 60; ++i) {
+            const TestPolygon a = randomPolygon(family, random), b = randomPolygon(family, random);
+            const double sum = evenOddArea(a.set()) + evenOddArea(b.set());
+            double areas[4];
+            for (const gpc_op operation : allOperations) {
+                areas[operation] = evenOddArea(clip(operation, a, b).set());
+                EXPECT_NEAR(areas[operation], areaOfOperation(operation, a.set(), b.set()), 1e-6 * sum)
+                    << "family " << int(family) << " case " << i << " operation " << operation;
+            }
+            EXPECT_NEAR(areas[GPC_UNION] + areas[GPC_INT], sum, 1e-6 * sum);
+            EXPECT_NEAR(areas[GPC_XOR], areas[GPC_UNION] - areas[GPC_INT], 1e-6 * sum);
+        }
+    }
+}
+
+TEST(Gpc, CoordinatesOnTheGridComeBackExactly)
+{
+    const double far = 1 << 20;
+    const TestPolygon a { { { -3.25, far }, { 1024.5, far + 0.125 }, { 7, far + 300 } } };
+    const TestPolygon b { square(-2000, -2000, 3) };
+    const TestPolygon both = clip(GPC_UNION, a, b);
+    ASSERT_EQ(both.count(), 2);
+    for (const TestPolygon* operand : { &a, &b }) {
+        for (const gpc_vertex& v : operand->contour(0)) {
+            int found = 0;
+            for (int i = 0; i < 2; ++i)
+                for (const gpc_vertex& r : both.contour(i))
+                    found += r.x == v.x && r.y == v.y;
+            EXPECT_EQ(found, 1) << v.x << ", " << v.y;
+        }
+    }
+}
+
+TEST(Gpc, CollinearVerticesStay)
+{
+    const TestPolygon a { { { 0, 0 }, { 5, 0 }, { 10, 0 }, { 10, 10 }, { 0, 10 } } };
+    EXPECT_EQ(clip(GPC_UNION, a, {}).contour(0).size(), 5u);
+}
+
+TEST(Gpc, ExtremeSizesKeepTheirAreas)
+{
+    for (const double scale : { 1e-290, 1e-30, 1e30, 1e140 }) {
+        const TestPolygon a { square(0, 0, 2 * scale) }, b { square(scale, scale, 2 * scale) };
+        const TestPolygon common = clip(GPC_INT, a, b);
+        ASSERT_EQ(common.count(), 1) << scale;
+        for (const gpc_vertex& v : common.contour(0)) {
+            EXPECT_NEAR(std::min(v.x / scale - 1, 2 - v.x / scale), 0, 1e-12) << scale;
+            EXPECT_NEAR(std::min(v.y / scale - 1, 2 - v.y / scale), 0, 1e-12) << scale;
+        }
+    }
+    const double largest = std::numeric_limits<double>::max();
+    const TestPolygon whole { { { -largest, -largest }, { largest, -largest }, { 0, largest } } };
+    EXPECT_EQ(clip(GPC_UNION, whole, { square(0, 0, 1) }).count(), 1);
+}
+
+TEST(Gpc, CoordinatesThatAreNotFiniteGiveTheEmptySet)
+{
+    const TestPolygon good { square(0, 0, 10) };
+    for (const double bad : { double(NAN), double(INFINITY), -double(INFINITY) }) {
+        for (const bool inX : { true, false }) {
+            Contour contour = square(5, 5, 10);
+            (inX ? contour[2].x : contour[2].y) = bad;
+            const TestPolygon other { contour };
+            for (const gpc_op operation : allOperations) {
+                EXPECT_EQ(clip(operation, good, other).count(), 0);
+                EXPECT_EQ(clip(operation, other, good).count(), 0);
+            }
+        }
+    }
+}
+
+/// Inside `contour` by the even-odd rule: 1 or 0, or -1 within 1e-9 of its outline.
+int pointInside(std::span<const gpc_vertex> contour, double x, double y)
+{
+    bool inside = false;
+    for (std::size_t i = 0; i < contour.size(); ++i) {
+        const gpc_vertex u = contour[i], v = contour[(i + 1) % contour.size()];
+        const double dx = v.x - u.x, dy = v.y - u.y, square = dx * dx + dy * dy;
+        const double t = std::clamp(((x - u.x) * dx + (y - u.y) * dy) / square, 0.0, 1.0);
+        if (std::hypot(u.x + t * dx - x, u.y + t * dy - y) < 1e-9)
+            return -1;
+        if ((u.y <= y) != (v.y <= y) && u.x + (y - u.y) / dy * dx > x)
+            inside = !inside;
+    }
+    return inside;
+}
+
+TEST(Gpc, HoleFlagsAreTheParityOfTheContoursAround)
+{
+    // Rings within rings: each contour's flag follows from its depth alone.
+    TestPolygon rings;
+    for (int depth = 0; depth < 40; ++depth)
+        rings.add(square(depth, depth, 200 - 2 * depth));
+    const TestPolygon separate = clip(GPC_UNION, rings, { square(500, 0, 10) });
+    ASSERT_EQ(separate.count(), 41);
+    for (int i = 0; i < separate.count(); ++i) {
+        const auto contour = separate.contour(i);
+        const double left
+            = std::min_element(contour.begin(), contour.end(), [](auto& u, auto& v) { return u.x < v.x; })->x;
+        EXPECT_EQ(separate.set().hole[i], left == 500 ? 0 : int(left) % 2);
+    }
+
+    // Lattice tangles touch themselves in many places: compare with counting around an edge's middle.
+    std::mt19937 random(11);
+    int judged = 0, holes = 0;
+    for (int i = 0; i < 300; ++i) {
+        const TestPolygon a = randomPolygon(Family::Lattice, random);
+        const TestPolygon result = clip(GPC_XOR, a, randomPolygon(Family::Lattice, random));
+        for (int k = 0; k < result.count(); ++k) {
+            const gpc_vertex u = result.contour(k)[0], v = result.contour(k)[1];
+            int around = 0;
+            bool touches = false;
+            for (int other = 0; other < result.count(); ++other) {
+                const int inside
+                    = other == k ? 0 : pointInside(result.contour(other), (u.x + v.x) / 2, (u.y + v.y) / 2);
+                touches |= inside < 0;
+                around += inside;
+            }
+            if (touches)
+                continue;
+            EXPECT_EQ(result.set().hole[k], around % 2) << "case " << i << " contour " << k;
+            ++judged;
+            holes += around % 2;
+        }
+    }
+    EXPECT_GT(judged, 300);
+    EXPECT_GT(holes, 10);
+}
+
+TEST(Gpc, RecordsOwnTheirCopies)
+{
+    Contour contour = square(0, 0, 10);
+    TestPolygon a;
+    a.add(contour);
+    contour[0].x = 5;
+    EXPECT_EQ(a.contour(0)[0].x, 0);
+
+    // The result may be an operand: its old contents are the caller's to free.
+    gpc_polygon before = a.set();
+    gpc_polygon_clip(GPC_DIFF, &a.set(), &a.set(), &a.set());
+    gpc_free_polygon(&before);
+    EXPECT_EQ(a.count(), 0);
+    EXPECT_EQ(before.num_contours, 0);
+    EXPECT_EQ(before.contour, nullptr);
+}
+
+Contour tangle(int vertices)
+{
+    std::mt19937 random(3);
+    std::uniform_real_distribution<double> place(0, 1000);
+    Contour contour;
+    for (int i = 0; i < vertices; ++i)
+        contour.push_back({ place(random), place(random) });
+    return contour;
+}
+
+/// Teeth as tall as the whole: every edge shares its height with every other, none cross.
+Contour comb(int teeth)
+{
+    Contour contour { { double(teeth), -1 }, { 0, -1 } };
+    for (int i = 0; i < teeth; ++i) {
+        contour.push_back({ double(i), 0 });
+        contour.push_back({ i + 0.5, 100 });
+    }
+    contour.push_back({ double(teeth), 0 });
+    return contour;
+}
+
+TEST(Gpc, RefusesWorkWithoutEndButNotLargePlainOutlines)
+{
+    const TestPolygon box { square(0, 0, 1000) };
+    EXPECT_EQ(clip(GPC_INT, { tangle(20000) }, box).count(), 0);
+    EXPECT_GT(clip(GPC_INT, { tangle(300) }, box).count(), 0);
+
+    const TestPolygon teeth { comb(3000) };
+    EXPECT_NEAR(evenOddArea(clip(GPC_UNION, teeth, {}).set()), 3000 + 3000 * 50, 1e-3);
+
+    Contour circle;
+    constexpr int vertices = 200000;
+    for (int i = 0; i < vertices; ++i) {
+        const double angle = 2 * M_PI * i / vertices;
+        circle.push_back({ 100 * std::cos(angle), 100 * std::sin(angle) });
+    }
+    const TestPolygon half
+        = clip(GPC_INT, { circle }, { { { -200, 0 }, { 200, 0 }, { 200, 200 }, { -200, 200 } } });
+    ASSERT_EQ(half.count(), 1);
+    EXPECT_GT(half.contour(0).size(), 100000u);
+}
+
+} // namespace
+} // namespace vxr::testing
