@@ -92,7 +92,8 @@ double resolutionOnPaper(const DeviceBox& box, double sigma)
 
 } // namespace
 
-// The shadow is given in base space: scaled and turned by the base transform alone.
+// The shadow is given in base space: scaled and turned by the base transform alone. On bitmaps it moves
+// by whole pixels, so that it looks the same wherever it is drawn from.
 CairoContext::Impl::DeviceShadow CairoContext::Impl::deviceShadow() const
 {
     const Size offset = base.map(state.shadow.offset);
@@ -101,7 +102,8 @@ CairoContext::Impl::DeviceShadow CairoContext::Impl::deviceShadow() const
     const double reach = std::ceil(3 * sigma) + 1;
     if (!std::isfinite(offset.width) || !std::isfinite(offset.height) || !std::isfinite(sigma))
         return {};
-    return { offset.width, -static_cast<double>(offset.height), sigma, reach };
+    const auto placed = [this](double v) { return kind == Kind::Bitmap ? std::floor(v + 0.5) : v; };
+    return { placed(offset.width), -placed(offset.height), sigma, reach };
 }
 
 // What lies outside of the clip may cast its shadow into it.
