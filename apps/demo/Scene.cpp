@@ -19,11 +19,10 @@ const std::vector<Scene>& scenes()
     return all;
 }
 
-void drawScene(const Scene& scene, const std::shared_ptr<Context>& context, float scale, bool toScreen)
+void drawScene(const Scene& scene, const std::shared_ptr<Context>& context, bool toScreen)
 {
     const CurrentContextScope current(std::make_shared<GraphicsContext>(context, toScreen, true));
     const StateSaver saved(*context);
-    context->scale(scale, scale);
     context->setFillColor(ColorValue::gray(1));
     context->fillRect({ 0, 0, scene.size.width, scene.size.height });
     context->translate(0, scene.size.height);

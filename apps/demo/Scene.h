@@ -31,8 +31,8 @@ struct Scene {
 /// Every scene, in the order of the gallery.
 const std::vector<Scene>& scenes();
 
-/// Draws `scene` on white into `context`, whose default space has `scene.size` points times `scale`.
-void drawScene(const Scene& scene, const std::shared_ptr<Context>& context, float scale, bool toScreen);
+/// Draws `scene` on white into `context`, whose default space has the scene's points.
+void drawScene(const Scene& scene, const std::shared_ptr<Context>& context, bool toScreen);
 
 // One function a subject; `scenes()` puts their results in a row.
 std::vector<Scene> pathScenes();
