@@ -216,3 +216,107 @@ TEST(StrokedOutline, CoversTheAreaThatWidthCapsJoinsAndDashesMake)
         }
     }
 }
+
+TEST(StrokedOutline, IsTheDiscSweptAlongTheLineWhereAllIsRound)
+{
+    PathSource source(12);
+    int inside = 0, outside = 0;
+    for (int round = 0; round < 40; ++round) {
+        const Path path = randomPath(source, static_cast<Kind>(round % 4));
+        const float radius = source.uniform(1, 25), tolerance = 0.05f;
+        const LineStyle style { .width = 2 * radius, .cap = LineCap::Round, .join = LineJoin::Round };
+        const auto outline = path.strokedOutline(style, tolerance);
+        Path fine = path;
+        fine.setFlatness(1e-3f);
+        const auto flat = fine.bezierPathByFlatteningPath();
+        for (int i = 0; i < 200; ++i) {
+            const Point p = source.point(20, 236);
+            double distance = 1e9;
+            Point start, pen;
+            for (std::size_t j = 0; j < flat->elementCount(); ++j) {
+                const PathElement e = flat->elementAtIndex(j);
+                if (e.kind == PathElementKind::MoveTo) {
+                    start = pen = e.endPoint();
+                    continue;
+                }
+                const Point end = e.kind == PathElementKind::Close ? start : e.endPoint();
+                distance = std::min(distance, distanceToSegment(p, pen, end));
+                pen = end;
+            }
+            if (std::abs(distance - radius) <= tolerance + 2e-3)
+                continue;
+            (distance < radius ? inside : outside)++;
+            EXPECT_EQ(outline->containsPoint(p), distance < radius) << path.description() << p << radius;
+        }
+    }
+    EXPECT_GT(inside, 1000);
+    EXPECT_GT(outside, 1000);
+}
+
+TEST(StrokedOutline, PiecesNeverCancelEachOther)
+{
+    // Every piece runs clockwise, so no point has a positive winding: adding one counter-clockwise turn
+    // around everything leaves a hole only where the winding is -1 and fills what has none.
+    PathSource source(13);
+    for (int round = 0; round < 60; ++round) {
+        const Path path = randomPath(source, round % 2 ? Kind::TightCurves : Kind::Curves);
+        LineStyle style { .width = source.uniform(20, 60), .join = static_cast<LineJoin>(round % 3) };
+        if (round % 5 == 0)
+            style.dash = { 30, 10 };
+        const auto outline = path.strokedOutline(style, 0.05f);
+        for (int i = 0; i < 100; ++i) {
+            const Point p = source.point(0, 256);
+            Path clockwiseToo = *outline;
+            clockwiseToo.appendPath(pathFrom("M-999 -999 L-999 999 L999 999 L999 -999 Z"));
+            EXPECT_TRUE(clockwiseToo.containsPoint(p)) << p;
+        }
+    }
+}
+
+TEST(StrokedOutline, FollowsAnyTransformThatKeepsAngles)
+{
+    const AffineTransform turned
+        = AffineTransform::makeRotation(0.7f).append(AffineTransform::makeScale(3, 3));
+    PathSource source(14);
+    for (int round = 0; round < 20; ++round) {
+        const Path path = randomPath(source, static_cast<Kind>(round % 4));
+        LineStyle style { .width = 6, .cap = LineCap::Square }, larger = style;
+        style.dash = { 12, 9 };
+        larger.dash = { 36, 27 };
+        larger.width = 18;
+        const auto before = path.strokedOutline(style, 0.02f),
+                   after = path.transformedBy(turned)->strokedOutline(larger, 0.06f);
+        int differing = 0;
+        for (int i = 0; i < 200; ++i) {
+            const Point p = source.point(30, 220);
+            differing += before->containsPoint(p) != after->containsPoint(turned.map(p));
+        }
+        EXPECT_LE(differing, 2) << path.description();
+    }
+}
+
+TEST(StrokedOutline, HostileStylesStayBounded)
+{
+    Path path = pathFrom("M0 0 L1e9 0 C5 1e9 1e9 -5 7 7 Z");
+    path.lineTo({ NaN, 1 });
+    path.curveTo({ 1, NaN }, { 3e38f, 1 }, { -3e38f, 3e38f });
+    path.lineTo({ 3e38f, -3e38f });
+    for (float width : { 1e-30f, 1.0f, 1e30f })
+        for (float dash : { 1e-38f, 1e-3f, 3.0f, 3e38f })
+            for (float phase : { 0.0f, -1e30f, NaN })
+                for (float tolerance : { 0.0f, NaN, 1e-30f, 1e30f }) {
+                    const LineStyle style { .width = width,
+                        .cap = LineCap::Round,
+                        .join = LineJoin::Round,
+                        .miterLimit = NaN,
+                        .dash = { dash, 0, dash },
+                        .dashPhase = phase };
+                    const auto outline = path.strokedOutline(style, tolerance);
+                    EXPECT_LT(outline->elementCount(), 1u << 21);
+                    for (const Point& p : outline->points())
+                        ASSERT_TRUE(std::isfinite(p.x) && std::isfinite(p.y));
+                }
+    // A dash so short that a line of this length would fall into a billion of them is drawn solid.
+    const LineStyle fine { .width = 2, .dash = { 1e-6f, 1e-6f } };
+    EXPECT_LT(pathFrom("M0 0 L1000 0").strokedOutline(fine, 0.1f)->elementCount(), 10u);
+}

@@ -2,11 +2,10 @@
 
 namespace vxr {
 
-CurveFlattener::CurveFlattener(double tolerance, std::size_t curves)
+CurveFlattener::CurveFlattener(double tolerance, std::size_t curves, std::size_t mostLines)
     : mTolerance(tolerance > 0 ? tolerance : 0)
 {
-    constexpr std::size_t mostLines = std::size_t(1) << 25;
-    constexpr int leastDepth = 5;
+    constexpr int leastDepth = 3;
     while (mDepth > leastDepth && curves > mostLines >> mDepth)
         --mDepth;
 }
@@ -33,7 +32,7 @@ std::shared_ptr<Path> Path::bezierPathByFlatteningPath() const
     flat->mFlatness = mFlatness;
     flat->mWindingRule = mWindingRule;
     flat->reserve(mKinds.size() + 4 * curves);
-    const CurveFlattener flattener(mFlatness, curves);
+    const CurveFlattener flattener(mFlatness, curves, 1 << 24);
     const Point* p = mPoints.data();
     for (PathElementKind kind : mKinds) {
         switch (kind) {

@@ -13,9 +13,10 @@ class CurveFlattener {
 public:
     static constexpr int mostDepth = 13;
 
-    /// `curves` is how many there are to flatten: very many get fewer lines each, so that their sum stays
-    /// within 2^25 or 32 lines a curve.
-    CurveFlattener(double tolerance, std::size_t curves);
+    /// `curves` is how many there are to flatten: very many get fewer lines each, down to 8, so that hostile
+    /// coordinates or tolerances can't fill the memory. Their sum stays within `mostLines` as far as that
+    /// allows.
+    CurveFlattener(double tolerance, std::size_t curves, std::size_t mostLines);
 
     /// Calls `emit(piece)` with each flat piece in turn; its end is the next vertex. The control points
     /// must be finite.

@@ -20,7 +20,7 @@ Vec2 endDirection(const Cubic& c) { return -startDirection({ c.end, c.control2, 
 
 StrokeRunBuilder::StrokeRunBuilder(
     const Precision& precision, std::size_t curves, std::function<void(const StrokeRun&)> emit)
-    : mFlattener(precision.tolerance, curves)
+    : mFlattener(precision.tolerance, curves, 1 << 23)
     , mLeastStep(precision.leastStep)
     , mCosine(std::cos(precision.mostTurn))
     , mEmit(std::move(emit))

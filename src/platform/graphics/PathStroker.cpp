@@ -141,8 +141,9 @@ void PathStroker::addOffsets(Vec2 p)
 /// The points between the arc's ends, without them. A very long outline gets coarse arcs, which bounds it.
 void PathStroker::addArc(std::vector<Vec2>& points, Vec2 center, Vec2 from, double angle) const
 {
-    constexpr std::size_t longOutline = 1 << 24;
-    const double most = mOutline.elementCount() > longOutline ? pi / 3 : mMostTurn;
+    constexpr std::size_t longOutline = 1 << 23;
+    const bool coarse = mOutline.elementCount() + points.size() > longOutline;
+    const double most = coarse ? pi / 3 : mMostTurn;
     const int steps = static_cast<int>(std::ceil(std::abs(angle) / most));
     const double cosine = std::cos(angle / steps), sine = std::sin(angle / steps);
     for (int i = 1; i < steps; ++i)

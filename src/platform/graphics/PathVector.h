@@ -32,7 +32,7 @@ struct Vec2 {
         return { static_cast<float>(std::clamp(x, -most, most)),
             static_cast<float>(std::clamp(y, -most, most)) };
     }
-    double length() const { return std::hypot(x, y); }
+    double length() const { return std::sqrt(x * x + y * y); } ///< finite input of single precision can't overflow
 
     friend constexpr bool operator==(const Vec2&, const Vec2&) = default;
     friend constexpr Vec2 operator+(Vec2 a, Vec2 b) { return { a.x + b.x, a.y + b.y }; }
