@@ -1,8 +1,8 @@
-#include <vxr/platform/graphics/Path.h>
+#include <vxr/platform/graphics/GraphicsContext.h>
 
 #include <tests/platform/PathTestSupport.h>
+#include <tests/support/RecordingContext.h>
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <limits>
@@ -248,12 +248,38 @@ TEST(Path, OddCoordinatesLeaveTheRestUsable)
         if (!(std::abs(odd) < infinity)) {
             EXPECT_EQ(path.bounds(), Rect(0, 0, 9, 9));
             EXPECT_TRUE(path.containsPoint({ 5, 5 }));
-            EXPECT_FALSE(path.containsPoint({ 5, 12 }));
+            path.lineTo({ 9, 0 }); // goes on from what is left out
+            path.lineTo({ 20, 9 });
+            EXPECT_FALSE(path.containsPoint({ 8.9f, 9 }));
+            EXPECT_FALSE(path.containsPoint({ 9, 5 }));
+            path.moveTo({ 9, 0 });
+            path.lineTo({ 20, 9 });
+            path.lineTo({ 9, 9 });
+            EXPECT_TRUE(path.containsPoint({ 10, 5 }));
         }
     }
     // Curves drawn together in one point or along one line, asked about that very point.
     EXPECT_FALSE(pathFrom("M2 2 C2 2 2 2 2 2").containsPoint({ 2, 2 }));
     pathFrom("M0 0 C9 0 -5 0 4 0").containsPoint({ 2, 0 });
+}
+
+TEST(Path, DrawsInItsOwnStyleAndLeavesTheContextsAsItWas)
+{
+    RecordingContext context;
+    CurrentContextScope current(context, true, false);
+    Path path = pathFrom("M0 0 L10 0 L10 5 Z");
+    path.setWindingRule(WindingRule::EvenOdd);
+    path.setLineWidth(3);
+    path.fill();
+    path.stroke();
+    path.setFlatness(0.1f);
+    path.addClip();
+    EXPECT_EQ(context.recorded(), R"(fill even-odd [M0 0 L10 0 L10 5 Z]
+stroke width=3 [M0 0 L10 0 L10 5 Z]
+set-flatness 0.1
+clip even-odd [M0 0 L10 0 L10 5 Z]
+set-flatness 0.6
+)");
 }
 
 TEST(Path, AMillionElementsAreWalkedInLinearTime)

@@ -1,4 +1,4 @@
-#include <vxr/platform/graphics/Path.h>
+#include <vxr/platform/graphics/PathVector.h>
 
 #include <fmt/format.h>
 
@@ -8,16 +8,6 @@
 #include <limits>
 
 namespace vxr {
-
-namespace {
-
-constexpr std::size_t pointCount(PathElementKind kind)
-{
-    constexpr std::size_t counts[] = { 1, 1, 3, 0 };
-    return counts[static_cast<std::size_t>(kind)];
-}
-
-} // namespace
 
 Path::Path() = default;
 Path::Path(const Path&) = default;
@@ -120,7 +110,7 @@ void Path::appendPath(const Path& other)
             mPointIndex.push_back(at);
         const PathElementKind kind = other.mKinds[i];
         mKinds.push_back(kind);
-        at += pointCount(kind);
+        at += pathPointCount(kind);
     }
 }
 
@@ -143,10 +133,10 @@ PathElement Path::elementAtIndex(std::size_t index) const
 {
     std::size_t at = mPointIndex[index / indexStride];
     for (std::size_t i = index - index % indexStride; i < index; ++i)
-        at += pointCount(mKinds[i]);
+        at += pathPointCount(mKinds[i]);
     PathElement element { mKinds[index], {} };
-    std::copy_n(
-        mPoints.begin() + static_cast<std::ptrdiff_t>(at), pointCount(element.kind), element.points.begin());
+    std::copy_n(mPoints.begin() + static_cast<std::ptrdiff_t>(at), pathPointCount(element.kind),
+        element.points.begin());
     return element;
 }
 
@@ -203,7 +193,7 @@ std::string Path::description() const
     std::size_t at = 0;
     for (std::size_t i = 0; i < std::min(mKinds.size(), shown); ++i) {
         fmt::format_to(std::back_inserter(text), "{}{}", i ? " " : "", "MLCZ"[static_cast<int>(mKinds[i])]);
-        for (std::size_t j = 0; j < pointCount(mKinds[i]); ++j, ++at)
+        for (std::size_t j = 0; j < pathPointCount(mKinds[i]); ++j, ++at)
             fmt::format_to(std::back_inserter(text), "{}{} {}", j ? " " : "", mPoints[at].x, mPoints[at].y);
     }
     return text + (mKinds.size() > shown ? " ...]" : "]");

@@ -40,8 +40,8 @@ struct PathElement {
 /// Mutable outline of move, line, cubic curve and close elements, with the style in which it is stroked
 /// and filled. An object with identity: whoever holds it sees changes made by others.
 ///
-/// Verbs and points are contiguous. NaN and infinite coordinates are stored as they are; every
-/// operation on them ends and draws nothing of them.
+/// Verbs and points are contiguous. NaN and infinite coordinates are stored as they are; a sub-path that has
+/// some holds nothing and draws nothing.
 class VXR_EXPORT Path final : public Object {
 public:
     static constexpr float defaultFlatness = 0.6f;

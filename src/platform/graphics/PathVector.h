@@ -32,7 +32,10 @@ struct Vec2 {
         return { static_cast<float>(std::clamp(x, -most, most)),
             static_cast<float>(std::clamp(y, -most, most)) };
     }
-    double length() const { return std::sqrt(x * x + y * y); } ///< finite input of single precision can't overflow
+    double length() const
+    {
+        return std::sqrt(x * x + y * y);
+    } ///< finite input of single precision can't overflow
 
     friend constexpr bool operator==(const Vec2&, const Vec2&) = default;
     friend constexpr Vec2 operator+(Vec2 a, Vec2 b) { return { a.x + b.x, a.y + b.y }; }
@@ -49,6 +52,13 @@ constexpr Vec2 leftNormal(Vec2 direction) { return { -direction.y, direction.x }
 
 inline bool isFinite(Point p) { return std::isfinite(p.x) && std::isfinite(p.y); }
 
+/// How many points an element has.
+constexpr std::size_t pathPointCount(PathElementKind kind)
+{
+    constexpr std::size_t counts[] = { 1, 1, 3, 0 };
+    return counts[static_cast<std::size_t>(kind)];
+}
+
 struct Cubic {
     Vec2 start, control1, control2, end;
 
@@ -63,50 +73,50 @@ struct Cubic {
 };
 
 /// Hands a path's finite geometry to `sink` piece by piece: `move(p)`, `line(from, to)`, `curve(cubic)`,
-/// `close(from, start)`. A line or curve after a close is preceded by a move to the start. An element with a
-/// coordinate that is not finite is left out, and with such a move everything up to the next move.
+/// `close(from, start)`. A line or curve after a close is preceded by a move to the start. A sub-path with a
+/// coordinate that is not finite is left out, with all that goes on from it up to the next move.
 template <class Sink> void walkFinite(const Path& path, Sink&& sink)
 {
+    const auto kinds = path.kinds();
     const Point* p = path.points().data();
-    Vec2 start, pen;
-    bool begun = false, closed = false;
-    const auto resume = [&] {
-        if (closed)
-            sink.move(start);
-        closed = false;
+    const auto endOfSubpath = [&](std::size_t i) {
+        while (++i < kinds.size() && kinds[i] != PathElementKind::MoveTo)
+            if (kinds[i - 1] == PathElementKind::Close)
+                break;
+        return i;
     };
-    for (PathElementKind kind : path.kinds()) {
-        switch (kind) {
-        case PathElementKind::MoveTo:
-            if ((begun = isFinite(*p)))
+    Vec2 start, pen;
+    bool finite = false;
+    for (std::size_t i = 0, end = 0; i < kinds.size(); i = end) {
+        end = endOfSubpath(i);
+        const Point* last = p;
+        for (std::size_t j = i; j < end; ++j)
+            last += pathPointCount(kinds[j]);
+        finite = (finite || kinds[i] == PathElementKind::MoveTo) && std::all_of(p, last, isFinite);
+        if (!finite || kinds[i] == PathElementKind::Close) {
+            p = last; // not finite, or closed already
+            continue;
+        }
+        if (kinds[i] != PathElementKind::MoveTo)
+            sink.move(start);
+        for (; i < end; p += pathPointCount(kinds[i++])) {
+            switch (kinds[i]) {
+            case PathElementKind::MoveTo:
                 sink.move(start = pen = *p);
-            closed = false;
-            p += 1;
-            break;
-        case PathElementKind::LineTo:
-            if (begun && isFinite(*p)) {
-                resume();
+                break;
+            case PathElementKind::LineTo:
                 sink.line(pen, *p);
                 pen = *p;
-            }
-            p += 1;
-            break;
-        case PathElementKind::CurveTo:
-            if (begun && isFinite(p[0]) && isFinite(p[1]) && isFinite(p[2])) {
-                resume();
+                break;
+            case PathElementKind::CurveTo:
                 sink.curve(Cubic { pen, p[0], p[1], p[2] });
                 pen = p[2];
-            }
-            p += 3;
-            break;
-        case PathElementKind::Close:
-            if (begun) {
-                resume();
+                break;
+            case PathElementKind::Close:
                 sink.close(pen, start);
                 pen = start;
-                closed = true;
+                break;
             }
-            break;
         }
     }
 }

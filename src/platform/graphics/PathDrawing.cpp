@@ -1,0 +1,56 @@
+#include <vxr/platform/graphics/GraphicsContext.h>
+
+namespace vxr {
+
+namespace {
+
+/// Gives a context a path's flatness for the length of a scope. Not a saved state, which would take back a
+/// clip as well.
+class FlatnessScope {
+public:
+    FlatnessScope(Context& context, float flatness)
+        : mContext(context)
+        , mBefore(context.flatness())
+        , mDiffers(flatness != mBefore)
+    {
+        if (mDiffers)
+            mContext.setFlatness(flatness);
+    }
+    ~FlatnessScope()
+    {
+        if (mDiffers)
+            mContext.setFlatness(mBefore);
+    }
+    FlatnessScope(const FlatnessScope&) = delete;
+    FlatnessScope& operator=(const FlatnessScope&) = delete;
+
+private:
+    Context& mContext;
+    float mBefore;
+    bool mDiffers;
+};
+
+} // namespace
+
+void Path::fill() const
+{
+    Context& context = currentDrawingPort();
+    FlatnessScope scope(context, mFlatness);
+    context.fillPath(*this, mWindingRule);
+}
+
+void Path::stroke() const
+{
+    Context& context = currentDrawingPort();
+    FlatnessScope scope(context, mFlatness);
+    context.strokePath(*this, mStyle);
+}
+
+void Path::addClip() const
+{
+    Context& context = currentDrawingPort();
+    FlatnessScope scope(context, mFlatness);
+    context.clipToPath(*this, mWindingRule);
+}
+
+} // namespace vxr
