@@ -1,6 +1,7 @@
 #include <vxr/platform/views/LayerCompositor.h>
 
 #include <vxr/platform/views/LayerBlend.h>
+#include <vxr/platform/views/PixelRegion.h>
 
 #include <pixman.h>
 
@@ -13,23 +14,11 @@ namespace vxr {
 
 namespace {
 
-/// Half-open box of destination pixels.
-struct Box {
-    int x0, y0, x1, y1;
-
-    bool isEmpty() const { return x0 >= x1 || y0 >= y1; }
-};
-
-Box intersection(const Box& a, const Box& b)
-{
-    return { std::max(a.x0, b.x0), std::max(a.y0, b.y0), std::min(a.x1, b.x1), std::min(a.y1, b.y1) };
-}
-
 /// What a layer may touch. An inclusive limit of the largest integer can't be made half-open, and no
 /// frame reaches that far.
-Box touchedBox(const LayerInfo& layer)
+PixelBox touchedBox(const LayerInfo& layer)
 {
-    const Box frame { layer.frameMinX, layer.frameMinY, layer.frameMaxX, layer.frameMaxY };
+    const PixelBox frame { layer.frameMinX, layer.frameMinY, layer.frameMaxX, layer.frameMaxY };
     const auto next = [](std::int32_t last) { return last == INT32_MAX ? last : last + 1; };
     return intersection(
         frame, { layer.clipMinX, layer.clipMinY, next(layer.clipMaxX), next(layer.clipMaxY) });
@@ -66,46 +55,10 @@ bool isBlendable(const LayerInfo& layer)
     }
 }
 
-/// A set of pixels as disjoint boxes.
-class Region {
-public:
-    explicit Region(const Box& box)
-    {
-        pixman_region32_init_rect(
-            &mRegion, box.x0, box.y0, unsigned(box.x1 - box.x0), unsigned(box.y1 - box.y0));
-    }
-    ~Region() { pixman_region32_fini(&mRegion); }
-    Region(const Region&) = delete;
-    Region& operator=(const Region&) = delete;
-
-    bool isEmpty() const { return !pixman_region32_not_empty(&mRegion); }
-    int boxCount() const { return pixman_region32_n_rects(&mRegion); }
-
-    void subtract(const Box& box)
-    {
-        Region other(box);
-        pixman_region32_subtract(&mRegion, &mRegion, &other.mRegion);
-    }
-
-    template <class Visit> void forEachBoxWithin(const Box& limit, Visit visit) const
-    {
-        int count = 0;
-        const pixman_box32_t* boxes = pixman_region32_rectangles(&mRegion, &count);
-        for (int i = 0; i < count; ++i) {
-            const Box part = intersection({ boxes[i].x1, boxes[i].y1, boxes[i].x2, boxes[i].y2 }, limit);
-            if (!part.isEmpty())
-                visit(part);
-        }
-    }
-
-private:
-    mutable pixman_region32_t mRegion;
-};
-
 /// One box of one layer to be drawn.
 struct Step {
     const LayerInfo* layer;
-    Box box;
+    PixelBox box;
     std::uint32_t color; ///< premultiplied and faded, for layers that have one
     std::uint8_t fade;
     bool copies; ///< opaque: what lies below is not needed
@@ -116,18 +69,18 @@ struct Step {
 constexpr int mostBoxes = 128;
 
 /// Walks the chain from the top and finds what can be seen of each layer. The steps come top first.
-std::vector<Step> visibleSteps(const Box& area, const LayerInfo* top)
+std::vector<Step> visibleSteps(const PixelBox& area, const LayerInfo* top)
 {
     std::vector<Step> steps;
-    Region visible(area);
+    PixelRegion visible(area);
     for (const LayerInfo* layer = top; layer && !visible.isEmpty(); layer = layer->next) {
-        const Box touched = intersection(touchedBox(*layer), area);
+        const PixelBox touched = intersection(touchedBox(*layer), area);
         const std::uint8_t fade = fadeByte(layer->fade);
         if (touched.isEmpty() || !fade || !isBlendable(*layer))
             continue;
 
         Step step { layer, touched, 0, fade, false };
-        Box opaque { 0, 0, 0, 0 };
+        PixelBox opaque { 0, 0, 0, 0 };
         if (layer->bitmapType != LayerBitmap32) {
             step.color = premultipliedColor(layer->constantColor, fade);
             if (!(step.color >> 24))
@@ -142,20 +95,20 @@ std::vector<Step> visibleSteps(const Box& area, const LayerInfo* top)
         }
 
         if (opaque.isEmpty() || visible.boxCount() > mostBoxes) {
-            visible.forEachBoxWithin(touched, [&](const Box& box) {
+            visible.forEachBoxWithin(touched, [&](const PixelBox& box) {
                 step.box = box;
                 steps.push_back(step);
             });
             continue;
         }
         step.copies = true;
-        visible.forEachBoxWithin(opaque, [&](const Box& box) {
+        visible.forEachBoxWithin(opaque, [&](const PixelBox& box) {
             step.box = box;
             steps.push_back(step);
         });
         visible.subtract(opaque);
         step.copies = false;
-        visible.forEachBoxWithin(touched, [&](const Box& box) {
+        visible.forEachBoxWithin(touched, [&](const PixelBox& box) {
             step.box = box;
             steps.push_back(step);
         });
@@ -179,7 +132,7 @@ std::uint8_t* coverageAt(const LayerInfo& layer, int x, int y)
     return rowOf(layer.alphaData, layer.alphaBytesPerRow, layer, y) + (std::ptrdiff_t(x) - layer.frameMinX);
 }
 
-void copy32(const LayerInfo& destination, const LayerInfo& layer, const Box& box)
+void copy32(const LayerInfo& destination, const LayerInfo& layer, const PixelBox& box)
 {
     const std::size_t rowBytes = std::size_t(box.x1 - box.x0) * 4;
     if (std::ptrdiff_t(rowBytes) == destination.colorBytesPerRow
@@ -192,7 +145,7 @@ void copy32(const LayerInfo& destination, const LayerInfo& layer, const Box& box
         std::memcpy(pixelAt(destination, box.x0, y), pixelAt(layer, box.x0, y), rowBytes);
 }
 
-void draw32(const LayerInfo& destination, const Step& step, const Box& box)
+void draw32(const LayerInfo& destination, const Step& step, const PixelBox& box)
 {
     const LayerInfo& layer = *step.layer;
     const std::size_t width = std::size_t(box.x1 - box.x0);
@@ -217,15 +170,15 @@ void draw32(const LayerInfo& destination, const Step& step, const Box& box)
 }
 
 /// Steps from the bottom up, in bands low enough that the destination stays in the cache between them.
-void composite32(const LayerInfo& destination, const Box& area, const std::vector<Step>& steps)
+void composite32(const LayerInfo& destination, const PixelBox& area, const std::vector<Step>& steps)
 {
     constexpr int bandBytes = 1 << 18;
     const int bandHeight
         = steps.size() < 2 ? area.y1 - area.y0 : std::max(8, bandBytes / (4 * (area.x1 - area.x0)));
     for (int y = area.y0; y < area.y1; y += bandHeight) {
-        const Box band { area.x0, y, area.x1, std::min(area.y1, y + bandHeight) };
+        const PixelBox band { area.x0, y, area.x1, std::min(area.y1, y + bandHeight) };
         for (auto step = steps.rbegin(); step != steps.rend(); ++step) {
-            const Box box = intersection(step->box, band);
+            const PixelBox box = intersection(step->box, band);
             if (!box.isEmpty())
                 draw32(destination, *step, box);
         }
@@ -255,7 +208,7 @@ PixmanImage rowImage(pixman_format_code_t format, void* first, int width)
 void draw16(const LayerInfo& destination, const Step& step)
 {
     const LayerInfo& layer = *step.layer;
-    const Box& box = step.box;
+    const PixelBox& box = step.box;
     const int width = box.x1 - box.x0;
     PixmanImage source = solidImage(step.color), mask;
     if (layer.bitmapType == LayerBitmap32 && step.fade != 255)
@@ -277,7 +230,7 @@ void draw16(const LayerInfo& destination, const Step& step)
 
 void LayerCompositor::composite(const LayerInfo& destination, const LayerInfo* top)
 {
-    const Box area = touchedBox(destination);
+    const PixelBox area = touchedBox(destination);
     if (!destination.colorData || area.isEmpty())
         return;
     if (destination.bitmapType != LayerBitmap32 && destination.bitmapType != LayerBitmap16)
