@@ -176,9 +176,12 @@ struct TestLayer {
         const int x1 = std::min({ info.frameMaxX - 1, info.clipMaxX, destination.clipMaxX }) + 1;
         const int y0 = std::max({ info.frameMinY, info.clipMinY, destination.clipMinY });
         const int y1 = std::min({ info.frameMaxY - 1, info.clipMaxY, destination.clipMaxY }) + 1;
-        const auto fade = std::uint8_t(unsigned(info.fade * 65535.0 + 0.5) >> 8);
-        const std::uint32_t alpha = multiply255(std::uint8_t(info.constantColor), fade);
-        const std::uint32_t color = premultiplied(alpha << 24 | info.constantColor >> 8);
+        const auto upperByte = [](double v) { return std::uint32_t(v * 65535 + 0.5) >> 8; };
+        const std::uint32_t fade = upperByte(double(info.fade));
+        const double alpha = double(info.constantColor & 0xff) / 255 * double(info.fade);
+        std::uint32_t color = upperByte(alpha) << 24;
+        for (int shift : { 8, 16, 24 })
+            color |= upperByte(double(info.constantColor >> shift & 0xff) / 255 * alpha) << (shift - 8);
         for (int y = y0; y < y1 && x0 < x1; ++y) {
             pixman_image_t *source, *mask = nullptr;
             const int row = y - info.frameMinY, column = x0 - info.frameMinX;
@@ -186,7 +189,7 @@ struct TestLayer {
                 const int width = info.frameMaxX - info.frameMinX;
                 source = Reference::image(
                     PIXMAN_a8r8g8b8, colors.data() + row * width + column, x1 - x0, 1, width * 4);
-                mask = Reference::solid(std::uint32_t(fade) << 24);
+                mask = Reference::solid(fade << 24);
             } else {
                 source = Reference::solid(color);
             }

@@ -110,6 +110,18 @@ void CairoContext::restoreState()
         cairo_restore(mImpl->cr());
 }
 
+std::size_t CairoContext::stateDepth() const { return mImpl->stack.size(); }
+
+void CairoContext::unwindToDepth(std::size_t depth)
+{
+    while (mImpl->stack.size() > depth) {
+        if (mImpl->isInLayer() && mImpl->targets.back().stackDepth == mImpl->stack.size())
+            mImpl->releaseLayer(mImpl->leaveLayer());
+        else
+            restoreState();
+    }
+}
+
 AffineTransform CairoContext::currentTransform() const { return mImpl->state.transform; }
 
 AffineTransform CairoContext::baseTransform() const { return mImpl->base; }

@@ -30,6 +30,8 @@ public:
     // The Context interface.
     void saveState() override;
     void restoreState() override;
+    std::size_t stateDepth() const override;
+    void unwindToDepth(std::size_t) override;
     AffineTransform currentTransform() const override;
     AffineTransform baseTransform() const override;
     void setBaseTransform(const AffineTransform&) override;

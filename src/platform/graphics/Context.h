@@ -49,6 +49,11 @@ public:
     // State.
     virtual void saveState() = 0;
     virtual void restoreState() = 0; ///< does nothing without a matching save
+    /// Saves and begun transparency layers that are still open; 0 where nobody counts.
+    virtual std::size_t stateDepth() const { return 0; }
+    /// Restores states, and drops unfinished layers with what is in them, until no more than `depth` are
+    /// open: for whoever goes on after drawing that failed.
+    virtual void unwindToDepth(std::size_t) { }
 
     // Transform. The base transform maps default user space to device space and is kept apart; the
     // current one maps user space to device space, base included.

@@ -24,21 +24,20 @@ PixelBox touchedBox(const LayerInfo& layer)
         frame, { layer.clipMinX, layer.clipMinY, next(layer.clipMaxX), next(layer.clipMaxY) });
 }
 
-/// The 8-bit fade that a 16-bit colour channel of the same value has as its upper byte, which is how the
-/// drawing engine takes an alpha.
-std::uint8_t fadeByte(float fade)
+/// The upper byte of a 16-bit channel, which is how the drawing engine takes components.
+std::uint8_t channelByte(double component)
 {
-    if (!(fade > 0))
-        return 0;
-    return std::uint8_t(unsigned(std::min(double(fade), 1.0) * 65535 + 0.5) >> 8);
+    return std::uint8_t(unsigned(std::clamp(component, 0.0, 1.0) * 65535 + 0.5) >> 8);
 }
 
-std::uint32_t premultipliedColor(std::uint32_t packed, std::uint8_t fade)
+std::uint8_t fadeByte(float fade) { return fade > 0 ? channelByte(double(fade)) : 0; }
+
+std::uint32_t premultipliedColor(std::uint32_t packed, float fade)
 {
-    const std::uint8_t alpha = multiply255(std::uint8_t(packed), fade);
+    const double alpha = (packed & 0xff) / 255.0 * std::min(double(fade), 1.0);
     const auto channel
-        = [&](int shift) { return std::uint32_t(multiply255(std::uint8_t(packed >> shift), alpha)); };
-    return std::uint32_t(alpha) << 24 | channel(24) << 16 | channel(16) << 8 | channel(8);
+        = [&](int shift) { return std::uint32_t(channelByte((packed >> shift & 0xff) / 255.0 * alpha)); };
+    return std::uint32_t(channelByte(alpha)) << 24 | channel(24) << 16 | channel(16) << 8 | channel(8);
 }
 
 bool isBlendable(const LayerInfo& layer)
@@ -82,7 +81,7 @@ std::vector<Step> visibleSteps(const PixelBox& area, const LayerInfo* top)
         Step step { layer, touched, 0, fade, false };
         PixelBox opaque { 0, 0, 0, 0 };
         if (layer->bitmapType != LayerBitmap32) {
-            step.color = premultipliedColor(layer->constantColor, fade);
+            step.color = premultipliedColor(layer->constantColor, layer->fade);
             if (!(step.color >> 24))
                 continue;
         }

@@ -7,7 +7,8 @@ namespace vxr {
 /// Blends chains of layers into pixels.
 ///
 /// Every result is that of compositing the chain from the bottom up with source-over in 8 bits, rounding
-/// after each product. What is hidden behind opaque bounds, lies outside the destination's clip or frame,
+/// after each product. A fade, and a colour multiplied by its alpha and the fade, enter as the upper bytes
+/// of 16-bit values. What is hidden behind opaque bounds, lies outside the destination's clip or frame,
 /// or is faded to nothing, is found first and costs no pixel.
 class VXR_EXPORT LayerCompositor {
 public:

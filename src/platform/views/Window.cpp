@@ -54,10 +54,15 @@ int newWindowNumber()
     return ++last;
 }
 
+struct FocusedView {
+    View* view;
+    std::size_t depth; ///< states saved in the window's context before
+};
+
 /// The focused views of all windows, in the order of focusing.
-std::vector<View*>& focusStack()
+std::vector<FocusedView>& focusStack()
 {
-    static std::vector<View*> stack;
+    static std::vector<FocusedView> stack;
     return stack;
 }
 
@@ -190,47 +195,31 @@ void Window::enableScreenUpdates()
 
 // Focus.
 
-struct Window::Focus {
-    Focus(Window& window, View& view)
-        : mWindow(window)
-        , mView(view)
-    {
-        mWindow.focus(mView);
-    }
-    ~Focus() { mWindow.unfocus(mView); }
-    Focus(const Focus&) = delete;
-    Focus& operator=(const Focus&) = delete;
-
-private:
-    Window& mWindow;
-    View& mView;
-};
-
 void Window::focus(View& view)
 {
     if (!mContext)
         mContext = CairoContext::createWithPixels(mPixels.data(), mWidth, mHeight, bytesPerRow());
     const View::Mapping m = view.mappingToWindow();
+    focusStack().push_back({ &view, mContext->stateDepth() });
     mContext->saveState();
     mContext->setBaseTransform({});
     // Whole pixels: a smooth edge would let what lies below show through a little less with each redraw.
     mContext->clipToRect(inWindow(touchedPixels(m.map(view.visibleRect()), mHeight), mHeight));
     mContext->concatTransform({ float(m.sx), 0, 0, float(m.sy), float(m.tx), float(m.ty) });
     GraphicsContext::push(std::make_shared<GraphicsContext>(mContext, true, view.isFlipped()));
-    focusStack().push_back(&view);
 }
 
 void Window::unfocus(View& view)
 {
     auto& stack = focusStack();
-    if (stack.empty() || stack.back() != &view)
+    if (stack.empty() || stack.back().view != &view)
         return;
+    mContext->unwindToDepth(stack.back().depth);
     stack.pop_back();
     GraphicsContext::pop();
-    mContext->restoreState();
 }
 
-View* Window::focusedView() { return focusStack().empty() ? nullptr : focusStack().back(); }
+View* Window::focusedView() { return focusStack().empty() ? nullptr : focusStack().back().view; }
 
 // Display.
 
@@ -298,8 +287,7 @@ void Window::drawBoxOfView(View& view, const PixelBox& box, Pass& pass)
     const Rect dirty = view.mappingToWindow().inverse().map(area);
     const std::optional<Rect> outer = mRedrawn;
     pass.failure.attempt([&] {
-        const Focus focused(*this, view);
-        const StateSaver saved(*mContext);
+        const FocusLock focused(view);
         // The very pixels: a rectangle in the view's own coordinates need not hit them exactly.
         const AffineTransform current = mContext->currentTransform();
         mContext->setBaseTransform({});

@@ -77,7 +77,6 @@ public:
 private:
     friend class View;
     struct Pass;
-    struct Focus;
 
     void displayViewIfNeeded(View&);
     void propagate(View&);

@@ -1,0 +1,245 @@
+#include <vxr/platform/foundation/Exceptions.h>
+#include <vxr/platform/graphics/GraphicsContext.h>
+#include <vxr/platform/views/NotificationCenter.h>
+#include <vxr/platform/views/ScrollView.h>
+#include <vxr/platform/views/Window.h>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <random>
+
+using namespace vxr;
+using ::testing::ElementsAre;
+
+namespace {
+
+/// Paints a fixed picture and notes what it was asked to draw.
+class PictureView : public View {
+public:
+    using View::View;
+    bool flipped = true;
+    std::function<void(const Rect&)> paint;
+    std::vector<Rect> drawn;
+
+    bool isFlipped() const override { return flipped; }
+    void drawRect(const Rect& rect) override
+    {
+        drawn.push_back(rect);
+        if (paint)
+            paint(rect);
+    }
+};
+
+void fill(const Rect& rect, float red, float green, float blue)
+{
+    currentDrawingPort().setFillColor(ColorValue::rgb(red, green, blue));
+    currentDrawingPort().fillRect(rect);
+}
+
+std::uint32_t pixelAt(const Window& window, int x, int y) { return window.pixels()[y * window.width() + x]; }
+
+std::vector<std::uint32_t> allPixels(const Window& window)
+{
+    return { window.pixels(), window.pixels() + window.width() * window.height() };
+}
+
+/// A window that shows a document of stripes, which differ at every place.
+struct ScrollingScene {
+    Window window { { 0, 0, 60, 40 } };
+    std::shared_ptr<ScrollView> scrollView = std::make_shared<ScrollView>(Rect { 5, 5, 50, 30 });
+    std::shared_ptr<PictureView> document = std::make_shared<PictureView>(Rect { 0, 0, 200, 150 });
+
+    ScrollingScene()
+    {
+        window.contentView()->addSubview(scrollView);
+        scrollView->setDocumentView(document);
+        document->paint = [](const Rect&) {
+            for (int y = 0; y < 150; y += 5)
+                for (int x = 0; x < 200; x += 5)
+                    fill({ float(x), float(y), 5, 5 }, float(x) / 255, float(y) / 255, 0.5f);
+        };
+        window.displayIfNeeded();
+        document->drawn.clear();
+    }
+};
+
+} // namespace
+
+TEST(View, ConversionsFollowFramesFlipsScrollAndScale)
+{
+    Window window({ 0, 0, 400, 300 });
+    auto outer = std::make_shared<PictureView>(Rect { 10, 20, 200, 100 });
+    auto inner = std::make_shared<PictureView>(Rect { 30, 40, 100, 50 });
+    window.contentView()->addSubview(outer);
+    outer->addSubview(inner);
+
+    // Flipped in an upright window: the outer view's y = 0 is the top of its frame, at window y 120.
+    EXPECT_EQ(outer->convertPointToView({ 0, 0 }, nullptr), (Point { 10, 120 }));
+    EXPECT_EQ(inner->convertPointToView({ 1, 2 }, nullptr), (Point { 41, 78 }));
+    EXPECT_EQ(inner->convertPointFromView({ 41, 78 }, nullptr), (Point { 1, 2 }));
+    EXPECT_EQ(inner->convertPointToView({ 1, 2 }, outer.get()), (Point { 31, 42 }));
+
+    inner->scaleUnitSquareToSize({ 2, 4 });
+    inner->setBoundsOrigin({ 3, 5 });
+    EXPECT_EQ(inner->bounds(), Rect(3, 5, 50, 12.5f));
+    EXPECT_EQ(inner->convertPointToView({ 4, 6 }, outer.get()), (Point { 32, 44 }));
+    EXPECT_EQ(inner->convertRectToView({ 4, 6, 10, 2 }, nullptr), Rect(42, 68, 20, 8));
+
+    outer->flipped = false; // the inner frame's y now counts from below, its own still from above
+    EXPECT_EQ(inner->convertPointToView({ 3, 5 }, nullptr), (Point { 40, 110 }));
+}
+
+TEST(View, VisibleRectIsWhatAncestorsLeave)
+{
+    ScrollingScene scene;
+    scene.scrollView->contentView().scrollToPoint({ 180, 20 });
+    EXPECT_EQ(scene.document->visibleRect(), Rect(180, 20, 20, 30));
+    scene.document->scaleUnitSquareToSize({ 2, 2 });
+    EXPECT_EQ(scene.document->visibleRect(), Rect(90, 10, 10, 15));
+    scene.scrollView->setHidden(true);
+    EXPECT_TRUE(scene.document->visibleRect().isEmpty());
+}
+
+TEST(Window, DrawsOnlyDirtyAreasAndOnlyOnce)
+{
+    ScrollingScene scene;
+    const auto before = allPixels(scene.window);
+    scene.document->paint = [](const Rect& r) { fill(insetRect(r, -20, -20), 1, 1, 1); };
+    scene.document->setNeedsDisplayInRect({ 10, 10, 4, 3 });
+    scene.document->setNeedsDisplayInRect({ 11, 11, 2, 1 });
+    scene.document->setNeedsDisplayInRect({ 100, 10, 4, 3 }); // out of sight
+    scene.window.takeDamage();
+    scene.window.displayIfNeeded();
+    EXPECT_THAT(scene.document->drawn, ElementsAre(Rect(10, 10, 4, 3)));
+    EXPECT_THAT(scene.window.takeDamage(), ElementsAre(Rect(15, 15, 4, 3)));
+    for (int y = 0; y < 40; ++y)
+        for (int x = 0; x < 60; ++x) {
+            const bool dirty = x >= 15 && x < 19 && y >= 15 && y < 18;
+            ASSERT_EQ(pixelAt(scene.window, x, y), dirty ? 0xffffffffu : before[std::size_t(y * 60 + x)]);
+        }
+    scene.document->drawn.clear();
+    scene.window.displayIfNeeded();
+    EXPECT_TRUE(scene.document->drawn.empty());
+}
+
+TEST(Window, FractionalDirtyAreasTakeWholePixels)
+{
+    Window window({ 0, 0, 30, 30 });
+    auto view = std::make_shared<PictureView>(Rect { 0, 0, 30, 30 });
+    window.contentView()->addSubview(view);
+    view->scaleUnitSquareToSize({ 1.37f, 1.37f });
+    view->paint = [](const Rect&) { fill({ 0, 0, 30, 30 }, 0, 0, 1); };
+    window.displayIfNeeded();
+    view->paint = [](const Rect&) { fill({ 0, 0, 30, 30 }, 1, 0, 0); };
+    view->setNeedsDisplayInRect({ 5.2f, 7.1f, 2, 1 }); // pixels 7.12 to 9.86 and 9.73 to 11.10
+    window.displayIfNeeded();
+    for (int y = 0; y < 30; ++y)
+        for (int x = 0; x < 30; ++x)
+            ASSERT_EQ(pixelAt(window, x, y), x >= 7 && x < 10 && y >= 9 && y < 12 ? 0xffff0000u : 0xff0000ffu)
+                << x << " " << y;
+}
+
+TEST(ClipView, CopyingOnScrollEqualsRedrawingAndDrawsOnlyWhatIsNew)
+{
+    ScrollingScene copying, redrawing;
+    redrawing.scrollView->contentView().setCopiesOnScroll(false);
+    std::mt19937 random(3);
+    Point place { 0, 0 };
+    for (int step = 0; step < 60; ++step) {
+        const bool far = step % 7 == 0;
+        place = copying.scrollView->contentView().constrainScrollPoint(
+            { place.x + float(int(random() % (far ? 301 : 21)) - (far ? 150 : 10)),
+                place.y + float(int(random() % 21) - 10) });
+        for (ScrollingScene* scene : { &copying, &redrawing }) {
+            if (step % 5 == 0) // still to be drawn when it moves
+                scene->document->setNeedsDisplayInRect({ place.x + 3, place.y + 3, 9, 9 });
+            scene->scrollView->contentView().scrollToPoint(place);
+            scene->document->drawn.clear();
+            scene->window.displayIfNeeded();
+        }
+        ASSERT_EQ(allPixels(copying.window), allPixels(redrawing.window)) << "step " << step;
+    }
+    copying.scrollView->contentView().scrollToPoint({ place.x, place.y > 50 ? place.y - 4 : place.y + 4 });
+    copying.document->drawn.clear();
+    copying.window.displayIfNeeded();
+    ASSERT_EQ(copying.document->drawn.size(), 1u);
+    EXPECT_EQ(copying.document->drawn[0].size, (Size { 50, 4 }));
+}
+
+TEST(ClipView, ScrollPointStaysOnTheDocumentAndOnWholePixels)
+{
+    ScrollingScene scene;
+    scene.document->scrollPoint({ 20.4f, 31.6f });
+    EXPECT_EQ(scene.scrollView->documentVisibleRect(), Rect(20, 32, 50, 30));
+    scene.document->scrollPoint({ 1000, -5 });
+    EXPECT_EQ(scene.scrollView->documentVisibleRect(), Rect(150, 0, 50, 30));
+    EXPECT_TRUE(scene.document->scrollRectToVisible({ 0, 140, 10, 10 }));
+    EXPECT_EQ(scene.scrollView->documentVisibleRect(), Rect(0, 120, 50, 30));
+}
+
+TEST(Window, AFailingRedrawLeavesNothingOpenAndTheRestDrawn)
+{
+    Window window({ 0, 0, 30, 30 });
+    auto bad = std::make_shared<PictureView>(Rect { 0, 0, 10, 10 });
+    auto good = std::make_shared<PictureView>(Rect { 10, 10, 10, 10 });
+    window.contentView()->addSubview(bad);
+    window.contentView()->addSubview(good);
+    bad->paint = [](const Rect&) {
+        Context& port = currentDrawingPort();
+        port.translate(3, 3);
+        port.saveState();
+        port.beginTransparencyLayer();
+        port.clipToRect({ 0, 0, 1, 1 });
+        throw GenericException("The drawing failed.");
+    };
+    good->paint = [](const Rect& r) { fill(r, 0, 1, 0); };
+    EXPECT_THROW(window.displayIfNeeded(), GenericException);
+    EXPECT_EQ(pixelAt(window, 15, 15), 0xff00ff00u);
+    EXPECT_FALSE(window.isLocked());
+    EXPECT_EQ(View::focusView(), nullptr);
+    EXPECT_EQ(GraphicsContext::currentContext(), nullptr);
+    EXPECT_NO_THROW(window.displayIfNeeded());
+
+    bad->paint = [](const Rect&) { fill({ 0, 0, 10, 10 }, 1, 0, 0); };
+    bad->setNeedsDisplay(true);
+    window.displayIfNeeded();
+    EXPECT_EQ(pixelAt(window, 9, 29), 0xffff0000u);
+}
+
+TEST(Window, BitsAreThereOnlyWithANumber)
+{
+    Window deferred({ 0, 0, 8, 8 }, true);
+    EXPECT_FALSE(deferred.lockBits({ 0, 0, 8, 8 }));
+    EXPECT_FALSE(deferred.isLocked());
+    deferred.orderFront();
+    const auto bits = deferred.lockBits({ 0, 0, 8, 8 });
+    ASSERT_TRUE(bits);
+    EXPECT_EQ(bits->depthCode, 4);
+    EXPECT_EQ(bits->colorBytesPerRow, 32);
+    EXPECT_TRUE(deferred.isLocked());
+    deferred.unlockBits();
+    EXPECT_FALSE(deferred.isLocked());
+}
+
+TEST(NotificationCenter, HandlersMayComeAndGoWhileOneRuns)
+{
+    NotificationCenter center;
+    int object = 0, other = 0;
+    std::vector<std::string> calls;
+    const void *a = &calls, *b = &object;
+    center.addObserver(a, "Saved", &object, [&](const Notification& note) {
+        calls.push_back("a " + std::string(note.name));
+        center.removeObserver(b);
+        center.addObserver(b, "Saved", nullptr, [&](const Notification&) { calls.push_back("late"); });
+    });
+    center.addObserver(b, "Saved", nullptr, [&](const Notification&) { calls.push_back("b"); });
+    center.post("Saved", &other);
+    center.post("Closed", &object);
+    center.post("Saved", &object);
+    EXPECT_THAT(calls, ElementsAre("b", "a Saved"));
+    center.removeObserver(a, "Saved", &other); // another object's
+    center.post("Saved", &object);
+    EXPECT_THAT(calls, ElementsAre("b", "a Saved", "a Saved"));
+}
