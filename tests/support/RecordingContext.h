@@ -31,7 +31,7 @@ std::string text(const ColorValue&); ///< red, green, blue, alpha as the output 
 ///     set-shadow offset=X Y blur=B color=R G B A
 ///     draw-image X Y W H of WIDTHxHEIGHT
 ///     draw-shading axial X Y to X Y [POSITION: R G B A, ...], draw-shading radial X Y RADIUS to ...
-class RecordingContext final : public Context {
+class RecordingContext : public Context {
 public:
     /// What can be seen at first, in default user space.
     explicit RecordingContext(const Rect& visible = { 0, 0, 1000, 1000 });

@@ -1,0 +1,101 @@
+#include <tests/support/RecordingContext.h>
+#include <vxr/geometry/VXRContextUtilities.h>
+#include <vxr/platform/foundation/OptionalOperations.h>
+
+#include <gtest/gtest.h>
+
+using namespace vxr;
+
+namespace {
+
+/// Pixels that are part of a larger surface, at (100, 50) in it.
+struct WindowPixels final : PixelAccess {
+    bool locks = true;
+    int held = 0;
+
+    bool lock() override { return locks && ++held; }
+    void unlock() override { --held; }
+    AffineTransform transform() const override { return AffineTransform::makeTranslation(100, 50); }
+    std::uint8_t* pixels() const override { return nullptr; }
+    std::size_t bytesPerRow() const override { return 0; }
+    int width() const override { return 0; }
+    int height() const override { return 0; }
+};
+
+struct WindowContext final : test::RecordingContext {
+    WindowPixels access;
+
+    PixelAccess* pixelAccess() override { return &access; }
+};
+
+Point shiftedPoint(Context&, Point p) { return { p.x + 1000, p.y }; }
+Size doubledSize(Context&, Size s) { return { s.width * 2, s.height * 2 }; }
+
+const char pointToDevice[] = "CGContextConvertPointToDeviceSpace";
+const char sizeToUser[] = "CGContextConvertSizeToUserSpace";
+
+class ContextConversion : public ::testing::Test {
+protected:
+    void SetUp() override { VXRForgetContextOperations(); }
+    void TearDown() override
+    {
+        registerOptionalOperation(pointToDevice, nullptr);
+        registerOptionalOperation(sizeToUser, nullptr);
+        VXRForgetContextOperations();
+    }
+};
+
+/// A flipped view at twice the size.
+std::unique_ptr<Context> flippedContext()
+{
+    auto context = std::make_unique<test::RecordingContext>();
+    context->concatTransform({ 2, 0, 0, -2, 10, 500 });
+    return context;
+}
+
+} // namespace
+
+TEST_F(ContextConversion, GoesThroughTheCurrentTransformAndBack)
+{
+    const auto context = flippedContext();
+    EXPECT_EQ(VXRContextConvertPointToDeviceSpace(*context, { 3, 4 }), (Point { 16, 492 }));
+    EXPECT_EQ(VXRContextConvertPointToUserSpace(*context, { 16, 492 }), (Point { 3, 4 }));
+    EXPECT_EQ(VXRContextConvertSizeToDeviceSpace(*context, { 3, 4 }), (Size { 6, -8 }));
+    EXPECT_EQ(VXRContextConvertSizeToUserSpace(*context, { 6, -8 }), (Size { 3, 4 }));
+}
+
+TEST_F(ContextConversion, FollowsThePixelsIntoTheirSurfaceWhereTheyCanBeLocked)
+{
+    WindowContext context;
+    context.concatTransform({ 2, 0, 0, -2, 10, 500 });
+    EXPECT_EQ(
+        VXRContextGetUserSpaceToDeviceSpaceTransform(context), (AffineTransform { 2, 0, 0, -2, 110, 550 }));
+    EXPECT_EQ(VXRContextConvertPointToUserSpace(context, { 116, 542 }), (Point { 3, 4 }));
+    EXPECT_EQ(context.access.held, 0);
+    context.access.locks = false;
+    EXPECT_EQ(VXRContextConvertPointToDeviceSpace(context, { 3, 4 }), (Point { 16, 492 }));
+    EXPECT_EQ(context.access.held, 0);
+}
+
+TEST_F(ContextConversion, SingularTransformsStandInForTheirInverse)
+{
+    test::RecordingContext context;
+    context.concatTransform({ 1, 0, 0, 0, 5, 0 });
+    EXPECT_EQ(VXRContextConvertPointToUserSpace(context, { 1, 7 }), (Point { 6, 0 }));
+}
+
+TEST_F(ContextConversion, UsesAPlatformOperationFoundOnTheFirstCall)
+{
+    const auto context = flippedContext();
+    EXPECT_EQ(VXRContextConvertPointToDeviceSpace(*context, { 3, 4 }), (Point { 16, 492 }));
+    registerOptionalOperationOfType<VXRConvertPointOperation>(pointToDevice, shiftedPoint);
+    registerOptionalOperationOfType<VXRConvertSizeOperation>(sizeToUser, doubledSize);
+    EXPECT_EQ(VXRContextConvertPointToDeviceSpace(*context, { 3, 4 }), (Point { 16, 492 }))
+        << "that there was none is remembered";
+    EXPECT_EQ(VXRContextConvertSizeToUserSpace(*context, { 3, 4 }), (Size { 6, 8 })) << "first call";
+    VXRForgetContextOperations();
+    EXPECT_EQ(VXRContextConvertPointToDeviceSpace(*context, { 3, 4 }), (Point { 1003, 4 }));
+    registerOptionalOperation(pointToDevice, nullptr);
+    EXPECT_EQ(VXRContextConvertPointToDeviceSpace(*context, { 3, 4 }), (Point { 1003, 4 }))
+        << "that there was one is remembered too";
+}
