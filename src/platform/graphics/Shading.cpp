@@ -217,15 +217,15 @@ struct Shading::Geometry {
     bool extendStart, extendEnd;
 };
 
-std::shared_ptr<const Shading> Shading::createAxial(std::shared_ptr<const ColorSpace> space, Point start,
-    Point end, std::shared_ptr<const ShadingFunction> function, bool extendStart, bool extendEnd,
+std::shared_ptr<Shading> Shading::createAxial(std::shared_ptr<const ColorSpace> space, Point start, Point end,
+    std::shared_ptr<const ShadingFunction> function, bool extendStart, bool extendEnd,
     std::span<const float> hints)
 {
     return std::make_shared<Shading>(Geometry { Kind::Axial, start, end, 0, 0, extendStart, extendEnd },
         std::move(space), std::move(function), hints);
 }
 
-std::shared_ptr<const Shading> Shading::createRadial(std::shared_ptr<const ColorSpace> space, Point start,
+std::shared_ptr<Shading> Shading::createRadial(std::shared_ptr<const ColorSpace> space, Point start,
     float startRadius, Point end, float endRadius, std::shared_ptr<const ShadingFunction> function,
     bool extendStart, bool extendEnd, std::span<const float> hints)
 {
@@ -243,10 +243,18 @@ Shading::Shading(const Geometry& geometry, std::shared_ptr<const ColorSpace> spa
     , mEndRadius(geometry.endRadius)
     , mExtendStart(geometry.extendStart)
     , mExtendEnd(geometry.extendEnd)
-    , mStops(withoutNeedlessStops(Sampler(*function, space.get()).run(hints)))
+    , mSpace(std::move(space))
+    , mFunction(std::move(function))
 {
+    resample(hints);
 }
 
 Shading::~Shading() = default;
+
+void Shading::resample(std::span<const float> hints)
+{
+    mStops = withoutNeedlessStops(Sampler(*mFunction, mSpace.get()).run(hints));
+    mBackendCache.reset();
+}
 
 } // namespace vxr

@@ -36,17 +36,17 @@ struct ShadingStop {
     std::array<float, 4> rgba;
 };
 
-/// An axial or radial blend of colours, placed by the context's transform. Immutable.
+/// An axial or radial blend of colours, placed by the context's transform. Immutable but for `resample`.
 class VXR_EXPORT Shading final : public Object {
 public:
     enum class Kind { Axial, Radial };
 
     /// `hints` are inputs at which the function may jump (ascending, in [0, 1]); both sides of a jump
     /// are kept. Without them jumps are found by bisection.
-    static std::shared_ptr<const Shading> createAxial(std::shared_ptr<const ColorSpace>, Point start,
-        Point end, std::shared_ptr<const ShadingFunction>, bool extendStart, bool extendEnd,
+    static std::shared_ptr<Shading> createAxial(std::shared_ptr<const ColorSpace>, Point start, Point end,
+        std::shared_ptr<const ShadingFunction>, bool extendStart, bool extendEnd,
         std::span<const float> hints = {});
-    static std::shared_ptr<const Shading> createRadial(std::shared_ptr<const ColorSpace>, Point start,
+    static std::shared_ptr<Shading> createRadial(std::shared_ptr<const ColorSpace>, Point start,
         float startRadius, Point end, float endRadius, std::shared_ptr<const ShadingFunction>,
         bool extendStart, bool extendEnd, std::span<const float> hints = {});
 
@@ -64,6 +64,9 @@ public:
     /// one position where it jumps: within half an 8-bit level of the function.
     const std::vector<ShadingStop>& stops() const { return mStops; }
 
+    /// Samples the function again, for whoever changes what it answers. The back end's form goes.
+    void resample(std::span<const float> hints);
+
     struct Geometry; ///< for the factories
     Shading(const Geometry&, std::shared_ptr<const ColorSpace>, std::shared_ptr<const ShadingFunction>,
         std::span<const float> hints);
@@ -76,6 +79,8 @@ private:
     Point mStart, mEnd;
     float mStartRadius, mEndRadius;
     bool mExtendStart, mExtendEnd;
+    std::shared_ptr<const ColorSpace> mSpace;
+    std::shared_ptr<const ShadingFunction> mFunction;
     std::vector<ShadingStop> mStops;
     mutable std::shared_ptr<void> mBackendCache;
 };

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <vxr/geometry/Color.h>
+
+namespace vxr {
+
+/// A colour at a place along a gradient. Gradients that were copied from one another share their stops.
+class VXR_EXPORT VXRGradientStop : public Object {
+public:
+    VXRGradientStop(std::shared_ptr<Color> color, float fraction);
+    ~VXRGradientStop() override;
+
+    static std::shared_ptr<VXRGradientStop> gradientStopWithColorFraction(
+        std::shared_ptr<Color> color, float fraction);
+
+    const std::shared_ptr<Color>& color() const { return mColor; }
+    float fraction() const { return mFraction; } ///< in [0, 1]
+
+    std::shared_ptr<VXRGradientStop> cloneWithFraction(float fraction) const;
+    std::shared_ptr<VXRGradientStop> cloneWithColor(std::shared_ptr<Color> color) const;
+    std::shared_ptr<VXRGradientStop> copyWithZone() const; ///< with the same colour object
+
+    bool isEqual(const Object& other) const override; ///< equal fractions and colours
+
+private:
+    friend class VXRGradient;
+
+    void _setColor(std::shared_ptr<Color> color);
+    void _setFraction(float fraction); ///< clamped into [0, 1]
+
+    std::shared_ptr<Color> mColor;
+    float mFraction = 0;
+};
+
+} // namespace vxr
