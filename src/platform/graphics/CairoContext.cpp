@@ -37,7 +37,7 @@ std::shared_ptr<CairoContext> CairoContext::createBitmap(int width, int height)
     requireSides(width, height);
     auto surface = requireMemory(cairo_image_surface_create(CAIRO_FORMAT_ARGB32, width, height));
     auto impl = std::make_unique<Impl>(Impl::Kind::Bitmap, std::move(surface), width, height);
-    return std::shared_ptr<CairoContext>(new CairoContext(std::move(impl)));
+    return Impl::makeContext(std::move(impl));
 }
 
 std::shared_ptr<CairoContext> CairoContext::createWithPixels(
@@ -50,7 +50,7 @@ std::shared_ptr<CairoContext> CairoContext::createWithPixels(
     auto surface = requireMemory(cairo_image_surface_create_for_data(static_cast<unsigned char*>(pixels),
         CAIRO_FORMAT_ARGB32, width, height, static_cast<int>(bytesPerRow)));
     auto impl = std::make_unique<Impl>(Impl::Kind::Bitmap, std::move(surface), width, height);
-    return std::shared_ptr<CairoContext>(new CairoContext(std::move(impl)));
+    return Impl::makeContext(std::move(impl));
 }
 
 CairoContext::CairoContext(std::unique_ptr<Impl> impl)

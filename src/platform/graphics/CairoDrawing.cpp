@@ -104,7 +104,7 @@ bool CairoContext::Impl::setSource(const CairoPaint& paint, const DeviceBox& are
 {
     const auto& [red, green, blue, alpha] = paint.rgba;
     if (paint.pattern)
-        return setPatternSource(*paint.pattern, alpha * state.alpha, area);
+        return setPatternSource(*paint.pattern, area);
     cairo_set_source_rgba(cr(), red, green, blue, static_cast<double>(alpha) * state.alpha);
     return true;
 }
@@ -184,6 +184,8 @@ void CairoContext::Impl::fillPath(const Path& path, WindingRule rule)
         return;
     if (state.castsShadow())
         return drawWithShadow([&] { fillPath(path, rule); });
+    if (state.fill.pattern && drawPatternWithAlpha(state.fill, [&] { fillPath(path, rule); }))
+        return;
     const bool wantsBounds = isInLayer() || state.fill.pattern;
     const DeviceBox bounds = wantsBounds ? deviceBounds(path.points()) : DeviceBox {};
     setStyle();
@@ -218,6 +220,8 @@ void CairoContext::Impl::strokePath(const Path& path, const LineStyle& style)
         return;
     if (state.castsShadow())
         return drawWithShadow([&] { strokePath(path, style); });
+    if (state.stroke.pattern && drawPatternWithAlpha(state.stroke, [&] { strokePath(path, style); }))
+        return;
     const double reach = strokeReach(style);
     const bool wantsBounds = isInLayer() || state.stroke.pattern;
     const DeviceBox bounds = wantsBounds ? deviceBounds(path.points()).grown(reach) : DeviceBox {};

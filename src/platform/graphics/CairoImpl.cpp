@@ -14,7 +14,8 @@ CairoContext::Impl::Impl(Kind surfaceKind, CairoSurfacePtr surface, int width, i
     , pixelHeight(height)
 {
     if (surface)
-        startSurface(std::move(surface), { 0, 0, static_cast<double>(width), static_cast<double>(height) });
+        startSurface(
+            std::move(surface), { 0, 0, static_cast<double>(width), static_cast<double>(height) }, height);
 }
 
 // Layers that are still open go with what was drawn into them.
@@ -24,7 +25,12 @@ CairoContext::Impl::~Impl()
         releaseLayer(popLayerTarget());
 }
 
-void CairoContext::Impl::startSurface(CairoSurfacePtr surface, const DeviceBox& extents)
+std::shared_ptr<CairoContext> CairoContext::Impl::makeContext(std::unique_ptr<Impl> impl)
+{
+    return std::shared_ptr<CairoContext>(new CairoContext(std::move(impl)));
+}
+
+void CairoContext::Impl::startSurface(CairoSurfacePtr surface, const DeviceBox& extents, double height)
 {
     CairoTarget target;
     target.cairo.reset(cairo_create(surface.get()));
@@ -35,7 +41,7 @@ void CairoContext::Impl::startSurface(CairoSurfacePtr surface, const DeviceBox& 
     stack.clear();
     state = {};
     state.clip = extents;
-    deviceHeight = extents.y1;
+    deviceHeight = height;
     base = {};
     setTransform(base);
 }
@@ -43,7 +49,7 @@ void CairoContext::Impl::startSurface(CairoSurfacePtr surface, const DeviceBox& 
 void CairoContext::Impl::setTransform(const AffineTransform& t)
 {
     state.transform = t;
-    state.matrix = { t.m11, -t.m12, t.m21, -t.m22, t.tX, deviceHeight - t.tY };
+    state.matrix = cairoMatrix(t, deviceHeight);
     const double d = t.determinant();
     state.drawable = std::isfinite(d) && d != 0 && std::isfinite(t.tX) && std::isfinite(t.tY);
 }

@@ -25,7 +25,9 @@ struct CairoContext::Impl final : PixelAccess {
     ~Impl();
 
     // Setting up.
-    void startSurface(CairoSurfacePtr, const DeviceBox& extents); ///< fresh state, nothing clipped
+    static std::shared_ptr<CairoContext> makeContext(std::unique_ptr<Impl>);
+    /// Fresh state, nothing clipped. The line y = 0 of default user space is `deviceHeight` down.
+    void startSurface(CairoSurfacePtr, const DeviceBox& extents, double deviceHeight);
     void setTransform(const AffineTransform&);
 
     // Drawing; the operations of the context.
@@ -48,12 +50,14 @@ struct CairoContext::Impl final : PixelAccess {
     cairo_operator_t layerOperator() const;
     void setLineStyle(const LineStyle&);
     bool setSource(const CairoPaint&, const DeviceBox& area); ///< false when there is nothing to paint with
-    bool setPatternSource(const Pattern&, float alpha, const DeviceBox& area);
+    bool setPatternSource(const Pattern&, const DeviceBox& area);
+    /// Whether the paint is a pattern that `draw` could not paint itself, and has been painted.
+    bool drawPatternWithAlpha(const CairoPaint&, const std::function<void()>& draw);
     void appendArea(const Path&); ///< the outline for a fill or clip; changes the matrix for a huge one
     void strokeHuge(const Path&, const LineStyle&, double reach);
     void paintSource(); ///< over the clip, with the state's alpha
+    void clipToExtendedSide(const Shading&);
     void clipToPixelsOf(const Image&, const cairo_matrix_t& toDevice);
-    void clipToShadingSide(const Shading&);
     void noteInk(const DeviceBox&); ///< of an operation, before the clip
     void finishOperation();
     void recoverFromError();
@@ -98,5 +102,9 @@ struct CairoContext::Impl final : PixelAccess {
     std::vector<CairoTarget> targets; ///< the context's own surface, then the open layers
     LayerMemory layerMemory;
 };
+
+/// A recording of what `draw` draws into a context whose device space is bounded by `extents`.
+CairoSurfacePtr recordDrawing(const DeviceBox& extents, double deviceHeight, bool onPaper,
+    const std::function<void(CairoContext&)>& draw);
 
 } // namespace vxr

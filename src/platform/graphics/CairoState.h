@@ -5,6 +5,12 @@
 
 namespace vxr {
 
+/// From a space mapped by `t` into device space, y up, to cairo's, whose y runs down from `height`.
+inline cairo_matrix_t cairoMatrix(const AffineTransform& t, double height)
+{
+    return { t.m11, -t.m12, t.m21, -t.m22, t.tX, height - t.tY };
+}
+
 /// What fills or strokes: a colour, or a pattern whose alpha is the colour's.
 struct CairoPaint {
     std::array<float, 4> rgba { 0, 0, 0, 1 };
