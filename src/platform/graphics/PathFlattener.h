@@ -22,14 +22,6 @@ public:
     /// must be finite.
     template <class Emit> void flatten(const Cubic& curve, Emit emit) const
     {
-        const double limit = limitFor(curve);
-        flattenWhile(
-            curve, [limit](const Cubic& piece) { return !isFlat(piece, limit); }, emit);
-    }
-
-    /// The same with another reason to go on halving.
-    template <class Split, class Emit> void flattenWhile(const Cubic& curve, Split split, Emit emit) const
-    {
         struct Pending {
             Cubic curve;
             int depth;
@@ -37,9 +29,10 @@ public:
         std::array<Pending, mostDepth + 1> stack;
         std::size_t pending = 0;
         stack[pending++] = { curve, 0 };
+        const double limit = limitFor(curve);
         while (pending > 0) {
             const Pending top = stack[--pending];
-            if (top.depth >= mDepth || !split(top.curve)) {
+            if (top.depth >= mDepth || isFlat(top.curve, limit)) {
                 emit(top.curve);
                 continue;
             }
@@ -49,6 +42,7 @@ public:
         }
     }
 
+private:
     /// What `isFlat` compares with: the square of four times the tolerance, or of what single precision can
     /// tell apart at the curve's coordinates when that is more.
     double limitFor(const Cubic& curve) const;
@@ -70,7 +64,6 @@ public:
         return std::max(u.x * u.x, v.x * v.x) + std::max(u.y * u.y, v.y * v.y) <= limit;
     }
 
-private:
     double mTolerance;
     int mDepth = mostDepth;
 };

@@ -66,7 +66,7 @@ std::pair<Vec2, Vec2> WindingCounter::hull(const Cubic& c)
 void WindingCounter::curve(const Cubic& whole)
 {
     constexpr int mostDepth = 40;
-    constexpr int mostPieces = 2000; // a curve drawn together in the point itself has many that hold it
+    constexpr int mostPieces = 2000; // a bound, should rounding let many hold the point
     struct Pending {
         Cubic curve;
         int depth;

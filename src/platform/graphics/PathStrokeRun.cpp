@@ -19,10 +19,9 @@ Vec2 startDirection(const Cubic& c)
 Vec2 endDirection(const Cubic& c) { return -startDirection({ c.end, c.control2, c.control1, c.start }); }
 
 StrokeRunBuilder::StrokeRunBuilder(
-    const Precision& precision, std::size_t curves, std::function<void(const StrokeRun&)> emit)
-    : mFlattener(precision.tolerance, curves, 1 << 23)
-    , mLeastStep(precision.leastStep)
-    , mCosine(std::cos(precision.mostTurn))
+    double tolerance, double leastStep, std::size_t curves, std::function<void(const StrokeRun&)> emit)
+    : mFlattener(tolerance, curves, 1 << 23)
+    , mLeastStep(leastStep)
     , mEmit(std::move(emit))
 {
 }
@@ -46,33 +45,9 @@ void StrokeRunBuilder::line(Vec2, Vec2 to)
     mRun.vertices.push_back({ to, direction, direction, true });
 }
 
-/// A piece is good when it is flat and no leg of its control polygon turns too far. At a cusp the turn never
-/// gets small: there the piece does.
-bool StrokeRunBuilder::mustSplit(const Cubic& c, double flatLimit) const
-{
-    if (!CurveFlattener::isFlat(c, flatLimit))
-        return true;
-    const Vec2 legs[] = { c.control1 - c.start, c.control2 - c.control1, c.end - c.control2 };
-    double squares[3], longest = 0;
-    for (int i = 0; i < 3; ++i)
-        longest = std::max(longest, squares[i] = dot(legs[i], legs[i]));
-    if (longest <= mLeastStep * mLeastStep)
-        return false;
-    const double least = longest * 1e-12; // legs without length have no direction
-    int previous = -1;
-    for (int i = 0; i < 3; ++i) {
-        if (squares[i] <= least)
-            continue;
-        if (previous >= 0) {
-            const double along = dot(legs[previous], legs[i]);
-            if (along <= 0 || along * along < mCosine * mCosine * squares[previous] * squares[i])
-                return true;
-        }
-        previous = i;
-    }
-    return false;
-}
-
+/// The flattening need not know the width. Where the outline bends gentler than the half width, its sides are
+/// off by no more than twice what the middle is; where it bends tighter, the stroker draws every turn as an
+/// arc.
 void StrokeRunBuilder::curve(const Cubic& whole)
 {
     mDrawn = true;
@@ -80,17 +55,15 @@ void StrokeRunBuilder::curve(const Cubic& whole)
         (whole.control2 - whole.start).length(), (whole.end - whole.start).length() });
     if (extent <= mLeastStep)
         return;
-    const double flatLimit = mFlattener.limitFor(whole), leastChord = mLeastStep / 16;
-    mFlattener.flattenWhile(
-        whole, [&](const Cubic& piece) { return mustSplit(piece, flatLimit); },
-        [&](const Cubic& piece) {
-            StrokeVertex& last = mRun.vertices.back();
-            if ((piece.end - last.p).length() <= leastChord)
-                return;
-            last.out = startDirection(piece);
-            const Vec2 in = endDirection(piece);
-            mRun.vertices.push_back({ piece.end, in, in, false });
-        });
+    const double leastChord = mLeastStep / 16;
+    mFlattener.flatten(whole, [&](const Cubic& piece) {
+        StrokeVertex& last = mRun.vertices.back();
+        if ((piece.end - last.p).length() <= leastChord)
+            return;
+        last.out = startDirection(piece);
+        const Vec2 in = endDirection(piece);
+        mRun.vertices.push_back({ piece.end, in, in, false });
+    });
     mRun.vertices.back().corner = true;
     mRun.vertices.back().in = mRun.vertices.back().out = endDirection(whole);
 }

@@ -25,15 +25,10 @@ struct StrokeRun {
 /// Turns a path into runs. Feed it through `walkFinite`, then call `finish`.
 class StrokeRunBuilder {
 public:
-    struct Precision {
-        double tolerance; ///< of the flattening
-        double mostTurn; ///< largest change of direction between two vertices of a curve, in radians
-        double leastStep; ///< shorter lines are left out, so that noise has no say in the joins
-    };
-
-    /// `emit` gets each run; a dot when all of a sub-path's lines and curves lie in one point. A bare move
-    /// gives none.
-    StrokeRunBuilder(const Precision&, std::size_t curves, std::function<void(const StrokeRun&)> emit);
+    /// Lines not longer than `leastStep` are left out, so that noise has no say in the joins. `emit` gets
+    /// each run; a dot when all of a sub-path's lines and curves lie in one point. A bare move gives none.
+    StrokeRunBuilder(
+        double tolerance, double leastStep, std::size_t curves, std::function<void(const StrokeRun&)> emit);
 
     void move(Vec2 p);
     void line(Vec2 from, Vec2 to);
@@ -42,11 +37,8 @@ public:
     void finish();
 
 private:
-    bool mustSplit(const Cubic&, double flatLimit) const;
-
     CurveFlattener mFlattener;
     double mLeastStep;
-    double mCosine; ///< of the largest turn
     std::function<void(const StrokeRun&)> mEmit;
     StrokeRun mRun;
     bool mDrawn = false; ///< the sub-path has more than its move

@@ -15,6 +15,7 @@ Vec2 rotated(Vec2 v, double cosine, double sine)
     return { v.x * cosine - v.y * sine, v.x * sine + v.y * cosine };
 }
 
+/// Angle of the longest step around a circle whose chord stays within the tolerance.
 double turnWithin(double radius, double tolerance)
 {
     constexpr double least = 2 * pi / 4096, most = pi / 3;
@@ -29,6 +30,7 @@ PathStroker::PathStroker(const LineStyle& style, double tolerance, Path& outline
     : mStyle(style)
     , mRadius(style.width * 0.5)
     , mMostTurn(turnWithin(mRadius, tolerance))
+    , mLeastCosine(std::cos(mMostTurn / 2) * (1 - 1e-9))
     , mNegligible(std::min(1e-3, tolerance / mRadius / 64))
     , mOutline(outline)
 {
@@ -75,10 +77,14 @@ void PathStroker::dot(Vec2 p)
 
 /// Whether the line across the outline, moving from one vertex to the next, only moves forwards: its ends
 /// at either vertex then span a quadrilateral that runs the right way round. Where the outline bends tighter
-/// than the half width it doesn't.
+/// than the half width it doesn't. Nor may the tangents leave the chord by so much that the sides would lie
+/// outside of the tolerance, as they do beside a control point that stands close to its end.
 bool PathStroker::isSwept(const StrokeVertex& from, const StrokeVertex& to) const
 {
     const Vec2 chord = to.p - from.p, before = leftNormal(from.out), after = leftNormal(to.in);
+    const double least = mLeastCosine * chord.length();
+    if (!(vxr::dot(chord, from.out) >= least && vxr::dot(chord, to.in) >= least))
+        return false;
     const Vec2 spread = (after - before) * mRadius;
     for (const Vec2& edge : { chord + spread, chord - spread })
         if (!(cross(edge, before) > 0 && cross(edge, after) > 0))
@@ -200,8 +206,8 @@ std::shared_ptr<Path> Path::strokedOutline(const LineStyle& style, float toleran
     const auto strokeRun = [&](const StrokeRun& run) { stroker.stroke(run); };
     const auto curves
         = static_cast<std::size_t>(std::count(mKinds.begin(), mKinds.end(), PathElementKind::CurveTo));
-    StrokeRunBuilder builder({ half, stroker.mostTurn(), half / 8 }, curves,
-        [&](const StrokeRun& run) { dasher.dash(run, strokeRun); });
+    StrokeRunBuilder builder(
+        half, half / 8, curves, [&](const StrokeRun& run) { dasher.dash(run, strokeRun); });
     walkFinite(*this, builder);
     builder.finish();
     return outline;

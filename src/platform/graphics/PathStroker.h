@@ -15,9 +15,6 @@ class PathStroker {
 public:
     PathStroker(const LineStyle&, double tolerance, Path& outline);
 
-    /// Largest change of direction between two vertices at which an arc of the half width stays within
-    /// the tolerance, in radians.
-    double mostTurn() const { return mMostTurn; }
     void stroke(const StrokeRun&);
 
 private:
@@ -36,7 +33,8 @@ private:
 
     const LineStyle& mStyle;
     double mRadius;
-    double mMostTurn;
+    double mMostTurn; ///< in radians: the longest step of an arc within the tolerance
+    double mLeastCosine; ///< of the angle between a swept segment's tangents and its chord
     double mNegligible; ///< sine of a turn too small to be seen
     Path& mOutline;
 

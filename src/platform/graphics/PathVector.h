@@ -73,7 +73,7 @@ struct Cubic {
 };
 
 /// Hands a path's finite geometry to `sink` piece by piece: `move(p)`, `line(from, to)`, `curve(cubic)`,
-/// `close(from, start)`. A line or curve after a close is preceded by a move to the start. A sub-path with a
+/// `close(from, start)`. What follows a close is preceded by a move to the start. A sub-path with a
 /// coordinate that is not finite is left out, with all that goes on from it up to the next move.
 template <class Sink> void walkFinite(const Path& path, Sink&& sink)
 {
@@ -93,8 +93,8 @@ template <class Sink> void walkFinite(const Path& path, Sink&& sink)
         for (std::size_t j = i; j < end; ++j)
             last += pathPointCount(kinds[j]);
         finite = (finite || kinds[i] == PathElementKind::MoveTo) && std::all_of(p, last, isFinite);
-        if (!finite || kinds[i] == PathElementKind::Close) {
-            p = last; // not finite, or closed already
+        if (!finite) {
+            p = last;
             continue;
         }
         if (kinds[i] != PathElementKind::MoveTo)
