@@ -59,8 +59,7 @@ void Color::paintShape(VXRPaintedShape& shape)
     else
         VXRSetColor(*this);
     const auto path = shape.transformedPath();
-    if (path)
-        currentDrawingPort().fillPath(*path, path->windingRule());
+    currentDrawingPort().fillPath(*path, path->windingRule());
 }
 
 void Color::paintRect(const Rect& rect)

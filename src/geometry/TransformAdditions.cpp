@@ -1,10 +1,17 @@
 #include <vxr/geometry/TransformAdditions.h>
 
+#include <vxr/platform/graphics/Path.h>
+
 #include <fmt/format.h>
 
 #include <algorithm>
 
 namespace vxr {
+
+std::shared_ptr<Path> transformBezierPath(const AffineTransform& transform, const Path& path)
+{
+    return path.transformedBy(transform);
+}
 
 void transformRectUpperLeftLowerLeftLowerRightUpperRight(const AffineTransform& transform, const Rect& rect,
     Point& upperLeft, Point& lowerLeft, Point& lowerRight, Point& upperRight)

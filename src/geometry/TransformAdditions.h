@@ -2,11 +2,17 @@
 
 #include <vxr/platform/graphics/AffineTransform.h>
 
+#include <memory>
 #include <string>
 
 // Additions to AffineTransform.
 
 namespace vxr {
+
+class Path;
+
+/// A transformed copy of the path, with its style as it is.
+VXR_EXPORT std::shared_ptr<Path> transformBezierPath(const AffineTransform& transform, const Path& path);
 
 /// The mapped corners, named as a view with y downwards sees them: upper left is (x, y), lower left
 /// (x, y + height).
