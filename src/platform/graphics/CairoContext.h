@@ -82,7 +82,8 @@ struct PDFPageBoxes {
     Rect crop, bleed, trim, art;
 };
 
-/// A PDF document. Vectors stay vectors; a shadow is one soft mask beside them.
+/// A PDF document. Vectors stay vectors; a shadow is one soft mask beside them. What is on the page can't
+/// be taken away again: there clearing draws nothing, and a copy is drawn over what lies below it.
 class VXR_EXPORT PDFContext final : public CairoContext {
 public:
     using Write = std::function<bool(const unsigned char* data, std::size_t size)>;
@@ -92,15 +93,21 @@ public:
     static std::shared_ptr<PDFContext> createWithWriter(Write write);
     ~PDFContext() override; ///< closes the document
 
-    /// Starts a page; the media box's lower left corner becomes the origin's place. Nothing is drawn
-    /// before the first page.
+    /// Starts a page with a fresh state; the media box's lower left corner becomes the origin's place, and
+    /// the other boxes keep theirs on the media. Nothing is drawn outside of pages. Throws
+    /// `InvalidArgumentException` for a media box without an area.
     void beginPage(const PDFPageBoxes&);
     void endPage();
-    /// Writes what is left. Throws `GenericException` when writing failed; later calls do nothing.
+    /// Ends the page and writes the document. Throws `GenericException` when writing failed; later calls do
+    /// nothing.
     void close();
 
 private:
-    using CairoContext::CairoContext;
+    struct Document;
+
+    PDFContext(std::unique_ptr<Impl>, Write);
+
+    std::unique_ptr<Document> mDocument;
 };
 
 } // namespace vxr

@@ -46,6 +46,14 @@ void CairoContext::Impl::startSurface(CairoSurfacePtr surface, const DeviceBox& 
     setTransform(base);
 }
 
+void CairoContext::Impl::stopSurface()
+{
+    while (isInLayer())
+        endLayer();
+    targets.clear();
+    stack.clear();
+}
+
 void CairoContext::Impl::setTransform(const AffineTransform& t)
 {
     state.transform = t;

@@ -28,6 +28,7 @@ struct CairoContext::Impl final : PixelAccess {
     static std::shared_ptr<CairoContext> makeContext(std::unique_ptr<Impl>);
     /// Fresh state, nothing clipped. The line y = 0 of default user space is `deviceHeight` down.
     void startSurface(CairoSurfacePtr, const DeviceBox& extents, double deviceHeight);
+    void stopSurface(); ///< open layers are ended; nothing is drawn any more
     void setTransform(const AffineTransform&);
 
     // Drawing; the operations of the context.

@@ -20,9 +20,21 @@ bool isDrawable(const Shading& s)
         && std::isfinite(s.endRadius()) && (s.start() != s.end() || s.startRadius() != s.endRadius());
 }
 
-/// The blend between the parameters `from` <= 0 and `to` >= 1, with the colours of its ends beyond them.
-CairoPatternPtr makeGradient(const Shading& s, cairo_extend_t extend, double from = 0, double to = 1)
+/// The stretch of a blend between the parameters `from` <= 0 and `to` >= 1, with the colours of its ends
+/// beyond 0 and 1, and everything times `alpha`.
+struct Stretch {
+    double from = 0, to = 1;
+    double alpha = 1;
+};
+
+cairo_extend_t extendOf(const Shading& s)
 {
+    return s.extendsStart() || s.extendsEnd() ? CAIRO_EXTEND_PAD : CAIRO_EXTEND_NONE;
+}
+
+CairoPatternPtr makeGradient(const Shading& s, cairo_extend_t extend, const Stretch& stretch = {})
+{
+    const auto& [from, to, alpha] = stretch;
     const Point a = s.start(), b = s.end();
     const auto x = [&](double t) { return a.x + (b.x - static_cast<double>(a.x)) * t; };
     const auto y = [&](double t) { return a.y + (b.y - static_cast<double>(a.y)) * t; };
@@ -32,9 +44,9 @@ CairoPatternPtr makeGradient(const Shading& s, cairo_extend_t extend, double fro
     CairoPatternPtr pattern(s.kind() == Shading::Kind::Axial
             ? cairo_pattern_create_linear(x(from), y(from), x(to), y(to))
             : cairo_pattern_create_radial(x(from), y(from), radius(from), x(to), y(to), radius(to)));
-    const auto add = [&](double t, const std::array<float, 4>& rgba) {
+    const auto add = [&, from = from, to = to, alpha = alpha](double t, const std::array<float, 4>& rgba) {
         cairo_pattern_add_color_stop_rgba(
-            pattern.get(), (t - from) / (to - from), rgba[0], rgba[1], rgba[2], rgba[3]);
+            pattern.get(), (t - from) / (to - from), rgba[0], rgba[1], rgba[2], rgba[3] * alpha);
     };
     // Before its first and behind its last stop a blend that is not extended may be transparent.
     if (from < 0)
@@ -50,10 +62,8 @@ CairoPatternPtr makeGradient(const Shading& s, cairo_extend_t extend, double fro
 cairo_pattern_t* cachedGradient(const Shading& s)
 {
     auto& cache = s.backendCache();
-    const bool extends = s.extendsStart() || s.extendsEnd();
     if (!cache)
-        cache = std::shared_ptr<cairo_pattern_t>(
-            makeGradient(s, extends ? CAIRO_EXTEND_PAD : CAIRO_EXTEND_NONE).release(), CairoRelease());
+        cache = std::shared_ptr<cairo_pattern_t>(makeGradient(s, extendOf(s)).release(), CairoRelease());
     return static_cast<cairo_pattern_t*>(cache.get());
 }
 
@@ -65,7 +75,7 @@ bool isCone(const Shading& s)
 }
 
 /// The blend of a cone with one side drawn out until it has left `visible` behind or closes.
-CairoPatternPtr drawnOutCone(const Shading& s, const Rect& visible)
+CairoPatternPtr drawnOutCone(const Shading& s, const Rect& visible, double alpha)
 {
     const bool atEnd = s.extendsEnd();
     const Point from = atEnd ? s.end() : s.start();
@@ -77,8 +87,7 @@ CairoPatternPtr drawnOutCone(const Shading& s, const Rect& visible)
     double extension = std::min((away + radius) / (step - std::max(0.0, growth)), farthestExtension);
     if (growth < 0)
         extension = std::min(extension, radius / -growth);
-    return atEnd ? makeGradient(s, CAIRO_EXTEND_NONE, 0, 1 + extension)
-                 : makeGradient(s, CAIRO_EXTEND_NONE, -extension, 1);
+    return makeGradient(s, CAIRO_EXTEND_NONE, { atEnd ? 0 : -extension, atEnd ? 1 + extension : 1, alpha });
 }
 
 /// The side of the line through `at`, square to the axis, towards which `inwards` points.
@@ -123,17 +132,23 @@ void CairoContext::Impl::drawShading(const Shading& shading)
     if (state.castsShadow())
         return drawWithShadow([&] { drawShading(shading); });
     const bool oneSided = shading.extendsStart() != shading.extendsEnd();
+    const bool drawsOut = oneSided && isCone(shading);
+    // On paper the engine forgets the alpha that a gradient with stops of its own alpha is painted with.
+    const double alpha = onPaper ? state.alpha : 1;
     CairoSaver saved(cr());
     setStyle();
-    if (oneSided && isCone(shading)) {
-        const CairoPatternPtr cone = drawnOutCone(shading, clipBounds());
-        cairo_set_source(cr(), cone.get());
-    } else {
-        cairo_set_source(cr(), cachedGradient(shading));
-        if (oneSided)
-            clipToExtendedSide(shading);
-    }
-    paintSource();
+    CairoPatternPtr own;
+    if (drawsOut)
+        own = drawnOutCone(shading, clipBounds(), alpha);
+    else if (alpha < 1)
+        own = makeGradient(shading, extendOf(shading), { .alpha = alpha });
+    cairo_set_source(cr(), own ? own.get() : cachedGradient(shading));
+    if (oneSided && !drawsOut)
+        clipToExtendedSide(shading);
+    if (onPaper)
+        cairo_paint(cr());
+    else
+        paintSource();
     noteInk(state.clip);
     finishOperation();
 }

@@ -1,0 +1,249 @@
+#include <tests/platform/ContextTestSupport.h>
+#include <vxr/platform/foundation/Exceptions.h>
+#include <vxr/platform/graphics/Pattern.h>
+#include <vxr/platform/graphics/Shading.h>
+
+#include <gmock/gmock.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+
+namespace vxr::test {
+
+namespace {
+
+using testing::HasSubstr;
+using testing::Not;
+
+const PDFPageBoxes page { .media = { 0, 0, 200, 100 }, .crop = {}, .bleed = {}, .trim = {}, .art = {} };
+
+/// The bytes of a document of one page.
+std::string documentOf(const std::function<void(PDFContext&)>& draw, const PDFPageBoxes& boxes = page)
+{
+    std::string bytes;
+    const auto context = PDFContext::createWithWriter([&](const unsigned char* data, std::size_t size) {
+        bytes.append(reinterpret_cast<const char*>(data), size);
+        return true;
+    });
+    context->beginPage(boxes);
+    draw(*context);
+    context->close();
+    return bytes;
+}
+
+std::size_t countOf(const std::string& text, const std::string& part)
+{
+    std::size_t count = 0;
+    for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1))
+        ++count;
+    return count;
+}
+
+std::size_t imageCount(const std::string& document) { return countOf(document, "/Subtype /Image"); }
+
+std::shared_ptr<const Shading> shading()
+{
+    const auto function = std::make_shared<ShadingFunction>(
+        nullptr,
+        [](void*, const float* t, float* out) {
+            out[0] = *t;
+            out[1] = 0;
+            out[2] = 1 - *t;
+            out[3] = 1 - *t / 2;
+        },
+        nullptr);
+    return Shading::createAxial(ColorSpace::deviceRGB(), { 0, 0 }, { 100, 50 }, function, false, true);
+}
+
+std::shared_ptr<const Pattern> dots()
+{
+    return std::make_shared<Pattern>(Rect(0, 0, 7.3f, 5.1f), AffineTransform(), 7.3f, 5.1f, [](Context& c) {
+        c.fillPath(*Path::pathWithOvalInRect({ 1, 1, 3, 3 }), WindingRule::NonZero);
+    });
+}
+
+// A picture in the document is a fallback to pixels; only images and shadows may be one.
+TEST(PDFContext, VectorsStayVectors)
+{
+    struct Case {
+        const char* name;
+        std::function<void(Context&)> draw;
+    };
+    const Case cases[] = {
+        { "Fill",
+            [](Context& c) {
+                c.fillPath(*Path::pathWithOvalInRect({ 10, 10, 50, 50 }), WindingRule::EvenOdd);
+            } },
+        { "Stroke",
+            [](Context& c) {
+                c.strokePath(*Path::pathWithRect({ 10, 10, 50, 50 }), { .width = 3, .dash = { 4, 2 } });
+            } },
+        { "ClippedShading",
+            [](Context& c) {
+                c.clipToRect({ 10, 10, 60, 60 });
+                c.drawShading(*shading());
+            } },
+        { "TranslucentShading",
+            [](Context& c) {
+                c.setAlpha(0.5f);
+                c.drawShading(*shading());
+            } },
+        { "Pattern",
+            [](Context& c) {
+                c.setFillPattern(dots(), 1);
+                c.fillRect({ 10, 10, 150, 60 });
+            } },
+        { "TranslucentPattern",
+            [](Context& c) {
+                c.setFillPattern(dots(), 0.5f);
+                c.fillRect({ 10, 10, 150, 60 });
+            } },
+        { "Layer",
+            [](Context& c) {
+                c.setAlpha(0.5f);
+                c.beginTransparencyLayer();
+                paint(c, red, { 10, 10, 30, 30 });
+                c.beginTransparencyLayer();
+                paint(c, blue, { 20, 20, 30, 30 });
+                c.endTransparencyLayer();
+                c.endTransparencyLayer();
+            } },
+        { "Copy",
+            [](Context& c) {
+                paint(c, red, { 10, 10, 30, 30 });
+                c.setCompositeOperation(CompositeOperation::Copy);
+                paint(c, blue, { 20, 20, 30, 30 });
+            } },
+        { "Clear",
+            [](Context& c) {
+                paint(c, red, { 10, 10, 30, 30 });
+                c.clearRect({ 15, 15, 5, 5 });
+                c.beginTransparencyLayer();
+                paint(c, blue, { 20, 20, 30, 30 });
+                c.setCompositeOperation(CompositeOperation::Clear);
+                c.fillRect({ 25, 25, 5, 5 });
+                c.endTransparencyLayer();
+            } },
+    };
+    for (const Case& c : cases)
+        EXPECT_EQ(imageCount(documentOf(c.draw)), 0u) << c.name;
+}
+
+TEST(PDFContext, AShadowIsOneSoftMaskAndItsCasterStaysVectors)
+{
+    const auto shadowed = [](Context& c) {
+        c.setShadow({ 5, -5 }, 6, ColorValue::gray(0, 0.5f));
+        c.beginTransparencyLayer();
+        for (int i = 0; i < 5; ++i) {
+            paint(c, red, { 10.0f + 20 * i, 30, 15, 40 });
+            c.strokePath(*Path::pathWithOvalInRect({ 10.0f + 20 * i, 30, 15, 40 }), { .width = 2 });
+        }
+        c.endTransparencyLayer();
+    };
+    const std::string document = documentOf(shadowed);
+    EXPECT_EQ(imageCount(document), 2u); // the shadow, and its alpha as its soft mask
+    // 105 by 40 points with 7 around them, at 144 to 300 samples an inch.
+    EXPECT_LT(document.size(), 60000u);
+    EXPECT_EQ(imageCount(documentOf([&](Context& c) {
+        c.clipToRect({ 0, 0, 5, 5 }); // shows nothing of it
+        shadowed(c);
+    })),
+        0u);
+}
+
+TEST(PDFContext, AnImageIsStoredOnceHoweverOftenItIsDrawn)
+{
+    const auto image = imageOf({ 2, 1, { 0xff123456, 0xff654321 } });
+    const std::string document = documentOf([&](Context& c) {
+        c.drawImage({ 10, 10, 50, 50 }, *image);
+        c.drawImage({ 70, 10.5f, 50, 20 }, *image);
+        c.rotate(0.3f);
+        c.drawImage({ 70, 10.5f, 50, 20 }, *image);
+    });
+    EXPECT_EQ(imageCount(document), 1u);
+}
+
+TEST(PDFContext, PagesCarryTheirBoxesRelativeToTheMedia)
+{
+    std::string document;
+    const auto context = PDFContext::createWithWriter([&](const unsigned char* data, std::size_t size) {
+        document.append(reinterpret_cast<const char*>(data), size);
+        return true;
+    });
+    paint(*context, red, { 0, 0, 10, 10 }); // no page yet
+    context->beginTransparencyLayer();
+    EXPECT_EQ(context->clipBounds(), Rect());
+    context->beginPage(page);
+    context->translate(5, 5);
+    context->beginPage({ .media = { -10, -20, 300, 400 },
+        .crop = { 0, 0, 280, 360 },
+        .bleed = {},
+        .trim = { 5.5f, 5, 270, 350 },
+        .art = {} });
+    EXPECT_TRUE(context->currentTransform().isIdentity());
+    EXPECT_EQ(context->clipBounds(), (Rect { 0, 0, 300, 400 }));
+    paint(*context, red, { 0, 0, 10, 10 });
+    context->beginPage(page);
+    EXPECT_THROW(context->beginPage({}), InvalidArgumentException);
+    context->close();
+    context->beginPage(page);
+    paint(*context, red, { 0, 0, 10, 10 });
+    context->close();
+
+    EXPECT_THAT(document, HasSubstr("/Count 3"));
+    EXPECT_EQ(countOf(document, "/MediaBox [ 0 0 300 400 ]"), 2u); // the page and its update
+    EXPECT_EQ(countOf(document, "/CropBox [ 10 20 290 380 ]"), 1u);
+    EXPECT_EQ(countOf(document, "/TrimBox [ 15.5 25 285.5 375 ]"), 1u);
+    EXPECT_THAT(document, Not(HasSubstr("/BleedBox")));
+    // The update's table names the place of the new object and of the table before it.
+    const std::size_t table = std::stoul(document.substr(document.rfind("startxref\n") + 10));
+    unsigned long object = 0, place = 0;
+    ASSERT_EQ(std::sscanf(document.c_str() + table, "xref\n%lu 1\n%lu", &object, &place), 2);
+    EXPECT_EQ(document.substr(place, 10), std::to_string(object) + " 0 obj\n<<");
+    const std::size_t before = std::stoul(document.substr(document.rfind("/Prev ") + 6));
+    EXPECT_EQ(document.substr(before, 5), "xref\n");
+}
+
+TEST(PDFContext, FailuresToWriteAreToldAtTheClose)
+{
+    const auto broken = PDFContext::createWithWriter([](const unsigned char*, std::size_t) { return false; });
+    broken->beginPage(page);
+    EXPECT_THROW(broken->close(), GenericException);
+    EXPECT_NO_THROW(broken->close());
+    EXPECT_THROW(PDFContext::createWithFile("/nowhere/at/all.pdf"), GenericException);
+
+    const auto path = std::filesystem::temp_directory_path() / "vxr-pdf-context-test.pdf";
+    {
+        const auto context = PDFContext::createWithFile(path.string());
+        context->beginPage(page);
+        context->beginTransparencyLayer(); // closing ends what is open
+        paint(*context, red, { 0, 0, 10, 10 });
+    }
+    std::ifstream file(path, std::ios::binary);
+    std::string start(5, ' ');
+    file.read(start.data(), 5);
+    EXPECT_EQ(start, "%PDF-");
+    std::filesystem::remove(path);
+}
+
+TEST(PDFContext, HostileNumbersLeaveTheDocumentUsable)
+{
+    const std::string document = documentOf([](PDFContext& c) {
+        c.saveState();
+        c.scale(0, 1);
+        paint(c, red, { 0, 0, 10, 10 });
+        c.restoreState();
+        paint(c, red, { -1e9f, -1e9f, 2e9f, 2e9f });
+        c.strokePath(*Path::pathWithRect({ 10, 10, 1e9f, 1e9f }), { .width = 3, .dash = { 0, 0 } });
+        c.setShadow({ 1e9f, NAN }, 1e9f, black);
+        paint(c, red, { NAN, 0, 10, 10 });
+        paint(c, red, { 0, 0, 10, 10 });
+    });
+    EXPECT_THAT(document, HasSubstr("%%EOF"));
+    EXPECT_GT(document.size(), 700u);
+}
+
+} // namespace
+
+} // namespace vxr::test
