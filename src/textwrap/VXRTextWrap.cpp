@@ -1,6 +1,5 @@
 #include <vxr/textwrap/VXRTextWrap.h>
 
-#include <vxr/textwrap/PlainCrossings.h>
 #include <vxr/textwrap/WrapPolygon.h>
 
 #include <algorithm>
@@ -74,48 +73,10 @@ const gpc_polygon& near(WrapPolygon& polygon, const Rect& rect)
     return polygon.near(std::min(y, end), std::max(y, end));
 }
 
-/// The gaps between the boxes, which are sorted here.
-std::vector<Rect> piecesBetween(std::vector<Rect>& boxes, const Rect& line)
-{
-    std::sort(
-        boxes.begin(), boxes.end(), [](const Rect& a, const Rect& b) { return compareRects(a, b) < 0; });
-    const std::vector<Rect> spans = mergeRects(boxes);
-    if (spans.empty())
-        return { line };
-
-    std::vector<Rect> pieces;
-    pieces.reserve(spans.size() + 1);
-    const auto addPiece = [&](float from, float to) {
-        pieces.push_back({ from, line.origin.y, to - from, line.size.height });
-    };
-    if (spans.front().origin.x > line.origin.x)
-        addPiece(line.origin.x, spans.front().origin.x);
-    for (std::size_t i = 1; i < spans.size(); ++i)
-        addPiece(spans[i - 1].maxX(), spans[i].origin.x);
-    if (line.maxX() > spans.back().maxX())
-        addPiece(spans.back().maxX(), line.maxX());
-    return pieces;
-}
-
-/// Distance within which edges may meet on the clipper's grid, with much to spare.
-double clearanceOf(const WrapPolygon& polygon, const Rect& line)
-{
-    const double reach = std::max({ std::abs(line.minX()), std::abs(line.maxX()), std::abs(line.minY()),
-        std::abs(line.maxY()), float(polygon.extent()) });
-    return 1e-9 * reach;
-}
-
 std::vector<Rect> wrappedSubrects(const Rect& line, WrapPolygon& polygon, int type)
 {
-    static PlainCrossings crossings; // keeps its storage
-    const gpc_polygon& nearLine = near(polygon, line);
-    if (polygon.isFinite() && crossings.find(nearLine, line, clearanceOf(polygon, line))) {
-        std::vector<Rect> boxes;
-        crossings.appendBoxes(type != 0, boxes);
-        return piecesBetween(boxes, line);
-    }
     const RectPolygon linePolygon(line);
-    const Clipped result(type == 0 ? GPC_DIFF : GPC_INT, *linePolygon, nearLine);
+    const Clipped result(type == 0 ? GPC_DIFF : GPC_INT, *linePolygon, near(polygon, line));
     return wrappedSubrectsFromPolygon(&*result, line);
 }
 
@@ -204,7 +165,24 @@ std::vector<Rect> wrappedSubrectsFromPolygon(const gpc_polygon* polygon, const R
     boxes.reserve(std::size_t(polygon->num_contours));
     for (int i = 0; i < polygon->num_contours; ++i)
         boxes.push_back(boundsForVertexList(polygon->contour[i]));
-    return piecesBetween(boxes, line);
+    std::sort(
+        boxes.begin(), boxes.end(), [](const Rect& a, const Rect& b) { return compareRects(a, b) < 0; });
+    const std::vector<Rect> spans = mergeRects(boxes);
+    if (spans.empty())
+        return { line };
+
+    std::vector<Rect> pieces;
+    pieces.reserve(spans.size() + 1);
+    const auto addPiece = [&](float from, float to) {
+        pieces.push_back({ from, line.origin.y, to - from, line.size.height });
+    };
+    if (spans.front().origin.x > line.origin.x)
+        addPiece(line.origin.x, spans.front().origin.x);
+    for (std::size_t i = 1; i < spans.size(); ++i)
+        addPiece(spans[i - 1].maxX(), spans[i].origin.x);
+    if (line.maxX() > spans.back().maxX())
+        addPiece(spans.back().maxX(), line.maxX());
+    return pieces;
 }
 
 std::vector<Rect> mergeRects(std::span<const Rect> sorted)

@@ -54,7 +54,6 @@ void WrapPolygon::indexBlocks()
             for (int k = first; k < std::min(first + blockSize, contour.num_vertices); ++k) {
                 const gpc_vertex& v = contour.vertex[k];
                 mIsFinite = mIsFinite && std::isfinite(v.x) && std::isfinite(v.y);
-                mExtent = std::max({ mExtent, std::abs(v.x), std::abs(v.y) });
                 block.low = std::min(block.low, v.y);
                 block.high = std::max(block.high, v.y);
             }

@@ -15,9 +15,6 @@ public:
 
     const gpc_polygon& whole() const { return *mPolygon; }
 
-    bool isFinite() const { return mIsFinite; }
-    double extent() const { return mExtent; } ///< the largest coordinate, without its sign
-
     /// A set with the same inside as the whole for heights from `low` to `high`, and the same edges there.
     /// A run of vertices that stays beyond one of the two heights is replaced by its ends: the shortcut
     /// stays beyond it too. Valid until the next call.
@@ -40,7 +37,6 @@ private:
 
     VXRPolygonOwner mPolygon;
     bool mIsFinite = true;
-    double mExtent = 0;
     std::vector<Block> mBlocks; ///< height ranges of `blockSize` vertices each, contour after contour
     std::vector<gpc_vertex> mNearVertices;
     std::vector<int> mNearHoles;

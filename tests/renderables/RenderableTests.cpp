@@ -1,0 +1,284 @@
+#include <tests/renderables/ModelFakes.h>
+#include <vxr/fills/VXRShadow.h>
+#include <vxr/geometry/Color.h>
+#include <vxr/host/animation/VXXTextureSession.h>
+#include <vxr/platform/graphics/GraphicsContext.h>
+#include <vxr/platform/graphics/Path.h>
+#include <vxr/renderables/VXRRenderable.h>
+#include <vxr/renderables/VXRTextureSet.h>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+using namespace vxr;
+using namespace vxr::test;
+
+namespace {
+
+constexpr float pi = 3.14159265f;
+
+/// A frame of 30 by 40 that draws a mark.
+class Box : public VXRRenderable {
+public:
+    Box() { setNaturalSize({ 30, 40 }); }
+
+    bool quickdraw = false;
+
+    bool requiresQuickdraw() const override { return quickdraw; }
+    void renderIntoContext(Context& context) override { context.fillRect({ 0, 0, 1, 1 }); }
+};
+
+std::shared_ptr<VXRShadow> blackShadow(float angle, float offset, int radius)
+{
+    return VXRShadow::shadowWithAngleOffsetRadiusOpacityColor(angle, offset, radius, 1, Color::blackColor());
+}
+
+AffineTransform rotation(float degrees) { return AffineTransform::makeRotation(degrees / 180 * pi); }
+
+} // namespace
+
+TEST(Renderable, BoundsFollowFrameTransformAndShadow)
+{
+    Box box;
+    box.setTransform({ 0, 1, -2, 0, 100, 50 }); // x' = 100 - 2y, y' = 50 + x
+    EXPECT_EQ(box.geometricBounds(), Rect(20, 50, 80, 30));
+    EXPECT_EQ(box.alignmentBounds(), box.geometricBounds());
+    EXPECT_EQ(box.shadowBounds(), box.geometricBounds());
+    EXPECT_EQ(box.erasableBounds(), box.geometricBounds());
+
+    box.setShadow(blackShadow(0, 10, 5));
+    EXPECT_EQ(box.shadowBounds(), Rect(25, 45, 90, 40)) << "the shadow alone";
+    EXPECT_EQ(box.erasableBounds(), Rect(20, 45, 95, 40));
+
+    FakeCanvas canvas;
+    canvas.shadowTransform = AffineTransform { 1, 0, 0, 1, 0, 100 };
+    box.setCanvas(&canvas);
+    EXPECT_EQ(box.shadowBounds(), Rect(25, 45, 90, 40)) << "without the canvas's extra transform";
+    EXPECT_EQ(box.shadowBoundsForRect({ 0, 0, 10, 10 }), Rect(0, 0, 25, 115)) << "translation included";
+    box.setCanvas(nullptr);
+}
+
+TEST(Renderable, MovesShiftTheCachesAndEverythingElseDropsThem)
+{
+    class Counting : public Box {
+    public:
+        mutable int computed = 0;
+        bool optimizes = true;
+        Rect computeGeometricBounds() const override { return ++computed, Box::computeGeometricBounds(); }
+        bool shouldOptimizeTranslation() const override { return optimizes; }
+    } box;
+    box.geometricBounds();
+    box.offsetBy(3, 4);
+    EXPECT_EQ(box.geometricBounds(), Rect(3, 4, 30, 40));
+    EXPECT_EQ(box.computed, 1);
+    box.scaleXByYByPivot(2, 2, { 3, 4 });
+    EXPECT_EQ(box.geometricBounds(), Rect(3, 4, 60, 80));
+    EXPECT_EQ(box.computed, 2);
+    box.optimizes = false;
+    box.offsetTo({ 0, 0 });
+    EXPECT_EQ(box.geometricBounds(), Rect(0, 0, 60, 80));
+    EXPECT_EQ(box.computed, 3);
+}
+
+TEST(Renderable, TurnsAndScalesAboutAPivotAfterItsOwnTransform)
+{
+    Box box;
+    box.setTransform(AffineTransform::makeScale(2, 1));
+    box.rotateByRadiansPivot(pi / 2, { 10, 10 });
+    // (1, 0) goes to (2, 0) and then a quarter turn about (10, 10): (20, 2).
+    const Point p = box.transform().map(Point { 1, 0 });
+    EXPECT_NEAR(p.x, 20, 1e-4);
+    EXPECT_NEAR(p.y, 2, 1e-4);
+    const Point pivot = box.transform().inverted()->map(Point { 7, 3 });
+    box.scaleXByYByPivot(3, 5, { 7, 3 });
+    EXPECT_NEAR(box.transform().map(pivot).x, 7, 1e-4);
+    EXPECT_NEAR(box.transform().map(pivot).y, 3, 1e-4);
+}
+
+TEST(Renderable, AngleOfTurnedAndMirroredTransforms)
+{
+    Box box;
+    for (const float degrees : { 0.0f, 30.0f, 89.0f, 91.0f, 179.0f, -45.0f, -120.0f }) {
+        const float radians = degrees / 180 * pi;
+        box.setTransform(rotation(degrees));
+        EXPECT_NEAR(box.angle(), radians, 1e-6) << degrees;
+        // Mirrored in its own x first: the frame's x axis points the other way.
+        box.setTransform(concat(AffineTransform::makeScale(-1, 1), rotation(degrees)));
+        EXPECT_NEAR(box.angleWithFlip(false), radians, 1e-6) << degrees;
+        EXPECT_NEAR(box.angleWithFlip(true), radians + pi, 1e-6) << degrees;
+    }
+    const struct {
+        float degrees;
+        bool aligned;
+    } cases[] = { { 0, true }, { 90, true }, { 180, true }, { -90, true }, { 45, false }, { 90.4f, false },
+        { 1, false } };
+    for (const auto& c : cases) {
+        box.setTransform(rotation(c.degrees));
+        EXPECT_EQ(box.isAxisAligned(), c.aligned) << c.degrees;
+    }
+}
+
+TEST(Renderable, ContainsItsFrameWithTheEdgesUnlessDegenerate)
+{
+    Box box;
+    box.setTransform({ 2, 0, 0, 1, 10, 20 });
+    for (const Point inside : { Point { 10, 20 }, { 70, 60 }, { 40, 30 } })
+        EXPECT_TRUE(box.containsPoint(inside)) << inside;
+    for (const Point outside : { Point { 9.9f, 20 }, { 70.1f, 60 }, { 40, 60.1f } })
+        EXPECT_FALSE(box.containsPoint(outside)) << outside;
+    for (const AffineTransform& flat : { AffineTransform { 0, 0, 0, 1, 0, 0 },
+             AffineTransform { 1, 0, 0.9e-5f, -0.9e-5f, 0, 0 }, AffineTransform { 1, 1, 1, 1, 0, 0 } }) {
+        box.setTransform(flat);
+        EXPECT_FALSE(box.containsPoint({ 0, 0 })) << flat;
+    }
+    box.setTransform({ 1.1e-5f, 0, 0, 1, 0, 0 });
+    EXPECT_TRUE(box.containsPoint({ 0, 0 })) << "just not degenerate";
+}
+
+TEST(Renderable, FrameAsPathStartsAtTheOriginAndGoesUpTheLeftSide)
+{
+    Box box;
+    box.setTransform({ 1, 0, 0, 1, 5, 6 });
+    EXPECT_EQ(text(*box.geometricBoundsAsPath()), "[M5 6 L5 46 L35 46 L35 6 Z]");
+    EXPECT_EQ(
+        text(*VXRRenderable::pathWithRectUnderTransform({ 1, 2, 3, 4 }, AffineTransform::makeScale(2, 1))),
+        "[M2 2 L2 6 L8 6 L8 2 Z]");
+}
+
+struct LayeringCase {
+    const char* name;
+    float opacity;
+    bool shadow, quickdraw, blackAndWhite;
+    int destination;
+    bool layers;
+};
+
+const LayeringCase layeringCases[] = {
+    { "Plain", 1, false, false, false, 0, false },
+    { "Faded", 0.5f, false, false, false, 0, true },
+    { "Shadow", 1, true, false, false, 2, true },
+    { "FadedInBlackAndWhite", 0.5f, true, false, true, 0, false },
+    { "QuickdrawDirect", 1, false, true, true, 0, true },
+    { "QuickdrawCompositor", 1, false, true, false, 1, false },
+};
+
+TEST(Renderable, LayersOnlyWhereOpacityOrShadowNeedIt)
+{
+    for (const LayeringCase& c : layeringCases) {
+        FakeCanvas canvas;
+        canvas.destination = c.destination;
+        canvas.blackAndWhite = c.blackAndWhite;
+        Box box;
+        box.setCanvas(&canvas);
+        box.quickdraw = c.quickdraw;
+        box.setOpacity(c.opacity);
+        if (c.shadow)
+            box.setShadow(blackShadow(0, 1, 1));
+        EXPECT_EQ(box._shouldLayer(), c.layers) << c.name;
+        box.setCanvas(nullptr);
+    }
+}
+
+#define LAYER_WITH_SHADOW                                                                                    \
+    "save\nset-alpha 0.5\nset-shadow offset=20 0 blur=10 color=0 0 0 1\nbegin-layer\nfill-rect 0 0 1 1\n"    \
+    "end-layer\nclear-shadow\nrestore\n"
+
+TEST(Renderable, DrawsInOneOrTwoPasses)
+{
+    Lines calls;
+    FakeCanvas canvas;
+    canvas.scale = 2;
+    Layered<Box> box(&calls);
+    box.setCanvas(&canvas);
+    box.setShadow(blackShadow(0, 10, 5));
+    box.setOpacity(0.5f);
+    const auto draw = [&] { box.renderLayeredIntoContext(currentDrawingPort()); };
+    EXPECT_EQ(recordingOf(draw), LAYER_WITH_SHADOW) << "no layer yet";
+    box.fakeLayer();
+    EXPECT_EQ(recordingOf(draw), LAYER_WITH_SHADOW);
+    EXPECT_EQ(calls, (Lines { "layer mode 1", "layer mode 0" }));
+
+    calls.clear();
+    box.fakeLayer().mixed = true;
+    EXPECT_EQ(recordingOf(draw),
+        "save\nset-alpha 0.5\nbegin-layer\nfill-rect 0 0 1 "
+        "1\nend-layer\nclear-shadow\nrestore\n" LAYER_WITH_SHADOW);
+    EXPECT_EQ(calls, (Lines { "layer mode 3", "layer mode 2", "layer mode 0" }));
+
+    calls.clear();
+    box.setShadow(nullptr);
+    recordingOf(draw);
+    EXPECT_EQ(calls, (Lines { "layer mode 1", "layer mode 0" })) << "without a shadow nothing is mixed";
+    box.setCanvas(nullptr);
+}
+
+TEST(Renderable, HandsOverLayersTopmostFirstAndTexturesBottomFirst)
+{
+    Lines calls;
+    FakeCanvas canvas;
+    Layered<Box> box(&calls);
+    std::vector<LayerInfo*> infos;
+    std::vector<VXRTexture*> textures;
+    box.addLayersToArray(infos);
+    box.addTexturesToArray(textures);
+    EXPECT_EQ(calls, (Lines { "infos", "textures" }));
+    box.setShadow(blackShadow(0, 10, 5));
+    calls.clear();
+    box.addLayersToArray(infos);
+    box.addTexturesToArray(textures);
+    EXPECT_EQ(calls,
+        (Lines { "infos", "shadow infos", "shadowless infos", "shadow textures", "shadowless textures",
+            "textures" }));
+
+    calls.clear();
+    box.setCanvas(&canvas);
+    box.prepareToDraw();
+    EXPECT_EQ(calls, (Lines { "layer clear" })) << "nothing is prepared without a compositor";
+    canvas.compositor = true;
+    canvas.scale = 1.5f;
+    box.prepareToDraw();
+    EXPECT_EQ(calls, (Lines { "layer clear", "layer zoom 1.5", "layer prepare" }));
+    calls.clear();
+    box.blit();
+    EXPECT_EQ(calls,
+        (Lines { "layer zoom 1.5", "layer prepare", "shadow textures", "shadowless textures", "textures" }));
+    calls.clear();
+    box._blitShadow();
+    EXPECT_EQ(calls, (Lines { "shadow textures" }));
+    box.setCanvas(nullptr);
+}
+
+TEST(Renderable, KeepsATextureSetUntilSessionOrContentChange)
+{
+    FakeCanvas canvas;
+    canvas.compositor = true;
+    VXXTextureSession session;
+    std::shared_ptr<VXRTextureSet> kept;
+    {
+        Box box;
+        box.setCanvas(&canvas);
+        EXPECT_EQ(box.texture(nullptr), nullptr);
+        const auto first = box.texture(&session);
+        ASSERT_EQ(first->entries().size(), 1u);
+        EXPECT_EQ(first->entries()[0].renderable, &box);
+        EXPECT_EQ(box.texture(&session), first);
+        box.offsetBy(1, 0);
+        EXPECT_EQ(box.texture(&session), first) << "moved at a whole zoom";
+        box.invalidate();
+        kept = box.texture(&session);
+        EXPECT_NE(kept, first);
+    }
+    EXPECT_TRUE(kept->entries().empty()) << "the renderable is gone";
+}
+
+TEST(Renderable, LeavesItsCanvasWhenItGoesAway)
+{
+    Lines calls;
+    FakeCanvas canvas(&calls);
+    {
+        Box box;
+        box.setCanvas(&canvas);
+    }
+    EXPECT_EQ(calls, (Lines { "register", "unregister" }));
+}
