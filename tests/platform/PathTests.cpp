@@ -302,5 +302,5 @@ TEST(Path, AMillionElementsAreWalkedInLinearTime)
 
     // Hostile: each curve alone would deserve thousands of lines.
     path.transformUsingAffineTransform(AffineTransform::makeScale(1e30f, 1e30f));
-    EXPECT_LE(path.bezierPathByFlatteningPath()->elementCount(), std::size_t(1) << 24);
+    EXPECT_LE(path.bezierPathByFlatteningPath()->elementCount(), (std::size_t(1) << 24) + 8 * count);
 }

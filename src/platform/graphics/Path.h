@@ -83,7 +83,7 @@ public:
     /// Bounds of all finite points, control points included; the zero rectangle when there are none. Cached.
     Rect bounds() const;
     /// A copy whose curves are lines that stay within `flatness` of them, as far as single precision can
-    /// say it. A path of very many curves gets coarser from 16 million lines on.
+    /// say it. Of the curves after 16 million lines each gives 8 at most.
     std::shared_ptr<Path> bezierPathByFlatteningPath() const;
     /// Whether `p` lies inside by the path's winding rule, open sub-paths closed. Points on the outline
     /// may go either way; NaN is outside.

@@ -2,14 +2,6 @@
 
 namespace vxr {
 
-CurveFlattener::CurveFlattener(double tolerance, std::size_t curves, std::size_t mostLines)
-    : mTolerance(tolerance > 0 ? tolerance : 0)
-{
-    constexpr int leastDepth = 3;
-    while (mDepth > leastDepth && curves > mostLines >> mDepth)
-        --mDepth;
-}
-
 double CurveFlattener::limitFor(const Cubic& c) const
 {
     constexpr double precision = 0x1p-25;
@@ -32,7 +24,7 @@ std::shared_ptr<Path> Path::bezierPathByFlatteningPath() const
     flat->mFlatness = mFlatness;
     flat->mWindingRule = mWindingRule;
     flat->reserve(mKinds.size() + 4 * curves);
-    const CurveFlattener flattener(mFlatness, curves, 1 << 24);
+    CurveFlattener flattener(mFlatness, 1 << 24);
     const Point* p = mPoints.data();
     for (PathElementKind kind : mKinds) {
         switch (kind) {

@@ -8,19 +8,19 @@
 namespace vxr {
 
 /// Replaces curves by lines that stay within a tolerance, by halving whatever is not flat yet. Never more
-/// than 2^depth lines a curve.
+/// than 2^13 lines a curve; once `mostLines` are made, hostile coordinates or tolerances being the reason,
+/// the curves that follow get 8 at most.
 class CurveFlattener {
 public:
-    static constexpr int mostDepth = 13;
-
-    /// `curves` is how many there are to flatten: very many get fewer lines each, down to 8, so that hostile
-    /// coordinates or tolerances can't fill the memory. Their sum stays within `mostLines` as far as that
-    /// allows.
-    CurveFlattener(double tolerance, std::size_t curves, std::size_t mostLines);
+    CurveFlattener(double tolerance, std::size_t mostLines)
+        : mTolerance(tolerance > 0 ? tolerance : 0)
+        , mLinesLeft(mostLines)
+    {
+    }
 
     /// Calls `emit(piece)` with each flat piece in turn; its end is the next vertex. The control points
     /// must be finite.
-    template <class Emit> void flatten(const Cubic& curve, Emit emit) const
+    template <class Emit> void flatten(const Cubic& curve, Emit emit)
     {
         struct Pending {
             Cubic curve;
@@ -30,9 +30,11 @@ public:
         std::size_t pending = 0;
         stack[pending++] = { curve, 0 };
         const double limit = limitFor(curve);
+        const int depth = mLinesLeft > 0 ? mostDepth : 3;
         while (pending > 0) {
             const Pending top = stack[--pending];
-            if (top.depth >= mDepth || isFlat(top.curve, limit)) {
+            if (top.depth >= depth || isFlat(top.curve, limit)) {
+                mLinesLeft -= mLinesLeft > 0;
                 emit(top.curve);
                 continue;
             }
@@ -43,6 +45,8 @@ public:
     }
 
 private:
+    static constexpr int mostDepth = 13;
+
     /// What `isFlat` compares with: the square of four times the tolerance, or of what single precision can
     /// tell apart at the curve's coordinates when that is more.
     double limitFor(const Cubic& curve) const;
@@ -65,7 +69,7 @@ private:
     }
 
     double mTolerance;
-    int mDepth = mostDepth;
+    std::size_t mLinesLeft;
 };
 
 } // namespace vxr

@@ -19,8 +19,8 @@ Vec2 startDirection(const Cubic& c)
 Vec2 endDirection(const Cubic& c) { return -startDirection({ c.end, c.control2, c.control1, c.start }); }
 
 StrokeRunBuilder::StrokeRunBuilder(
-    double tolerance, double leastStep, std::size_t curves, std::function<void(const StrokeRun&)> emit)
-    : mFlattener(tolerance, curves, 1 << 23)
+    double tolerance, double leastStep, std::function<void(const StrokeRun&)> emit)
+    : mFlattener(tolerance, 1 << 23)
     , mLeastStep(leastStep)
     , mEmit(std::move(emit))
 {

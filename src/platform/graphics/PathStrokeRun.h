@@ -27,8 +27,7 @@ class StrokeRunBuilder {
 public:
     /// Lines not longer than `leastStep` are left out, so that noise has no say in the joins. `emit` gets
     /// each run; a dot when all of a sub-path's lines and curves lie in one point. A bare move gives none.
-    StrokeRunBuilder(
-        double tolerance, double leastStep, std::size_t curves, std::function<void(const StrokeRun&)> emit);
+    StrokeRunBuilder(double tolerance, double leastStep, std::function<void(const StrokeRun&)> emit);
 
     void move(Vec2 p);
     void line(Vec2 from, Vec2 to);

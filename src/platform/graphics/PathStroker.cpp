@@ -204,10 +204,7 @@ std::shared_ptr<Path> Path::strokedOutline(const LineStyle& style, float toleran
     PathStroker stroker(style, half, *outline);
     PathDasher dasher(style);
     const auto strokeRun = [&](const StrokeRun& run) { stroker.stroke(run); };
-    const auto curves
-        = static_cast<std::size_t>(std::count(mKinds.begin(), mKinds.end(), PathElementKind::CurveTo));
-    StrokeRunBuilder builder(
-        half, half / 8, curves, [&](const StrokeRun& run) { dasher.dash(run, strokeRun); });
+    StrokeRunBuilder builder(half, half / 8, [&](const StrokeRun& run) { dasher.dash(run, strokeRun); });
     walkFinite(*this, builder);
     builder.finish();
     return outline;
