@@ -133,6 +133,7 @@ void VXRShadingRep::makeImage()
     layout.bytesPerRow = std::size_t { width } * channels;
     layout.alpha = opaque ? AlphaFormat::NoneSkipFirst : AlphaFormat::First;
     layout.space = VXRGenericRGBColorSpace();
+    layout.smooth = true;
     _imageRef = Image::create(layout, _data->data(), _data->size(), _data);
     _imageRef->prepare(); // once here, never while drawing
 }

@@ -56,6 +56,36 @@ cairo_filter_t filterFor(InterpolationQuality most)
     return CAIRO_FILTER_GOOD;
 }
 
+/// How often a side of a smooth image can be halved before its pixels, `scale` of the device's long, are
+/// as large as the device's.
+int halvingsFor(double scale)
+{
+    int halvings = 0;
+    for (; halvings < Image::Impl::mostThinning && scale <= 0.5; scale *= 2)
+        ++halvings;
+    return halvings;
+}
+
+/// Makes a smooth image the source. The nearest of its pixels is as good as a mixture, and keeps the
+/// dither, up to where single pixels could be seen. `m` maps the image's pixels to the device's.
+void setSmoothSource(cairo_t* cr, const Image& image, const cairo_matrix_t& m)
+{
+    constexpr double limit = 2;
+    const double xScale = std::hypot(m.xx, m.yx), yScale = std::hypot(m.xy, m.yy);
+    int x = halvingsFor(xScale), y = halvingsFor(yScale);
+    cairo_surface_t* surface = image.impl().thinnedSurface(x, y);
+    if (!surface) {
+        surface = image.impl().surface();
+        x = y = 0;
+    }
+    cairo_set_source_surface(cr, surface, 0, 0);
+    cairo_matrix_t toThinned;
+    cairo_matrix_init_scale(&toThinned, 1.0 / (1 << x), 1.0 / (1 << y));
+    cairo_pattern_set_matrix(cairo_get_source(cr), &toThinned);
+    cairo_pattern_set_filter(cairo_get_source(cr),
+        xScale <= limit && yScale <= limit ? CAIRO_FILTER_NEAREST : CAIRO_FILTER_BILINEAR);
+}
+
 } // namespace
 
 void CairoContext::Impl::drawImage(const Rect& rect, const Image& image)
@@ -72,11 +102,16 @@ void CairoContext::Impl::drawImage(const Rect& rect, const Image& image)
     CairoSaver saved(cr());
     setStyle();
     cairo_set_matrix(cr(), &matrix);
-    cairo_set_source_surface(cr(), surface, 0, 0);
-    cairo_pattern_t* source = cairo_get_source(cr());
-    cairo_pattern_set_filter(source, exact ? CAIRO_FILTER_NEAREST : filterFor(state.mostQuality));
+    if (image.layout().smooth && !onPaper && !exact) {
+        setSmoothSource(cr(), image, matrix);
+    } else {
+        cairo_set_source_surface(cr(), surface, 0, 0);
+        cairo_pattern_set_filter(
+            cairo_get_source(cr()), exact ? CAIRO_FILTER_NEAREST : filterFor(state.mostQuality));
+    }
     if (!onPaper) {
-        cairo_pattern_set_extend(source, CAIRO_EXTEND_PAD); // nothing bleeds in from beside the image
+        // Nothing bleeds in from beside the image.
+        cairo_pattern_set_extend(cairo_get_source(cr()), CAIRO_EXTEND_PAD);
         clipToPixelsOf(image, matrix);
     }
     paintSource();

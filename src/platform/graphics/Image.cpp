@@ -11,7 +11,8 @@ int ImageLayout::bytesPerPixel() const
 
 ImageLayout ImageLayout::nativeARGB(int width, int height, std::size_t bytesPerRow)
 {
-    return { width, height, bytesPerRow, AlphaFormat::PremultipliedFirst, true, ColorSpace::deviceRGB() };
+    return { width, height, bytesPerRow, AlphaFormat::PremultipliedFirst, true, ColorSpace::deviceRGB(),
+        false };
 }
 
 bool isPossibleLayout(const ImageLayout& layout, std::size_t size)
@@ -39,8 +40,9 @@ Image::Impl::Impl(
 
 Image::Impl::~Impl()
 {
-    if (mSurface)
-        cairo_surface_destroy(mSurface);
+    cairo_surface_destroy(mSurface); // null is allowed
+    for (cairo_surface_t* thinned : mThinned)
+        cairo_surface_destroy(thinned);
 }
 
 Image::Image(std::unique_ptr<Impl> impl)

@@ -29,6 +29,9 @@ struct ImageLayout {
     AlphaFormat alpha = AlphaFormat::None;
     bool nativeOrder = false; ///< `PremultipliedFirst` is then the form that bitmaps are drawn in
     std::shared_ptr<const ColorSpace> space; ///< none means device RGB
+    /// Neighbours differ by so little that on bitmaps pixels may be left out or repeated instead of being
+    /// mixed. That keeps the dither of a ramp, and is much faster.
+    bool smooth = false;
 
     VXR_EXPORT int bytesPerPixel() const;
     /// The layout of a bitmap context: premultiplied ARGB in native order, device RGB.

@@ -4,6 +4,7 @@
 
 #include <cairo.h>
 
+#include <array>
 #include <vector>
 
 namespace vxr {
@@ -25,8 +26,14 @@ struct Image::Impl {
     /// owner alive. Never written to. Null when memory is short, then there is nothing to draw.
     cairo_surface_t* surface();
 
+    /// `surface` with pixels left out: every 2^x-th kept along a row and every 2^y-th row, those in the
+    /// middle. For smooth images drawn smaller: what is read then lies together. Each is kept.
+    cairo_surface_t* thinnedSurface(int x, int y);
+    static constexpr int mostThinning = 4; ///< for either of x and y
+
 private:
     cairo_surface_t* mSurface = nullptr;
+    std::array<cairo_surface_t*, (mostThinning + 1) * (mostThinning + 1)> mThinned {};
 };
 
 /// Row `y` as straight r, g, b, a bytes of the output, for any layout.

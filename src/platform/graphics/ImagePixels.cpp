@@ -1,5 +1,6 @@
 #include "ImageImpl.h"
 
+#include <algorithm>
 #include <bit>
 #include <cstring>
 
@@ -179,6 +180,29 @@ cairo_surface_t* convertPixels(const Image::Impl& image, cairo_format_t format)
     return surface;
 }
 
+/// An image surface of every 2^x-th pixel of every 2^y-th row.
+cairo_surface_t* thin(cairo_surface_t* source, int x, int y)
+{
+    const int width = cairo_image_surface_get_width(source), height = cairo_image_surface_get_height(source);
+    const int thinWidth = (width + (1 << x) - 1) >> x, thinHeight = (height + (1 << y) - 1) >> y;
+    cairo_surface_t* target
+        = cairo_image_surface_create(cairo_image_surface_get_format(source), thinWidth, thinHeight);
+    if (cairo_surface_status(target) != CAIRO_STATUS_SUCCESS)
+        return target;
+    const std::uint8_t* from = cairo_image_surface_get_data(source);
+    std::uint8_t* to = cairo_image_surface_get_data(target);
+    for (int row = 0; row < thinHeight; ++row, to += cairo_image_surface_get_stride(target)) {
+        const std::ptrdiff_t middle = std::min((row << y) + (1 << y) / 2, height - 1);
+        const auto* in
+            = reinterpret_cast<const std::uint32_t*>(from + middle * cairo_image_surface_get_stride(source));
+        auto* out = reinterpret_cast<std::uint32_t*>(to);
+        for (int column = 0; column < thinWidth; ++column)
+            out[column] = in[std::min((column << x) + (1 << x) / 2, width - 1)];
+    }
+    cairo_surface_mark_dirty(target);
+    return target;
+}
+
 } // namespace
 
 void readStraightRow(const ImageLayout& layout, const std::uint8_t* pixels, int y, std::uint8_t* rgba)
@@ -203,6 +227,21 @@ cairo_surface_t* Image::Impl::surface()
     else
         cairo_surface_destroy(made);
     return mSurface;
+}
+
+cairo_surface_t* Image::Impl::thinnedSurface(int x, int y)
+{
+    cairo_surface_t* whole = surface();
+    if (!whole || (x == 0 && y == 0))
+        return whole;
+    cairo_surface_t*& thinned = mThinned[static_cast<std::size_t>(y * (mostThinning + 1) + x)];
+    if (thinned)
+        return thinned;
+    cairo_surface_t* made = thin(whole, x, y);
+    if (cairo_surface_status(made) == CAIRO_STATUS_SUCCESS)
+        return thinned = made;
+    cairo_surface_destroy(made);
+    return nullptr;
 }
 
 } // namespace vxr
