@@ -1,5 +1,6 @@
 #include <vxr/renderables/VXRRenderable.h>
 
+#include <vxr/compositing/VXRCompositorLayer.h>
 #include <vxr/fills/VXRShadow.h>
 #include <vxr/geometry/TransformAdditions.h>
 #include <vxr/geometry/VXRGeometry.h>
@@ -7,7 +8,6 @@
 #include <vxr/protocols/VXRCanvasRole.h>
 #include <vxr/protocols/VXRRenderableLayer.h>
 #include <vxr/protocols/VXRTexture.h>
-#include <vxr/renderables/DirectLayer.h>
 #include <vxr/renderables/VXRTextureSet.h>
 
 // Damage, drawing in layers, and the way to the compositor layer.
@@ -26,7 +26,10 @@ const std::shared_ptr<VXRRenderableLayer>& VXRRenderable::layer() const
     return mLayer;
 }
 
-std::shared_ptr<VXRRenderableLayer> VXRRenderable::makeLayer() { return std::make_shared<DirectLayer>(); }
+std::shared_ptr<VXRRenderableLayer> VXRRenderable::makeLayer()
+{
+    return VXRCompositorLayer::layerWithRenderable(*this);
+}
 
 /// A new layer is as invalid as can be, so there is no need to make one only to invalidate it, unless it
 /// would pass the news on to a hosted view.

@@ -258,7 +258,7 @@ Rect View::unionDirtyRects() const
     return all;
 }
 
-void View::propagateDirtyRectsToOpaqueAncestors()
+void View::_propagateDirtyRectsToOpaqueAncestors()
 {
     if (!needsDisplay() || isOpaque() || !mSuperview || mHidden)
         return;

@@ -90,7 +90,7 @@ protected:
     virtual void willRemoveSubview(View&) { }
     /// Called before a redraw. A view that is not opaque makes its dirty areas those of its superviews,
     /// up to the first opaque one, since they draw what shows through.
-    virtual void propagateDirtyRectsToOpaqueAncestors();
+    virtual void _propagateDirtyRectsToOpaqueAncestors();
     /// Whether the window draws the subviews after this view; a view that draws them itself says no.
     virtual bool drawsSubviewsSeparately() const { return true; }
     /// The rectangle that `drawRect` is handed for a dirty one. The context stays clipped to the dirty

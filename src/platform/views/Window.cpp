@@ -248,7 +248,7 @@ void Window::propagate(View& view)
 {
     if (view.isHidden())
         return;
-    view.propagateDirtyRectsToOpaqueAncestors();
+    view._propagateDirtyRectsToOpaqueAncestors();
     if (view.drawsSubviewsSeparately())
         for (const auto& subview : view.subviews())
             propagate(*subview);

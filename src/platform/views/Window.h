@@ -52,6 +52,8 @@ public:
     virtual std::optional<WindowBits> lockBits(const Rect& area);
     virtual void unlockBits();
     bool isLocked() const { return mLocks > 0; }
+    /// The pixels that the redraw in progress may change, from the upper left corner; none outside one.
+    const std::optional<Rect>& redrawnPixels() const { return mRedrawn; }
 
     /// Draws all dirty areas of all views, each once and clipped to it. When drawing throws, the rest is
     /// drawn all the same and the first exception is passed on at the end; nothing stays dirty, focused or

@@ -1,0 +1,263 @@
+#include <vxr/compositing/VXRCanvas.h>
+
+#include <vxr/compositing/CanvasDamage.h>
+#include <vxr/compositing/VXRBitmapRenderingQualityInfo.h>
+#include <vxr/geometry/Color.h>
+#include <vxr/geometry/VXRColorUtilities.h>
+#include <vxr/geometry/VXRGeometry.h>
+#include <vxr/platform/graphics/CairoContext.h>
+#include <vxr/platform/graphics/GraphicsContext.h>
+#include <vxr/platform/views/FirstFailure.h>
+#include <vxr/platform/views/LayerCompositor.h>
+#include <vxr/platform/views/ScrollView.h>
+#include <vxr/platform/views/Window.h>
+#include <vxr/renderables/VXRRenderable.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+
+// The two roads of a redraw.
+
+namespace vxr {
+
+using namespace canvasdamage;
+
+namespace {
+
+/// Where a walk will look next; objects lie all over the memory.
+template <class List> void prefetchAhead(const List& list, std::size_t i)
+{
+    constexpr std::size_t ahead = 12;
+    if (i + ahead < list.size()) {
+        const char* object = reinterpret_cast<const char*>(list[i + ahead].get());
+        __builtin_prefetch(object);
+        __builtin_prefetch(object + 64);
+    }
+}
+
+} // namespace
+
+void VXRCanvas::drawRect(const Rect& dirty)
+{
+    FirstFailure failure;
+    failure.attempt([&] {
+        if (renderingDestination() == VXRDestinationCompositor)
+            compositeRect(dirty); // nothing accelerated to hand it to
+        else
+            drawDirectly(dirty);
+    });
+    clearSubviewCache();
+    failure.rethrow();
+}
+
+void VXRCanvas::_adjustBitmapRenderingQualityInRenderablesUpdateRect(
+    const RenderableList& renderables, const Rect& updateRect)
+{
+    mBitmapRenderingQualityInfo = std::make_unique<VXRBitmapRenderingQualityInfo>(mBitmapImageQuality);
+    for (const auto& renderable : renderables)
+        if (rectsIntersect(renderable->erasableBounds(), updateRect))
+            renderable->addBitmapsToRenderingQualityInfo(*mBitmapRenderingQualityInfo);
+}
+
+void VXRCanvas::drawDirectly(const Rect& dirty)
+{
+    const RenderableList& renderables = objectsToRender();
+    if (mBitmapImageQuality != 2)
+        _adjustBitmapRenderingQualityInRenderablesUpdateRect(renderables, dirty);
+    std::vector<VXRRenderable*> hit;
+    for (std::size_t i = 0; i < renderables.size(); ++i) {
+        prefetchAhead(renderables, i);
+        if (rectsIntersect(renderables[i]->erasableBounds(), dirty))
+            hit.push_back(renderables[i].get());
+    }
+    FirstFailure failure;
+    const bool isRedraw = window() && window()->redrawnPixels() && focusView() == this;
+    if (isRedraw && _backgroundColor && _backgroundColor->alphaComponent() >= 1)
+        drawIntoRedrawnRows(dirty, hit, failure);
+    else
+        drawOntoBackground(currentDrawingPort(), dirty, hit, failure);
+    failure.rethrow();
+}
+
+void VXRCanvas::drawOntoBackground(
+    Context& context, const Rect& dirty, const std::vector<VXRRenderable*>& hit, FirstFailure& failure)
+{
+    if (_backgroundColor) {
+        VXRSetColor(*_backgroundColor);
+        context.fillRect(dirty);
+    }
+    for (VXRRenderable* renderable : hit) {
+        const std::size_t depth = context.stateDepth();
+        if (!failure.attempt([&] { renderable->renderLayeredIntoContext(context); }))
+            context.unwindToDepth(depth);
+    }
+}
+
+/// A redraw of the window. Outlines that leave a clip at its sides are cut there by the rasteriser, and
+/// rows with such a cut come out a level or two different; so a redraw would depend on how much of the
+/// page it redraws and where the page is scrolled to. Hence the dirty rows are drawn beside the window, wide
+/// enough for all that is drawn, and only the dirty pixels are taken over.
+void VXRCanvas::drawIntoRedrawnRows(
+    const Rect& dirty, const std::vector<VXRRenderable*>& hit, FirstFailure& failure)
+{
+    constexpr float farthest = 4096; ///< pixels on either side; beyond, exactness isn't worth the memory
+    const Rect kept = *window()->redrawnPixels();
+    Rect reach = dirty;
+    for (const VXRRenderable* renderable : hit)
+        reach = unionRect(reach, renderable->erasableBounds());
+    const float slack = erasingSlack + placementSlack / _scale;
+    const Rect wanted = integralRect(convertRectToWindow(insetRect(reach, -slack, -slack)));
+    const float x0 = std::clamp(wanted.minX(), kept.minX() - farthest, kept.minX());
+    const float x1 = std::clamp(wanted.maxX(), kept.maxX(), kept.maxX() + farthest);
+    const int wide = int(x1 - x0), high = int(kept.size.height);
+    if (mRows.size() < std::size_t(wide) * std::size_t(high))
+        mRows.resize(std::size_t(wide) * std::size_t(high));
+
+    const auto rows = CairoContext::createWithPixels(mRows.data(), wide, high, std::size_t(wide) * 4);
+    rows->setBaseTransform(AffineTransform::makeTranslation(-x0, kept.maxY() - float(window()->height())));
+    rows->concatTransform(currentDrawingPort().currentTransform());
+    {
+        const CurrentContextScope current(std::make_shared<GraphicsContext>(rows, true, true));
+        Rect everything
+            = unionRect(dirty, convertRectFromView({ x0, 0, x1 - x0, float(window()->height()) }, nullptr));
+        drawOntoBackground(*rows, everything, hit, failure);
+    }
+
+    const WindowLock lock(*window(), convertRectToWindow(visibleRect()));
+    if (!lock || lock.bits().depthCode != 4)
+        return;
+    const WindowBits& bits = lock.bits();
+    const std::size_t left = std::size_t(kept.minX() - x0), rowBytes = std::size_t(kept.size.width) * 4;
+    for (int y = 0; y < high; ++y)
+        std::memcpy(bits.colorBase + std::ptrdiff_t(int(kept.minY()) + y) * bits.colorBytesPerRow
+                + std::ptrdiff_t(kept.minX()) * 4,
+            mRows.data() + std::size_t(y) * std::size_t(wide) + left, rowBytes);
+}
+
+VXRCanvas::CompositeArea VXRCanvas::compositeArea(const Rect& dirty) const
+{
+    CompositeArea area {};
+    if (ScrollView* scrollView = enclosingScrollView())
+        area.visible
+            = scrollView->contentView().convertRectToView(scrollView->contentView().bounds(), nullptr);
+    else
+        area.visible = convertRectToWindow(visibleRect());
+    const Rect& seen = area.visible;
+    const float windowHeight = window() ? window()->frame().size.height : 0;
+    area.frameWidth = int(lrintf(seen.size.width));
+    area.frameHeight = int(seen.size.height);
+    area.x0 = int(seen.origin.x);
+    // The window's coordinates grow upwards, its rows of pixels downwards.
+    area.y0 = int(windowHeight - (seen.size.height + seen.origin.y));
+
+    const Rect r = integralRect(VXRFlipRect(convertRectToWindow(dirty), seen));
+    area.clipMinX = int(std::trunc(r.origin.x) - seen.origin.x);
+    area.clipMinY = int(r.origin.y);
+    area.clipMaxX = int(std::trunc(r.origin.x + r.size.width) - seen.origin.x - 1);
+    area.clipMaxY = int(std::trunc(r.origin.y + r.size.height) - 1);
+    return area;
+}
+
+void VXRCanvas::collectLayers(const Rect& dirty, std::vector<LayerInfo*>& layers, FirstFailure& failure)
+{
+    const RenderableList& renderables = objectsToRender();
+    for (std::size_t n = renderables.size(); n > 0; --n) {
+        if (n > 12) {
+            const char* object = reinterpret_cast<const char*>(renderables[n - 12].get());
+            __builtin_prefetch(object);
+            __builtin_prefetch(object + 64);
+        }
+        VXRRenderable& renderable = *renderables[n - 1];
+        if (!rectsIntersect(renderable.erasableBounds(), dirty))
+            continue;
+        const std::size_t before = layers.size();
+        const bool drawn = failure.attempt([&] {
+            renderable.prepareToDraw();
+            renderable.addLayersToArray(layers);
+        });
+        if (!drawn)
+            layers.resize(before);
+    }
+}
+
+void VXRCanvas::compositeRect(const Rect& dirty)
+{
+    CompositeArea area = compositeArea(dirty);
+    if (area.clipMinX > area.clipMaxX || area.clipMinY > area.clipMaxY)
+        return;
+    area.clipMaxX = std::min(area.clipMaxX, area.frameWidth - 1);
+    // Out of sight: nothing to lock for.
+    if (area.clipMinX > area.clipMaxX || area.clipMaxX < 0 || area.clipMinY >= area.frameHeight
+        || area.clipMaxY < 0)
+        return;
+    if (!window() || window()->windowNumber() <= 0)
+        return;
+
+    const WindowLock lock(*window(), area.visible);
+    if (!lock)
+        return;
+    const WindowBits& bits = lock.bits();
+    const int pixelBytes = bits.depthCode == 4 ? 4 : 2;
+    LayerInfo destination;
+    destination.layerInfoVersion = 1;
+    destination.colorData = bits.colorBase + std::ptrdiff_t(area.x0) * pixelBytes
+        + std::ptrdiff_t(area.y0) * bits.colorBytesPerRow;
+    if (bits.alphaBase)
+        destination.alphaData = bits.alphaBase + std::ptrdiff_t(area.y0) * bits.alphaBytesPerRow + area.x0;
+    destination.colorBytesPerRow = bits.colorBytesPerRow;
+    destination.alphaBytesPerRow = bits.alphaBytesPerRow;
+    destination.clipMinX = area.clipMinX;
+    destination.clipMaxX = area.clipMaxX;
+    destination.clipMinY = area.clipMinY;
+    destination.clipMaxY = area.clipMaxY;
+    destination.frameMaxX = area.frameWidth;
+    destination.frameMaxY = area.frameHeight;
+    destination.fade = 1;
+    destination.bitmapType = bits.depthCode == 4 ? LayerBitmap32 : LayerBitmap16;
+    // A redraw in progress keeps to the window's pixels that are dirty.
+    destination.clipMinX = std::max(destination.clipMinX, int(bits.writable.minX()) - area.x0);
+    destination.clipMaxX = std::min(destination.clipMaxX, int(bits.writable.maxX()) - 1 - area.x0);
+    destination.clipMinY = std::max(destination.clipMinY, int(bits.writable.minY()) - area.y0);
+    destination.clipMaxY = std::min(destination.clipMaxY, int(bits.writable.maxY()) - 1 - area.y0);
+
+    FirstFailure failure;
+    std::vector<LayerInfo*> layers;
+    collectLayers(dirty, layers, failure);
+    if (LayerInfo* background = _backgroundLayer())
+        layers.push_back(background);
+    for (std::size_t i = 0; i < layers.size(); ++i)
+        layers[i]->next = i + 1 < layers.size() ? layers[i + 1] : nullptr;
+    if (!layers.empty())
+        LayerCompositor::composite(destination, layers.front());
+    failure.rethrow();
+}
+
+LayerInfo* VXRCanvas::_backgroundLayer()
+{
+    if (!_backgroundColor)
+        return nullptr;
+    // Limits that cover any window.
+    constexpr std::int32_t right = 11280, bottom = 11024;
+    LayerInfo& layer = mBackgroundLayer;
+    layer = {};
+    layer.layerInfoVersion = 1;
+    layer.fade = 1;
+    layer.constantColor = _colorAsLong(*_backgroundColor);
+    layer.clipMaxX = layer.frameMaxX = layer.opaqueMaxX = right;
+    layer.clipMaxY = layer.frameMaxY = layer.opaqueMaxY = bottom;
+    return &layer;
+}
+
+std::uint32_t VXRCanvas::_colorAsLong(Color& color)
+{
+    const auto rgb = color.colorUsingColorSpaceName(NSCalibratedRGBColorSpace);
+    if (!rgb)
+        return 255;
+    const auto channel
+        = [](float component) { return std::uint32_t(std::int32_t(VXRRound(component * 255.0f))); };
+    return channel(rgb->redComponent()) << 24 | channel(rgb->greenComponent()) << 16
+        | channel(rgb->blueComponent()) << 8 | 255;
+}
+
+} // namespace vxr
