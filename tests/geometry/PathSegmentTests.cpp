@@ -206,6 +206,22 @@ TEST(Areas, HolesStayHoles)
         uniteWithBezierPath(*ring, *Path::pathWithRect({ 90, 0, 30, 30 }))->containsPoint({ 50, 50 }));
 }
 
+TEST(Areas, LargerThanAnyPageKeepTheirShape)
+{
+    const float m = 1e6f;
+    const auto disc = Path::pathWithOvalInRect({ 0, 0, 100 * m, 100 * m });
+    const auto ring = excludeBezierPath(*disc, *Path::pathWithOvalInRect({ 25 * m, 25 * m, 50 * m, 50 * m }));
+    EXPECT_FALSE(ring->containsPoint({ 50 * m, 50 * m }));
+    EXPECT_TRUE(ring->containsPoint({ 10 * m, 50 * m }));
+    EXPECT_NEAR(ring->bounds().size.width / m, 100, 0.01);
+    disc->setLineWidth(10 * m);
+    disc->setLineJoin(LineJoin::Round);
+    const auto outline = outlineStroke(*disc);
+    EXPECT_NEAR(outline->bounds().size.width / m, 110, 0.1);
+    EXPECT_FALSE(outline->containsPoint({ 50 * m, 6 * m }));
+    EXPECT_TRUE(outline->containsPoint({ 50 * m, 4 * m }));
+}
+
 TEST(Wobble, StaysWithinTheDistanceAndRepeatsForASeed)
 {
     Path path = pathOf("M 0 0 L 100 0 C 150 0 200 50 200 100 L 0 100 Z M 300 0 L 400 0");

@@ -129,7 +129,7 @@ void PathStroker::turn(Vec2 p, Vec2 direction, Turn kind)
         // The tip is 1 / sin(half the angle between the lines) half widths away, and sin^2 is (1 + cosine)
         // / 2.
         const double limit = mStyle.miterLimit;
-        if (limit * limit * (1 + cosine) >= 2)
+        if (limit > 0 && limit * limit * (1 + cosine) >= 2)
             outer.push_back(p + (before + after) * (1 / (1 + cosine)));
     }
     (toLeft ? mLeft : mRight).push_back(p);
