@@ -62,8 +62,8 @@ private:
             const double offset = 3 * std::max(std::abs(cross(a, chord)), std::abs(cross(b, chord)));
             return offset * offset <= limit * squared;
         }
-        // Otherwise compare with the chord run through evenly: the largest distance is at most a quarter of
-        // these.
+        // Otherwise compare with the chord run through evenly: no point is further from it than a quarter
+        // of these.
         const Vec2 u = c.control1 * 3 - c.start * 2 - c.end, v = c.control2 * 3 - c.end * 2 - c.start;
         return std::max(u.x * u.x, v.x * v.x) + std::max(u.y * u.y, v.y * v.y) <= limit;
     }

@@ -126,8 +126,8 @@ void PathStroker::turn(Vec2 p, Vec2 direction, Turn kind)
         const double angle = std::atan2(std::abs(sine), cosine);
         addArc(outer, p, before, toLeft ? angle : -angle);
     } else if (mStyle.join == LineJoin::Miter) {
-        // The tip is 1 / sin(half the angle between the lines) half widths away, and sin^2 is (1 + cosine)
-        // / 2.
+        // The tip stands 1 / sin(half the angle between the lines) half widths away; the square of that
+        // sine is (1 + cosine) / 2.
         const double limit = mStyle.miterLimit;
         if (limit > 0 && limit * limit * (1 + cosine) >= 2)
             outer.push_back(p + (before + after) * (1 / (1 + cosine)));
