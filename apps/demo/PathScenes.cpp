@@ -13,7 +13,7 @@ Path pentagram(Point center, float radius)
 {
     Path path;
     for (int i = 0; i < 5; ++i) {
-        const float angle = static_cast<float>(i) * 2 * 2.5132742f - 1.5707964f;
+        const float angle = static_cast<float>(i) * 2.5132742f - 1.5707964f;
         const Point p { center.x + radius * std::cos(angle), center.y + radius * std::sin(angle) };
         i == 0 ? path.moveTo(p) : path.lineTo(p);
     }
