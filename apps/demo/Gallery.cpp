@@ -28,6 +28,16 @@ void writePNG(const Scene& scene, const std::string& path)
         throw GenericException(reason);
 }
 
+void writePDF(const Scene& scene, const std::string& path)
+{
+    const auto document = PDFContext::createWithFile(path);
+    document->beginPage(
+        { .media = { { 0, 0 }, scene.size }, .crop = {}, .bleed = {}, .trim = {}, .art = {} });
+    drawScene(scene, document, false);
+    document->endPage();
+    document->close();
+}
+
 void writeIndex(const std::string& path)
 {
     std::ofstream page(path);
@@ -38,7 +48,7 @@ void writeIndex(const std::string& path)
     for (const Scene& scene : scenes())
         page << "<figure><img src=\"" << scene.name << ".png\" width=\"" << scene.size.width << "\" height=\""
              << scene.size.height << "\" alt=\"" << scene.name << "\"><figcaption>" << scene.title
-             << "</figcaption></figure>\n";
+             << " <a href=\"" << scene.name << ".pdf\">PDF</a></figcaption></figure>\n";
     page << "</body></html>\n";
     if (!page.flush())
         throw GenericException(path + ": can't be written");
@@ -54,6 +64,7 @@ int writeGallery(const std::string& folder)
         throw GenericException(folder + ": " + problem.message());
     for (const Scene& scene : scenes()) {
         writePNG(scene, folder + "/" + scene.name + ".png");
+        writePDF(scene, folder + "/" + scene.name + ".pdf");
     }
     writeIndex(folder + "/index.html");
     return static_cast<int>(scenes().size());

@@ -1,0 +1,6 @@
+file(READ "${README}" readme)
+file(READ "${PROGRAM}" program)
+string(FIND "${readme}" "${program}" place)
+if(place EQUAL -1)
+  message(FATAL_ERROR "${README} does not show ${PROGRAM} as it is")
+endif()
