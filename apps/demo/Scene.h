@@ -36,5 +36,6 @@ void drawScene(const Scene& scene, const std::shared_ptr<Context>& context, bool
 
 // One function a subject; `scenes()` puts their results in a row.
 std::vector<Scene> pathScenes();
+std::vector<Scene> gradientScenes();
 
 } // namespace vxr::demo

@@ -320,6 +320,37 @@ restore
         HasSubstr("concat 1 0 0 1 35 35\nconcat 0.25 0 0 0.25 0 0\ndraw-shading radial 0 0 0 to 0 0 100 ["));
 }
 
+TEST(GradientPDF, ShadingsStayVectorsAndKeepTheirSteps)
+{
+    std::string document;
+    const auto pdf = PDFContext::createWithWriter([&](const unsigned char* data, std::size_t size) {
+        document.append(reinterpret_cast<const char*>(data), size);
+        return true;
+    });
+    pdf->beginPage({ { 0, 0, 200, 100 }, {}, {}, {}, {} });
+    {
+        const CurrentContextScope scope(*pdf, false, false);
+        const auto linear
+            = VXRTransformGradient::linearGradientWithStartColorEndColor(rgb(1, 0, 0), rgb(0, 0, 1));
+        linear->insertGradientStop(stop(rgb(0, 1, 0), 0.5f));
+        linear->insertGradientStop(stop(rgb(1, 1, 0), 0.5f));
+        linear->setEndPoint({ 100, 0 });
+        linear->paintRect({ 0, 0, 100, 100 });
+        const auto radial
+            = VXRTransformGradient::radialGradientWithStartColorEndColor(rgb(1, 1, 1), rgb(0, 0, 0));
+        radial->setStartPoint({ 150, 50 });
+        radial->setEndPoint({ 200, 50 });
+        radial->paintRect({ 100, 0, 100, 100 });
+    }
+    pdf->endPage();
+    pdf->close();
+    EXPECT_THAT(document, HasSubstr("/ShadingType 2"));
+    EXPECT_THAT(document, HasSubstr("/ShadingType 3"));
+    EXPECT_THAT(document, Not(HasSubstr("/Subtype /Image")));
+    // Three pieces stitched at the step, so two bounds at one place.
+    EXPECT_THAT(document, HasSubstr("/Bounds [ 0.5 0.5 ]"));
+}
+
 TEST(GradientRamps, AreDrawnFromTheirKeptFormInOneImageDraw)
 {
     const auto gradient = redToBlue(0.7f);
