@@ -304,3 +304,23 @@ TEST(Path, AMillionElementsAreWalkedInLinearTime)
     path.transformUsingAffineTransform(AffineTransform::makeScale(1e30f, 1e30f));
     EXPECT_LE(path.bezierPathByFlatteningPath()->elementCount(), (std::size_t(1) << 24) + 8 * count);
 }
+
+TEST(Path, ACloseBeforeAnyPointDrawsNothingAndStandsAlone)
+{
+    Path path;
+    path.close();
+    path.close();
+    EXPECT_EQ(path.description(), "Path [Z]");
+    EXPECT_FALSE(path.hasCurrentPoint());
+    EXPECT_EQ(path.currentPoint(), Point());
+    EXPECT_EQ(path.bounds(), Rect());
+    EXPECT_FALSE(path.containsPoint({ 0, 0 }));
+    EXPECT_TRUE(path.strokedOutline(LineStyle {}, 0.1f)->isEmpty());
+
+    Path longer;
+    longer.moveTo({ 5, 6 });
+    longer.appendPath(path);
+    EXPECT_EQ(longer.description(), "Path [M5 6]");
+    path.appendPath(longer);
+    EXPECT_EQ(path.description(), "Path [M5 6]");
+}

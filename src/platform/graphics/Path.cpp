@@ -34,6 +34,8 @@ std::shared_ptr<Path> Path::copy() const { return std::make_shared<Path>(*this);
 
 void Path::append(PathElementKind kind, std::initializer_list<Point> points)
 {
+    if (!hasCurrentPoint())
+        removeAllPoints();
     if (mKinds.size() % indexStride == 0)
         mPointIndex.push_back(mPoints.size());
     mKinds.push_back(kind);
@@ -48,7 +50,7 @@ void Path::moveTo(Point p)
 
 void Path::lineTo(Point p)
 {
-    if (isEmpty())
+    if (!hasCurrentPoint())
         moveTo(p);
     else
         append(PathElementKind::LineTo, { p });
@@ -56,14 +58,15 @@ void Path::lineTo(Point p)
 
 void Path::curveTo(Point control1, Point control2, Point end)
 {
-    if (isEmpty())
+    if (!hasCurrentPoint())
         moveTo(control1);
     append(PathElementKind::CurveTo, { control1, control2, end });
 }
 
 void Path::close()
 {
-    if (!isEmpty())
+    // A close before any point stands only until something else comes.
+    if (isEmpty() || hasCurrentPoint())
         append(PathElementKind::Close, {});
 }
 
@@ -95,8 +98,10 @@ void Path::appendOvalInRect(const Rect& rect)
 
 void Path::appendPath(const Path& other)
 {
-    if (other.isEmpty())
+    if (!other.hasCurrentPoint())
         return;
+    if (!hasCurrentPoint())
+        removeAllPoints();
     const std::size_t start = mPoints.size();
     const std::size_t elements = other.mKinds.size(), points = other.mPoints.size();
     mSubpathStart = start + other.mSubpathStart;
@@ -142,7 +147,7 @@ PathElement Path::elementAtIndex(std::size_t index) const
 
 Point Path::currentPoint() const
 {
-    if (isEmpty())
+    if (!hasCurrentPoint())
         return {};
     return mKinds.back() == PathElementKind::Close ? mPoints[mSubpathStart] : mPoints.back();
 }

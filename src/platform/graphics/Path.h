@@ -61,7 +61,9 @@ public:
     void moveTo(Point);
     void lineTo(Point);
     void curveTo(Point control1, Point control2, Point end);
-    void close(); ///< does nothing on an empty path; a line or curve that follows continues from the start
+    /// A line or curve that follows continues from the start. On an empty path the close draws nothing and
+    /// is kept until something else comes.
+    void close();
     void appendRect(const Rect&); ///< counter-clockwise in y-up terms from the origin, closed
     void appendOvalInRect(const Rect&); ///< four curves from the middle of the right side, closed
     void appendPath(const Path&); ///< the elements only; `*this` is allowed
@@ -71,12 +73,12 @@ public:
     // Elements.
     bool isEmpty() const { return mKinds.empty(); }
     std::size_t elementCount() const { return mKinds.size(); }
-    /// In constant time. The first element of a path is always a move.
+    /// In constant time. The first element is always a move, or a close that stands alone.
     PathElement elementAtIndex(std::size_t index) const;
     std::span<const PathElementKind> kinds() const { return mKinds; }
     std::span<const Point> points() const { return mPoints; } ///< all points in element order
-    /// Where the pen stands; the sub-path's start after a close. None for an empty path.
-    bool hasCurrentPoint() const { return !mKinds.empty(); }
+    /// Where the pen stands; the sub-path's start after a close. None without any point.
+    bool hasCurrentPoint() const { return !mPoints.empty(); }
     Point currentPoint() const;
 
     // Geometry.
