@@ -1,0 +1,151 @@
+#include <tests/renderables/ModelFakes.h>
+#include <vxr/fills/VXRShadow.h>
+#include <vxr/geometry/Color.h>
+#include <vxr/platform/graphics/CairoContext.h>
+#include <vxr/platform/graphics/GraphicsContext.h>
+#include <vxr/renderables/VXRLineEnd.h>
+#include <vxr/renderables/VXRShape.h>
+#include <vxr/strokes/VXRStroke.h>
+#include <vxr/strokes/VXRStrokePattern.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <random>
+
+// Whatever a shape is made of, it paints within its erasable bounds.
+
+using namespace vxr;
+using namespace vxr::test;
+
+namespace {
+
+constexpr int side = 240;
+
+/// Random shapes in the middle of a square of `side`.
+class ShapeMaker {
+public:
+    explicit ShapeMaker(unsigned seed)
+        : mRandom(seed)
+    {
+    }
+
+    std::shared_ptr<VXRShape> make()
+    {
+        auto shape = VXRShape::shapeWithBezierPath(path());
+        shape->setFill(chance(2) ? Color::colorWithCalibratedRGB(1, 0, 0) : nullptr);
+        shape->setStroke(chance(5) ? nullptr : stroke());
+        shape->setWantsInteriorStroke(chance(5));
+        if (chance(2))
+            shape->setHeadLineEnd(lineEnd());
+        if (chance(2))
+            shape->setTailLineEnd(lineEnd());
+        if (chance(3)) {
+            // Whole angles of 90 degrees and a whole distance: a bitmap moves its shadow by whole pixels.
+            shape->setShadow(VXRShadow::shadowWithAngleOffsetRadiusOpacityColor(
+                90 * below(4), below(15), static_cast<int>(below(12)), 1, Color::blackColor()));
+        }
+        if (chance(2))
+            shape->setOpacity(0.6f);
+        shape->rotateByRadiansPivot(between(-4, 4), { 0, 0 });
+        shape->scaleXByYByPivot(between(-1.2f, 1.2f), between(0.2f, 1.2f), { 0, 0 });
+        const Point center = shape->center();
+        shape->offsetBy(side / 2 - center.x + between(-1, 1), side / 2 - center.y + between(-1, 1));
+        return shape;
+    }
+
+private:
+    bool chance(int outOf) { return below(outOf) == 0; }
+    float below(int limit) { return static_cast<float>(mRandom() % static_cast<unsigned>(limit)); }
+    float between(float a, float b) { return a + (b - a) * static_cast<float>(mRandom()) / 4294967296.0f; }
+    Point point() { return { between(0, 70), between(0, 70) }; }
+
+    std::shared_ptr<Path> path()
+    {
+        if (chance(8))
+            return Path::pathWithOvalInRect({ 0, 0, between(1, 70), between(1, 70) });
+        auto path = Path::path();
+        const int subpaths = chance(6) ? 2 : 1;
+        for (int k = 0; k < subpaths; ++k) {
+            path->moveTo(point());
+            for (float n = below(5) + 1; n > 0; --n) {
+                if (chance(3))
+                    path->curveTo(point(), point(), point());
+                else
+                    path->lineTo(point());
+            }
+            if (chance(3))
+                path->close();
+        }
+        return path;
+    }
+
+    std::shared_ptr<VXRStroke> stroke()
+    {
+        const float lengths[] = { between(0, 4), between(0.2f, 4), between(0, 4), between(0.2f, 4) };
+        auto pattern = chance(2) ? VXRStrokePattern::solidPattern()
+                                 : VXRStrokePattern::strokePatternWithPatternCountPhase(
+                                     lengths, chance(2) ? 2 : 4, between(-3, 3));
+        auto stroke = VXRStroke::strokeWithColorWidthCapJoinPattern(Color::blackColor(), between(0.1f, 18),
+            static_cast<int>(below(3)), static_cast<int>(below(3)), std::move(pattern));
+        stroke->setMiterLimit(between(1, 10));
+        return stroke;
+    }
+
+    std::shared_ptr<VXRLineEnd> lineEnd()
+    {
+        using Make = std::shared_ptr<VXRLineEnd> (*)();
+        static constexpr Make kinds[]
+            = { VXRLineEnd::simpleArrow, VXRLineEnd::openArrow, VXRLineEnd::filledArrow,
+                  VXRLineEnd::filledDiamond, VXRLineEnd::filledCircle, VXRLineEnd::filledSquare };
+        return kinds[mRandom() % 6]();
+    }
+
+    std::mt19937 mRandom;
+};
+
+/// The smallest rectangle of whole pixels around all that is not transparent, y down.
+Rect inkOf(const CairoContext& context)
+{
+    int left = side, right = -1, top = side, bottom = -1;
+    for (int y = 0; y < side; ++y) {
+        const std::uint32_t* row = context.pixels() + y * side;
+        for (int x = 0; x < side; ++x) {
+            if (row[x]) {
+                left = std::min(left, x), right = std::max(right, x);
+                top = std::min(top, y), bottom = y;
+            }
+        }
+    }
+    return right < 0 ? Rect {}
+                     : Rect(static_cast<float>(left), static_cast<float>(top),
+                         static_cast<float>(right - left + 1), static_cast<float>(bottom - top + 1));
+}
+
+} // namespace
+
+TEST(PaintedArea, LiesWithinTheErasableBounds)
+{
+    FakeCanvas canvas;
+    ShapeMaker maker(20);
+    int painted = 0;
+    for (int i = 0; i < 2000; ++i) {
+        const auto shape = maker.make();
+        shape->setCanvas(&canvas);
+        const auto context = CairoContext::createBitmap(side, side);
+        {
+            const CurrentContextScope scope(*context, true, true);
+            context->translate(0, side);
+            context->scale(1, -1);
+            shape->renderLayeredIntoContext(*context);
+        }
+        const Rect ink = inkOf(*context), allowed = integralRect(shape->erasableBounds());
+        painted += !ink.isEmpty();
+        EXPECT_TRUE(ink.isEmpty() || rectContainsRect(allowed, ink))
+            << "shape " << i << " paints " << ink << ", erases " << shape->erasableBounds() << "\n"
+            << text(*shape->transformedPath());
+        shape->setCanvas(nullptr);
+    }
+    EXPECT_GT(painted, 1500);
+}
