@@ -94,6 +94,12 @@ TEST(SvgDrawing, GroupsOnlyWhereOpacityOrClipIsShared)
     EXPECT_EQ(groupAt(drawing.nodes, 2).opacity, 0.5);
     EXPECT_EQ(groupAt(drawing.nodes, 2).children.size(), 2u);
     EXPECT_EQ(shapeCount(drawing.nodes), 4u);
+
+    // An opacity counts once, wherever it is kept.
+    const Drawing clipped = read("<clipPath id='c'><path d='M0 0H1V1Z'/></clipPath>"
+                                 "<path clip-path='url(#c)' opacity='.5' d='M0 0H1V1Z'/>");
+    EXPECT_EQ(groupAt(clipped.nodes, 0).opacity, 0.5);
+    EXPECT_EQ(shapeAt(groupAt(clipped.nodes, 0).children, 0).opacity, 1);
 }
 
 TEST(SvgDrawing, LeavesOutWhatIsNotDisplayedOrVisible)
@@ -114,6 +120,12 @@ TEST(SvgDrawing, ResolvesGradientsThroughTheirChain)
         "<stop offset='.1' style='stop-color:blue;stop-opacity:.5'/></linearGradient>"
         "<linearGradient id='b' href='#a' x2='.5' gradientTransform='scale(2)'/>"
         "<path fill='url(#b)' fill-opacity='.5' transform='scale(3)' d='M10 20H30V60H10Z'/>");
+    const Drawing nearer
+        = read("<linearGradient id='a'><stop stop-color='red'/><stop/></linearGradient>"
+               "<linearGradient id='b' href='#a'><stop stop-color='lime'/><stop/></linearGradient>"
+               "<path fill='url(#b)' d='M0 0H1V1Z'/>");
+    EXPECT_EQ(shapeAt(nearer.nodes, 0).fill.gradient->stops.at(0).color, *parseColor("lime"));
+
     const Paint& paint = shapeAt(drawing.nodes, 0).fill;
     ASSERT_EQ(paint.kind, Paint::Kind::Gradient);
     const Gradient& gradient = *paint.gradient;
@@ -190,6 +202,7 @@ TEST(SvgMarkers, StandOnVerticesAlongTheBisector)
         { "M0 0H10V10H0Z", { -45, 45, 135, -135, -45 } },
         { "M0 0A5 5 0 0 1 10 0", { -90, 90 } },
         { "M0 0C0 0 0 5 5 5", { 90, 0 } }, // the first control point is no help
+        { "M0 0l-9.397 3.42l-9.848-1.736", { 160, 175, -170 } }, // the short way round
         { "M0 0H5M0 10V20", { 0, 0, 90, 90 } },
     };
     for (const VertexCase& c : cases) {

@@ -34,6 +34,8 @@ const PathCase pathCases[] = {
         "M0 0 C0 -2.761 2.239 -5 5 -5 C7.761 -5 10 -2.761 10 0" },
     { "RadiiTooSmallAreGrown", "M0 0A1 1 0 0 1 10 0",
         "M0 0 C0 -2.761 2.239 -5 5 -5 C7.761 -5 10 -2.761 10 0" },
+    { "RadiiSlightlyTooSmall", "M0 0A4 4 0 0 1 10 0",
+        "M0 0 C0 -2.761 2.239 -5 5 -5 C7.761 -5 10 -2.761 10 0" },
     { "SpaceAndCommas", " M 1 , 2 \n L 3,4\t5 , 6 ", "M1 2 L3 4 L5 6" },
     { "Nothing", "", "" },
 };

@@ -216,6 +216,75 @@ Box Outline::bounds(const Matrix& matrix) const
     return box;
 }
 
+double Outline::signedArea() const
+{
+    double sum = 0;
+    Vec start, current;
+    const auto goTo = [&](Vec to) {
+        sum += current.x * to.y - to.x * current.y;
+        current = to;
+    };
+    std::size_t next = 0;
+    for (Verb verb : mVerbs) {
+        if (verb == Verb::Move) {
+            goTo(start);
+            start = current = mPoints[next++];
+        } else if (verb == Verb::Close) {
+            goTo(start);
+        } else {
+            next += verb == Verb::Cubic ? 2 : 0;
+            goTo(mPoints[next++]);
+        }
+    }
+    goTo(start);
+    return sum;
+}
+
+Outline Outline::reversed() const
+{
+    struct Segment {
+        Verb verb;
+        Vec from, control1, control2;
+    };
+    Outline result;
+    std::vector<Segment> run;
+    Vec start, current;
+    const auto finishRun = [&](bool closed) {
+        if (run.empty())
+            return;
+        result.moveTo(current);
+        for (auto segment = run.rbegin(); segment != run.rend(); ++segment) {
+            if (segment->verb == Verb::Cubic)
+                result.cubicTo(segment->control2, segment->control1, segment->from);
+            else
+                result.lineTo(segment->from);
+        }
+        if (closed)
+            result.close();
+        run.clear();
+    };
+    std::size_t next = 0;
+    for (Verb verb : mVerbs) {
+        if (verb == Verb::Move) {
+            finishRun(false);
+            start = current = mPoints[next++];
+        } else if (verb == Verb::Close) {
+            finishRun(true);
+            current = start;
+        } else {
+            Segment segment { verb, current, {}, {} };
+            if (verb == Verb::Cubic) {
+                segment.control1 = mPoints[next++];
+                segment.control2 = mPoints[next++];
+            }
+            current = mPoints[next++];
+            run.push_back(segment);
+        }
+    }
+    finishRun(false);
+    return result;
+}
+
 Outline Outline::transformed(const Matrix& matrix) const
 {
     Outline result = *this;

@@ -92,7 +92,11 @@ public:
 
     /// Tight bounds of the drawn segments after `matrix`: extremes of curves, not their control points.
     Box bounds(const Matrix& matrix = {}) const;
+    /// Twice the signed area of the polygon through all end points, sub-paths closed: tells which way
+    /// round an outline runs.
+    double signedArea() const;
     Outline transformed(const Matrix&) const;
+    Outline reversed() const; ///< each sub-path run through backwards
 
     static Outline rectangle(double x, double y, double width, double height, double rx, double ry);
     static Outline ellipse(Vec center, double rx, double ry);

@@ -1,0 +1,13 @@
+#pragma once
+
+#include "Options.h"
+
+namespace app {
+
+// Each returns the program's exit status.
+int runRender(const RenderOptions&);
+int runInspect(const InspectOptions&);
+int runGallery(const GalleryOptions&);
+int runReport(const ReportOptions&);
+
+} // namespace app

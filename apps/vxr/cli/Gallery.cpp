@@ -1,0 +1,113 @@
+#include "Commands.h"
+#include "Console.h"
+#include "OutputFile.h"
+
+#include <apps/demo/Scene.h>
+
+#include <vxr/platform/graphics/CairoContext.h>
+#include <vxr/platform/graphics/Image.h>
+
+#include <fmt/format.h>
+
+#include <cmath>
+#include <filesystem>
+#include <fstream>
+#include <stdexcept>
+
+namespace app {
+
+namespace {
+
+constexpr float pixelsPerPoint = 2;
+
+void writePNG(const vxr::demo::Scene& scene, const std::string& path)
+{
+    const auto side = [](float points) { return static_cast<int>(std::ceil(points * pixelsPerPoint)); };
+    const auto context = vxr::CairoContext::createBitmap(side(scene.size.width), side(scene.size.height));
+    context->setBaseTransform(vxr::AffineTransform::makeScale(pixelsPerPoint, pixelsPerPoint));
+    vxr::demo::drawScene(scene, context, true);
+    OutputFile file(path);
+    std::string reason;
+    if (!context->makeImage()->writePNG(file.temporaryPath(), &reason))
+        throw std::runtime_error(reason);
+    file.commit();
+}
+
+void writePDF(const vxr::demo::Scene& scene, const std::string& path)
+{
+    OutputFile file(path);
+    const auto context = vxr::PDFContext::createWithFile(file.temporaryPath());
+    vxr::PDFPageBoxes boxes;
+    boxes.media = { {}, scene.size };
+    context->beginPage(boxes);
+    vxr::demo::drawScene(scene, context, false);
+    context->endPage();
+    context->close();
+    file.commit();
+}
+
+std::string escaped(const std::string& text)
+{
+    std::string result;
+    for (char c : text) {
+        if (c == '&')
+            result += "&amp;";
+        else if (c == '<')
+            result += "&lt;";
+        else if (c == '"')
+            result += "&quot;";
+        else
+            result += c;
+    }
+    return result;
+}
+
+void writeIndex(const std::string& path)
+{
+    std::string page = R"(<!DOCTYPE html>
+<html lang="en"><head><meta charset="utf-8"><title>VXR gallery</title>
+<style>
+body { font: 16px/1.4 sans-serif; margin: 2em; background: #eee; color: #222 }
+figure { display: inline-block; margin: 1em; padding: 1em; background: #fff; vertical-align: top }
+figcaption { max-width: 30em; margin-top: .7em }
+</style></head>
+<body><h1>VXR gallery</h1>
+)";
+    for (const vxr::demo::Scene& scene : vxr::demo::scenes())
+        page += fmt::format("<figure><img src=\"{0}.png\" width=\"{1}\" height=\"{2}\" alt=\"{0}\">"
+                            "<figcaption>{3} <a href=\"{0}.pdf\">PDF</a></figcaption></figure>\n",
+            escaped(scene.name), scene.size.width, scene.size.height, escaped(scene.title));
+    page += "</body></html>\n";
+    OutputFile file(path);
+    std::ofstream out(file.temporaryPath(), std::ios::binary);
+    out << page;
+    out.close();
+    if (!out)
+        throw std::runtime_error("cannot be written");
+    file.commit();
+}
+
+} // namespace
+
+int runGallery(const GalleryOptions& options)
+{
+    const auto& scenes = vxr::demo::scenes();
+    Console console(scenes.size());
+    std::string path = options.folder;
+    try {
+        makeFolder(options.folder);
+        const std::filesystem::path folder(options.folder);
+        for (const vxr::demo::Scene& scene : scenes) {
+            console.startStep(scene.name);
+            writePNG(scene, path = (folder / (scene.name + ".png")).string());
+            writePDF(scene, path = (folder / (scene.name + ".pdf")).string());
+        }
+        writeIndex(path = (folder / "index.html").string());
+    } catch (const std::exception& error) {
+        console.error(path, 0, error.what());
+        return exitFailed;
+    }
+    return 0;
+}
+
+} // namespace app

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <apps/vxr/svg/CssColor.h>
+
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace app {
+
+/// By which of the library's roads a picture is made.
+enum class Road {
+    Direct, ///< each renderable draws into the picture
+    Compositor, ///< layers are blended into a window's backing store, which is the picture
+    NonScreen, ///< like Direct, but as printing and exporting draw
+};
+
+enum class Format { PNG, PDF };
+
+/// How large a picture becomes: scaled, or fitted to one side with the other in proportion.
+struct Sizing {
+    double scale = 1;
+    std::optional<int> width, height;
+
+    /// Pixels per unit of a drawing of that size.
+    double scaleFor(double drawingWidth, double drawingHeight) const;
+};
+
+struct RenderOptions {
+    std::vector<std::string> inputs;
+    std::string output;
+    bool toFolder = false; ///< `output` is a folder; else a file
+    Format format = Format::PNG;
+    Sizing sizing;
+    std::optional<svg::Rgba> background; ///< none for no background
+    Road road = Road::Direct;
+    bool blackAndWhite = false;
+    int tileSize = 0; ///< 0 for the library's own
+};
+
+struct InspectOptions {
+    std::string input;
+};
+
+struct GalleryOptions {
+    std::string folder;
+};
+
+struct ReportOptions {
+    std::vector<std::string> inputs;
+};
+
+/// What to do, or the exit status when there is nothing (left) to do.
+using Command = std::variant<int, RenderOptions, InspectOptions, GalleryOptions, ReportOptions>;
+
+inline constexpr int exitFailed = 1; ///< an input could not be used
+inline constexpr int exitUsage = 2; ///< the command line is wrong
+
+/// Prints help and complaints itself.
+Command parseCommandLine(int argc, const char* const* argv);
+
+} // namespace app

@@ -1,0 +1,135 @@
+#include "Commands.h"
+#include "Console.h"
+#include "OutputFile.h"
+
+#include <apps/vxr/render/Roads.h>
+
+#include <fmt/format.h>
+
+#include <cmath>
+#include <filesystem>
+#include <set>
+
+namespace app {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr int sideLimit = 32767;
+constexpr double pixelLimit = 256e6;
+
+/// Something is wrong with an output file rather than with the drawing.
+struct OutputError : std::runtime_error {
+    OutputError(std::string outputPath, const std::string& message)
+        : std::runtime_error(message)
+        , path(std::move(outputPath))
+    {
+    }
+    std::string path;
+};
+
+Page pageFor(const ImportedDrawing& drawing, const RenderOptions& options)
+{
+    double scale = options.sizing.scaleFor(drawing.size.width, drawing.size.height);
+    double width = drawing.size.width * scale;
+    double height = drawing.size.height * scale;
+    if (options.format == Format::PDF) {
+        // A drawing's unit is 1/96 inch, a PDF's 1/72.
+        scale *= 0.75;
+        width *= 0.75;
+        height *= 0.75;
+    }
+    const auto side = [](double length) { return std::max(1.0, std::round(length)); };
+    width = side(width);
+    height = side(height);
+    if (!(width <= sideLimit && height <= sideLimit && width * height <= pixelLimit))
+        throw std::runtime_error(fmt::format(
+            "the picture would be {:.0f} x {:.0f} pixels; {} a side and {:.0f} million in all is the most",
+            width, height, sideLimit, pixelLimit / 1e6));
+    return { drawing, static_cast<int>(width), static_cast<int>(height), static_cast<float>(scale),
+        options.background, options.blackAndWhite };
+}
+
+Picture drawPicture(const Page& page, Road road)
+{
+    if (road != Road::Compositor)
+        return drawDirect(page, road == Road::Direct);
+    CompositedPage composited(page);
+    composited.display();
+    return composited.picture();
+}
+
+void renderOne(
+    const std::string& input, const std::string& output, const RenderOptions& options, Console& console)
+{
+    const svg::Drawing drawing = svg::readDrawing(readWholeFile(input, svg::XmlLimits {}.bytes));
+    for (const svg::Warning& warning : drawing.warnings)
+        console.warning(input, warning);
+    const ImportedDrawing imported = importDrawing(drawing);
+    const Page page = pageFor(imported, options);
+    std::optional<Picture> picture;
+    if (options.format == Format::PNG)
+        picture = drawPicture(page, options.road);
+    try {
+        OutputFile file(output);
+        if (picture) {
+            std::string reason;
+            if (!picture->image()->writePNG(file.temporaryPath(), &reason))
+                throw std::runtime_error(reason);
+        } else {
+            drawPDF(page, *vxr::PDFContext::createWithFile(file.temporaryPath()));
+        }
+        file.commit();
+    } catch (const std::exception& error) {
+        throw OutputError(output, error.what());
+    }
+}
+
+} // namespace
+
+int runRender(const RenderOptions& options)
+{
+    Console console(options.inputs.size());
+    if (options.tileSize)
+        setTileSize(options.tileSize);
+    if (options.toFolder) {
+        try {
+            makeFolder(options.output);
+        } catch (const std::exception& error) {
+            console.error(options.output, 0, error.what());
+            return exitFailed;
+        }
+    }
+    int status = 0;
+    std::set<std::string> written;
+    for (const std::string& input : options.inputs) {
+        console.startStep(input);
+        try {
+            std::string output = options.output;
+            if (options.toFolder) {
+                const char* extension = options.format == Format::PDF ? ".pdf" : ".png";
+                output = (fs::path(output) / (fs::path(input).stem().string() + extension)).string();
+            }
+            if (!written.insert(output).second)
+                throw OutputError(
+                    output, "two of the drawings would have this name; " + input + " is left out");
+            renderOne(input, output, options, console);
+        } catch (const svg::DocumentError& error) {
+            console.error(input, error.line, error.what());
+            status = exitFailed;
+        } catch (const OutputError& error) {
+            console.error(error.path, 0, error.what());
+            status = exitFailed;
+        } catch (const std::bad_alloc&) {
+            console.error(input, 0, "there is not enough memory");
+            status = exitFailed;
+        } catch (const std::exception& error) {
+            console.error(input, 0, error.what());
+            status = exitFailed;
+        }
+    }
+    return status;
+}
+
+} // namespace app

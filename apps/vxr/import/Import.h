@@ -1,0 +1,24 @@
+#pragma once
+
+#include <apps/vxr/svg/Drawing.h>
+
+#include <vxr/renderables/VXRRenderable.h>
+
+#include <unordered_map>
+
+namespace app {
+
+/// A drawing as the model holds it. Canvas units are the drawing's user units.
+struct ImportedDrawing {
+    vxr::Size size;
+    std::vector<std::shared_ptr<vxr::VXRRenderable>> renderables; ///< back to front
+    /// Where each renderable, those in groups too, comes from: `path#id` and its line.
+    std::unordered_map<const vxr::VXRRenderable*, std::pair<std::string, int>> sources;
+    std::size_t shapeCount = 0;
+};
+
+/// One renderable a shape, drawn through its own fill and stroke; groups where an opacity or clip is
+/// shared.
+ImportedDrawing importDrawing(const svg::Drawing&);
+
+} // namespace app

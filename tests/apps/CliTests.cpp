@@ -1,0 +1,286 @@
+#include <gmock/gmock.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+// The built program as its user meets it: arguments in; files, messages and exit status out.
+
+namespace {
+
+namespace fs = std::filesystem;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::StartsWith;
+
+struct Result {
+    int status = -1;
+    std::string out, err;
+};
+
+class CommandLine : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        std::string pattern = (fs::temp_directory_path() / "vxr-cli-XXXXXX").string();
+        ASSERT_TRUE(mkdtemp(pattern.data()));
+        mFolder = pattern;
+        write("good.svg",
+            "<svg xmlns='http://www.w3.org/2000/svg' viewBox='0 0 40 20'>"
+            "<path id='p' fill='red' d='M0 0H20V20H0Z'/></svg>");
+        write("bad.svg", "<svg xmlns='http://www.w3.org/2000/svg'>\n<g>\n</svg>");
+    }
+    void TearDown() override { fs::remove_all(mFolder); }
+
+    void write(const std::string& name, const std::string& text) { std::ofstream(mFolder / name) << text; }
+    std::string read(const std::string& name) const
+    {
+        std::ifstream file(mFolder / name, std::ios::binary);
+        return { std::istreambuf_iterator<char>(file), {} };
+    }
+
+    /// Runs `vxr ARGUMENTS` by a shell in the test's folder.
+    Result vxr(const std::string& arguments)
+    {
+        const std::string command
+            = "cd '" + mFolder.string() + "' && '" VXR_PROGRAM "' " + arguments + " >.out 2>.err";
+        const int status = std::system(command.c_str());
+        Result result { WIFEXITED(status) ? WEXITSTATUS(status) : -1, read(".out"), read(".err") };
+        fs::remove(mFolder / ".out");
+        fs::remove(mFolder / ".err");
+        return result;
+    }
+
+    /// All files, sorted, the given drawings left out.
+    std::vector<std::string> files() const
+    {
+        std::vector<std::string> names;
+        for (const auto& entry : fs::recursive_directory_iterator(mFolder)) {
+            if (entry.is_regular_file() && entry.path().extension() != ".svg")
+                names.push_back(fs::relative(entry.path(), mFolder).string());
+        }
+        std::sort(names.begin(), names.end());
+        return names;
+    }
+
+    /// Width and height from a PNG's header.
+    std::pair<int, int> sizeOfPNG(const std::string& name) const
+    {
+        const std::string bytes = read(name);
+        if (bytes.size() < 24 || bytes.substr(1, 3) != "PNG")
+            return {};
+        const auto number = [&](std::size_t at) {
+            int value = 0;
+            for (std::size_t i = 0; i < 4; ++i)
+                value = value * 256 + static_cast<unsigned char>(bytes[at + i]);
+            return value;
+        };
+        return { number(16), number(20) };
+    }
+
+    fs::path mFolder;
+};
+
+TEST_F(CommandLine, RendersOneDrawingToAFile)
+{
+    const Result png = vxr("render good.svg -o out.png");
+    EXPECT_EQ(png.status, 0) << png.err;
+    EXPECT_EQ(png.out + png.err, "");
+    EXPECT_EQ(sizeOfPNG("out.png"), std::pair(40, 20));
+    EXPECT_EQ(vxr("render good.svg -o out.pdf").status, 0);
+    EXPECT_THAT(read("out.pdf"), StartsWith("%PDF-"));
+    EXPECT_THAT(files(), ElementsAre("out.pdf", "out.png"));
+    struct stat info { };
+    stat((mFolder / "out.png").c_str(), &info);
+    const mode_t mask = umask(0);
+    umask(mask);
+    EXPECT_EQ(info.st_mode & 0777, 0666 & ~mask);
+}
+
+struct SizeCase {
+    const char* options;
+    std::pair<int, int> size;
+};
+
+TEST_F(CommandLine, SizesPictures)
+{
+    for (const auto& [options, size] :
+        { SizeCase { "--scale 2", { 80, 40 } }, SizeCase { "--width 100", { 100, 50 } },
+            SizeCase { "--height 100", { 200, 100 } }, SizeCase { "--scale 0.01", { 1, 1 } },
+            SizeCase { "--width 33 --road nonscreen", { 33, 17 } } }) {
+        EXPECT_EQ(vxr(std::string("render good.svg -o out.png ") + options).status, 0) << options;
+        EXPECT_EQ(sizeOfPNG("out.png"), size) << options;
+    }
+    const Result huge = vxr("render good.svg -o huge.png --scale 1000");
+    EXPECT_EQ(huge.status, 1);
+    EXPECT_THAT(huge.err, HasSubstr("good.svg: error: the picture would be 40000 x 20000 pixels"));
+    EXPECT_FALSE(fs::exists(mFolder / "huge.png"));
+}
+
+TEST_F(CommandLine, RendersSeveralDrawingsIntoAFolder)
+{
+    write("other.svg", read("good.svg"));
+    const Result pngs = vxr("render good.svg other.svg -o made/here");
+    EXPECT_EQ(pngs.status, 0) << pngs.err;
+    EXPECT_THAT(files(), ElementsAre("made/here/good.png", "made/here/other.png"));
+    EXPECT_EQ(vxr("render good.svg -o made/here --format pdf").status, 0);
+    EXPECT_TRUE(fs::exists(mFolder / "made/here/good.pdf"));
+}
+
+TEST_F(CommandLine, ABadDrawingCostsOnlyItself)
+{
+    fs::create_directory(mFolder / "folder.svg");
+    const Result result = vxr("render missing.svg bad.svg folder.svg good.svg -o out");
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.err, HasSubstr("missing.svg: error: No such file or directory\n"));
+    EXPECT_THAT(result.err, HasSubstr("bad.svg:3: error: "));
+    EXPECT_THAT(result.err, HasSubstr("folder.svg: error: Is a directory\n"));
+    EXPECT_THAT(files(), ElementsAre("out/good.png"));
+}
+
+TEST_F(CommandLine, LeavesNoPartialFileAndKeepsTheOldOne)
+{
+    write("kept.png", "what was here before");
+    EXPECT_EQ(vxr("render bad.svg -o kept.png").status, 1);
+    EXPECT_EQ(read("kept.png"), "what was here before");
+    // The disk is full after a few bytes: the limit on file sizes stands in for it.
+    const Result full = vxr("render good.svg -o full.pdf 2>.err; true");
+    fs::remove(mFolder / "full.pdf");
+    const std::string command = "cd '" + mFolder.string()
+        + "' && trap '' XFSZ && ulimit -f 0 && '" VXR_PROGRAM "' render good.svg -o full.pdf 2>/dev/null";
+    EXPECT_EQ(WEXITSTATUS(std::system(command.c_str())), 1);
+    EXPECT_THAT(files(), ElementsAre("kept.png"));
+
+    const Result nowhere = vxr("render good.svg -o no/such/folder/out.png");
+    EXPECT_EQ(nowhere.status, 1);
+    EXPECT_THAT(nowhere.err, HasSubstr("no/such/folder/out.png: error: No such file or directory"));
+}
+
+TEST_F(CommandLine, NamesOfTwoDrawingsMayNotMeet)
+{
+    fs::create_directory(mFolder / "sub");
+    fs::copy(mFolder / "good.svg", mFolder / "sub/good.svg");
+    const Result result = vxr("render good.svg sub/good.svg -o out");
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(
+        result.err, HasSubstr("out/good.png: error: two of the drawings would have this name; sub/good.svg"));
+    EXPECT_THAT(files(), ElementsAre("out/good.png"));
+}
+
+TEST_F(CommandLine, WarnsWithFileAndLine)
+{
+    write("warn.svg",
+        "<svg xmlns='http://www.w3.org/2000/svg' viewBox='0 0 9 9'>\n<text>a</text>\n"
+        "<path d='M0 0L9'/></svg>");
+    const Result result = vxr("render warn.svg -o out.png");
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.err,
+        "warn.svg:2: warning: text is not drawn\nwarn.svg:3: warning: the path is drawn up to the error at "
+        "'9'\n");
+    EXPECT_THAT(files(), ElementsAre("out.png"));
+}
+
+TEST_F(CommandLine, RefusesWrongOnes)
+{
+    const char* const cases[] = {
+        "",
+        "draw good.svg",
+        "render",
+        "render good.svg",
+        "render -o out.png",
+        "render good.svg -o out.jpg",
+        "render good.svg bad.svg -o out.png",
+        "render good.svg -o out.png --scale 0",
+        "render good.svg -o out.png --scale 2 --width 10",
+        "render good.svg -o out.png --width 10 --height 10",
+        "render good.svg -o out.png --width ten",
+        "render good.svg -o out.png --background reddish",
+        "render good.svg -o out.png --road fast",
+        "render good.svg -o out.pdf --road direct",
+        "render good.svg -o out.png --road compositor --background none",
+        "render good.svg -o out.png --road compositor --background '#ff08'",
+        "render good.svg -o out.png --tile-size 256",
+        "render good.svg -o out.png --road compositor --tile-size 4096",
+        "render good.svg -o out.png --format pdf",
+        "render good.svg -o out.png --sparkle",
+        "inspect",
+        "inspect good.svg bad.svg",
+        "gallery here there",
+        "report",
+    };
+    for (const char* arguments : cases) {
+        const Result result = vxr(arguments);
+        EXPECT_EQ(result.status, 2) << arguments;
+        EXPECT_THAT(result.err, StartsWith("vxr: ")) << arguments;
+        EXPECT_THAT(result.err, HasSubstr("--help")) << arguments;
+        EXPECT_THAT(files(), IsEmpty()) << arguments;
+    }
+}
+
+TEST_F(CommandLine, HelpsOnStandardOutput)
+{
+    const Result whole = vxr("--help");
+    EXPECT_EQ(whole.status, 0);
+    EXPECT_EQ(whole.err, "");
+    for (const char* word : { "render", "inspect", "gallery" })
+        EXPECT_THAT(whole.out, HasSubstr(word));
+    EXPECT_THAT(whole.out, Not(HasSubstr("report")));
+    const Result render = vxr("render --help");
+    EXPECT_EQ(render.status, 0);
+    for (const char* option : { "--scale", "--width", "--height", "--background", "--road",
+             "--black-and-white", "--tile-size", "--format", "--output", "Exit status" })
+        EXPECT_THAT(render.out, HasSubstr(option));
+}
+
+TEST_F(CommandLine, InspectShowsTheTree)
+{
+    write("tree.svg",
+        "<svg xmlns='http://www.w3.org/2000/svg' viewBox='0 0 40 20'>\n"
+        "<g id='pair' opacity='.5'>\n<path id='p' fill='red' d='M0 0H20V20H0Z'/>\n"
+        "<rect transform='translate(5 6)' width='4' height='3' fill='none' stroke='#00f8' "
+        "stroke-width='2' stroke-dasharray='4 2'/>\n</g></svg>");
+    const Result result = vxr("inspect tree.svg");
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_EQ(result.out,
+        "tree.svg: 40 x 20, 2 shapes\n"
+        "  group g#pair, line 2\n"
+        "    bounds (0, 0) 20 x 20\n"
+        "    opacity 0.5\n"
+        "    shape path#p, line 3\n"
+        "      bounds (0, 0) 20 x 20\n"
+        "      path of 5 elements, nonzero\n"
+        "      fill #ff0000\n"
+        "    shape rect, line 4\n"
+        "      bounds (4, 5) 6 x 5\n"
+        "      transform [1 0 0 1 5 6]\n"
+        "      path of 5 elements, nonzero\n"
+        "      stroke #0000ff alpha 0.533333, 2 wide, butt caps, miter joins, dashes 4 2\n");
+    const Result bad = vxr("inspect bad.svg");
+    EXPECT_EQ(bad.status, 1);
+    EXPECT_EQ(bad.out, "");
+    EXPECT_THAT(bad.err, StartsWith("bad.svg:3: error: "));
+}
+
+TEST_F(CommandLine, GalleryShowsEveryPictureItWrites)
+{
+    const Result result = vxr("gallery -o scenes");
+    ASSERT_EQ(result.status, 0) << result.err;
+    const std::string page = read("scenes/index.html");
+    std::size_t pictures = 0;
+    for (const std::string& file : files()) {
+        if (file == "scenes/index.html")
+            continue;
+        EXPECT_THAT(page, HasSubstr("\"" + fs::path(file).filename().string() + "\"")) << file;
+        ++pictures;
+    }
+    EXPECT_GT(pictures, 0u);
+    EXPECT_EQ(pictures % 2, 0u); // each as PNG and as PDF
+}
+
+} // namespace
