@@ -22,6 +22,9 @@ void requireSides(int width, int height)
         throw InvalidArgumentException("A bitmap's sides lie between 1 and 32767.");
 }
 
+/// Within [0, 1]; 0 for what is not a number.
+float unit(float alpha) { return alpha > 0 ? std::min(alpha, 1.0f) : 0; }
+
 CairoSurfacePtr requireMemory(cairo_surface_t* surface)
 {
     CairoSurfacePtr owned(surface);
@@ -160,12 +163,12 @@ void CairoContext::setStrokeColor(const ColorValue& color)
 
 void CairoContext::setFillPattern(std::shared_ptr<const Pattern> pattern, float alpha)
 {
-    mImpl->state.fill = { { 0, 0, 0, alpha }, std::move(pattern) };
+    mImpl->state.fill = { { 0, 0, 0, unit(alpha) }, std::move(pattern) };
 }
 
 void CairoContext::setStrokePattern(std::shared_ptr<const Pattern> pattern, float alpha)
 {
-    mImpl->state.stroke = { { 0, 0, 0, alpha }, std::move(pattern) };
+    mImpl->state.stroke = { { 0, 0, 0, unit(alpha) }, std::move(pattern) };
 }
 
 const LineStyle& CairoContext::lineStyle() const { return mImpl->state.line; }
@@ -179,16 +182,16 @@ void CairoContext::setFlatness(float devicePixels)
     mImpl->state.flatness = devicePixels > 0 ? devicePixels : Path::defaultFlatness;
 }
 
-void CairoContext::setAlpha(float alpha) { mImpl->state.alpha = alpha > 0 ? std::min(alpha, 1.0f) : 0; }
+void CairoContext::setAlpha(float alpha) { mImpl->state.alpha = unit(alpha); }
 
 void CairoContext::setCompositeOperation(CompositeOperation operation) { mImpl->state.operation = operation; }
 
 void CairoContext::setShouldAntialias(bool antialias) { mImpl->state.antialias = antialias; }
 
-void CairoContext::setInterpolationQualityRange(InterpolationQuality least, InterpolationQuality most)
+// The best that is allowed is always within reach.
+void CairoContext::setInterpolationQualityRange(InterpolationQuality, InterpolationQuality most)
 {
-    mImpl->state.leastQuality = least;
-    mImpl->state.mostQuality = most;
+    mImpl->state.quality = most;
 }
 
 void CairoContext::setShadow(Size offset, float blur, const ColorValue& color)

@@ -87,6 +87,13 @@ bool fitsEngine(std::span<const Point> points, const cairo_matrix_t& m, double r
     return x + reach < engineRange && y + reach < engineRange;
 }
 
+/// A larger limit makes no difference that could be seen: at 500 the corner is a quarter of a degree.
+float usableMiterLimit(const LineStyle& style)
+{
+    constexpr float largest = 500;
+    return style.miterLimit >= 1 ? std::min(style.miterLimit, largest) : 1;
+}
+
 } // namespace
 
 void CairoContext::Impl::appendArea(const Path& path)
@@ -119,7 +126,7 @@ void CairoContext::Impl::setLineStyle(const LineStyle& style)
     cairo_set_line_width(c, style.width);
     cairo_set_line_cap(c, caps[static_cast<int>(style.cap)]);
     cairo_set_line_join(c, joins[static_cast<int>(style.join)]);
-    cairo_set_miter_limit(c, style.miterLimit >= 1 ? style.miterLimit : 1);
+    cairo_set_miter_limit(c, usableMiterLimit(style));
     if (style.dash.empty() || !isDrawableDash(style)) {
         cairo_set_dash(c, nullptr, 0, 0);
         return;
@@ -133,9 +140,9 @@ void CairoContext::Impl::setLineStyle(const LineStyle& style)
 double CairoContext::Impl::strokeReach(const LineStyle& style) const
 {
     const double corner
-        = style.join == LineJoin::Miter ? std::max<double>(style.miterLimit, M_SQRT2) : M_SQRT2;
+        = style.join == LineJoin::Miter ? std::max<double>(usableMiterLimit(style), M_SQRT2) : M_SQRT2;
     const cairo_matrix_t& m = state.matrix;
-    return style.width * 0.5 * corner * std::hypot(std::hypot(m.xx, m.xy), std::hypot(m.yx, m.yy));
+    return style.width * 0.5 * corner * std::sqrt(m.xx * m.xx + m.xy * m.xy + m.yx * m.yx + m.yy * m.yy);
 }
 
 void CairoContext::Impl::clipToPath(const Path& path, WindingRule rule)

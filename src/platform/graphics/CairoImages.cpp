@@ -107,7 +107,7 @@ void CairoContext::Impl::drawImage(const Rect& rect, const Image& image)
     } else {
         cairo_set_source_surface(cr(), surface, 0, 0);
         cairo_pattern_set_filter(
-            cairo_get_source(cr()), exact ? CAIRO_FILTER_NEAREST : filterFor(state.mostQuality));
+            cairo_get_source(cr()), exact ? CAIRO_FILTER_NEAREST : filterFor(state.quality));
     }
     if (!onPaper) {
         // Nothing bleeds in from beside the image.

@@ -48,14 +48,17 @@ DeviceBox boundsOf(const cairo_matrix_t& matrix, double x0, double y0, double x1
     return bounds;
 }
 
-/// Draws one cell in the space of the cell at the origin. Its edge is not smoothed: of two cells side by
-/// side each has pixels of its own, and no seam shows.
+/// Draws one cell in the space of the cell at the origin. Where cells touch, their edges are not
+/// smoothed: each has pixels of its own, and no seam shows.
 void drawCell(CairoContext& context, const Pattern& pattern, Point offset)
 {
+    const Rect& cell = pattern.cell();
+    const bool apart
+        = std::abs(pattern.xStep()) > cell.size.width && std::abs(pattern.yStep()) > cell.size.height;
     StateSaver saved(context);
     context.translate(offset.x, offset.y);
-    context.setShouldAntialias(false);
-    context.clipToRect(pattern.cell());
+    context.setShouldAntialias(apart);
+    context.clipToRect(cell);
     context.setShouldAntialias(true);
     pattern.drawCell(context);
 }

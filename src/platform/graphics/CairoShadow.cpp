@@ -13,7 +13,8 @@ constexpr double finestOnPaper = 300.0 / 72;
 constexpr double samplesPerSigma = 3; ///< enough for a Gaussian's edge
 constexpr double maxSamples = 1 << 24;
 
-constexpr double farthestCaster = 8192; ///< device units beyond the clip; bounds the layer's surface
+constexpr double farthestCaster = 8192; ///< device units beyond the clip that still cast into it
+constexpr double maxLayerSide = 32767; ///< of an image
 
 /// A shadow's shape: an A8 surface with `resolution` samples a device unit that covers `box` of the
 /// device space of what casts it.
@@ -111,7 +112,10 @@ DeviceBox CairoContext::Impl::casterExtents() const
 {
     const DeviceShadow shadow = deviceShadow();
     const DeviceBox casters = state.clip.moved(-shadow.dx, -shadow.dy).grown(shadow.reach);
-    return intersection(united(state.clip, casters), state.clip.grown(farthestCaster)).roundedOut();
+    const DeviceBox clip = state.clip.roundedOut();
+    const double room = std::floor((maxLayerSide - std::max(clip.width(), clip.height())) / 2);
+    const DeviceBox around = clip.grown(std::clamp(room, 0.0, farthestCaster));
+    return intersection(united(clip, casters.roundedOut()), around);
 }
 
 void CairoContext::Impl::drawShadowOf(const CairoTarget& layer)

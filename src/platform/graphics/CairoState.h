@@ -38,8 +38,7 @@ struct CairoState {
     float alpha = 1;
     CompositeOperation operation = CompositeOperation::SourceOver;
     bool antialias = true;
-    InterpolationQuality leastQuality = InterpolationQuality::Default;
-    InterpolationQuality mostQuality = InterpolationQuality::Default;
+    InterpolationQuality quality = InterpolationQuality::Default;
     CairoShadowStyle shadow;
 
     bool castsShadow() const { return shadow.isVisible() && operation != CompositeOperation::Clear; }
