@@ -37,5 +37,6 @@ void drawScene(const Scene& scene, const std::shared_ptr<Context>& context, bool
 // One function a subject; `scenes()` puts their results in a row.
 std::vector<Scene> pathScenes();
 std::vector<Scene> gradientScenes();
+std::vector<Scene> textWrapScenes();
 
 } // namespace vxr::demo

@@ -1,11 +1,13 @@
 #include <vxr/textwrap/VXRTextWrap.h>
 
+#include <vxr/textwrap/PlainCrossings.h>
 #include <vxr/textwrap/WrapPolygon.h>
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
 #include <optional>
+#include <utility>
 
 namespace vxr {
 namespace {
@@ -16,7 +18,10 @@ public:
     WrapPolygon& polygonOf(const std::shared_ptr<const Path>& path)
     {
         if (mPath != path || !mPolygon) {
-            mPolygon.emplace(path ? *path : Path());
+            if (path)
+                mPolygon.emplace(*path);
+            else
+                mPolygon.emplace(Path());
             mPath = path;
         }
         return *mPolygon;
@@ -73,17 +78,54 @@ const gpc_polygon& near(WrapPolygon& polygon, const Rect& rect)
     return polygon.near(std::min(y, end), std::max(y, end));
 }
 
+/// The gaps between the boxes, which are sorted here.
+std::vector<Rect> piecesBetween(std::vector<Rect>& boxes, const Rect& line)
+{
+    std::sort(
+        boxes.begin(), boxes.end(), [](const Rect& a, const Rect& b) { return compareRects(a, b) < 0; });
+    const std::vector<Rect> spans = mergeRects(boxes);
+    if (spans.empty())
+        return { line };
+
+    std::vector<Rect> pieces;
+    pieces.reserve(spans.size() + 1);
+    const auto addPiece = [&](float from, float to) {
+        pieces.push_back({ from, line.origin.y, to - from, line.size.height });
+    };
+    if (spans.front().origin.x > line.origin.x)
+        addPiece(line.origin.x, spans.front().origin.x);
+    for (std::size_t i = 1; i < spans.size(); ++i)
+        addPiece(spans[i - 1].maxX(), spans[i].origin.x);
+    if (line.maxX() > spans.back().maxX())
+        addPiece(spans.back().maxX(), line.maxX());
+    return pieces;
+}
+
+/// Distance within which edges may meet on the clipper's grid, with much to spare.
+double clearanceOf(const WrapPolygon& polygon, const Rect& line)
+{
+    const double reach = std::max({ std::abs(line.minX()), std::abs(line.maxX()), std::abs(line.minY()),
+        std::abs(line.maxY()), float(polygon.extent()) });
+    return 1e-9 * reach;
+}
+
 std::vector<Rect> wrappedSubrects(const Rect& line, WrapPolygon& polygon, int type)
 {
+    static PlainCrossings crossings; // keeps its storage
+    const gpc_polygon& nearLine = near(polygon, line);
+    if (polygon.isFinite() && crossings.find(nearLine, line, clearanceOf(polygon, line))) {
+        std::vector<Rect> boxes;
+        crossings.appendBoxes(type != 0, boxes);
+        return piecesBetween(boxes, line);
+    }
     const RectPolygon linePolygon(line);
-    const Clipped result(type == 0 ? GPC_DIFF : GPC_INT, *linePolygon, near(polygon, line));
+    const Clipped result(type == 0 ? GPC_DIFF : GPC_INT, *linePolygon, nearLine);
     return wrappedSubrectsFromPolygon(&*result, line);
 }
 
-/// From the line's bottom to the first free area below it, or to the shape's end; 1 at least.
-int skipBelowLine(const Rect& line, const Path& path, const gpc_polygon& polygon)
+/// From the line's bottom to the first free area below it, or to the end of the shape's bounds; 1 at least.
+int skipBelowLine(const Rect& line, const Rect& bounds, const gpc_polygon& polygon)
 {
-    const Rect bounds = path.bounds();
     const float remaining = bounds.origin.y + bounds.size.height - line.origin.y;
     if (!(remaining > 0))
         return 1;
@@ -126,7 +168,8 @@ std::vector<Rect> VXRTextWrap::wrappedSubrectsForRectPathTypeSkipHint(
     static WrapCache cache;
     WrapPolygon& polygon = cache.polygonOf(path);
     std::vector<Rect> pieces = wrappedSubrects(line, polygon, type);
-    skipHint = pieces.empty() ? skipBelowLine(line, *path, polygon.whole()) : 1;
+    const Rect bounds = path ? path->bounds() : Rect();
+    skipHint = pieces.empty() ? skipBelowLine(line, bounds, polygon.whole()) : 1;
     return pieces;
 }
 
@@ -136,12 +179,15 @@ float VXRTextWrap::unobstructedSpanForPathStartingSpanContainerBounds(
     const float bottom = container.origin.y + container.size.height;
     const VXRPolygonOwner shape(polygonFromBezier(path));
     const RectPolygon column({ span.origin.x, span.origin.y, span.size.width, bottom - span.origin.y });
-    const Clipped obstacles(GPC_INT, *shape, *column);
+    VXRPolygonOwner clippedShape(emptyPolygon());
+    gpc_polygon_clip(GPC_INT, shape.get(), &*column, clippedShape.get());
+    WrapPolygon obstacles(std::move(clippedShape));
 
     float y = span.origin.y;
     for (int step = 0; step < maximumSpanSteps; ++step) {
-        const RectPolygon place({ span.origin.x, y, span.size.width, span.size.height });
-        const Clipped obstruction(GPC_INT, *place, *obstacles);
+        const Rect place(span.origin.x, y, span.size.width, span.size.height);
+        const RectPolygon placePolygon(place);
+        const Clipped obstruction(GPC_INT, *placePolygon, near(obstacles, place));
         if (obstruction->num_contours == 0)
             return y;
         Rect occupied;
@@ -163,26 +209,12 @@ std::vector<Rect> wrappedSubrectsFromPolygon(const gpc_polygon* polygon, const R
 {
     std::vector<Rect> boxes;
     boxes.reserve(std::size_t(polygon->num_contours));
-    for (int i = 0; i < polygon->num_contours; ++i)
-        boxes.push_back(boundsForVertexList(polygon->contour[i]));
-    std::sort(
-        boxes.begin(), boxes.end(), [](const Rect& a, const Rect& b) { return compareRects(a, b) < 0; });
-    const std::vector<Rect> spans = mergeRects(boxes);
-    if (spans.empty())
-        return { line };
-
-    std::vector<Rect> pieces;
-    pieces.reserve(spans.size() + 1);
-    const auto addPiece = [&](float from, float to) {
-        pieces.push_back({ from, line.origin.y, to - from, line.size.height });
-    };
-    if (spans.front().origin.x > line.origin.x)
-        addPiece(line.origin.x, spans.front().origin.x);
-    for (std::size_t i = 1; i < spans.size(); ++i)
-        addPiece(spans[i - 1].maxX(), spans[i].origin.x);
-    if (line.maxX() > spans.back().maxX())
-        addPiece(spans.back().maxX(), line.maxX());
-    return pieces;
+    for (int i = 0; i < polygon->num_contours; ++i) {
+        const Rect box = boundsForVertexList(polygon->contour[i]);
+        if (!std::isnan(box.origin.x)) // could not be put in order
+            boxes.push_back(box);
+    }
+    return piecesBetween(boxes, line);
 }
 
 std::vector<Rect> mergeRects(std::span<const Rect> sorted)

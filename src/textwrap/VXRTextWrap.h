@@ -16,7 +16,7 @@ namespace vxr {
 /// pieces inside the shape, other types those around it.
 class VXR_EXPORT VXRTextWrap {
 public:
-    /// The free pieces of `line` from left to right.
+    /// The free pieces of `line` from left to right. No path is an empty one.
     ///
     /// The last path is retained with its polygon, told by identity: a path changed in place
     /// after it was passed keeps its old polygon until another one has been passed.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace vxr {
 
@@ -38,7 +39,12 @@ private:
 };
 
 WrapPolygon::WrapPolygon(const Path& path)
-    : mPolygon(polygonFromBezier(path))
+    : WrapPolygon(VXRPolygonOwner(polygonFromBezier(path)))
+{
+}
+
+WrapPolygon::WrapPolygon(VXRPolygonOwner polygon)
+    : mPolygon(std::move(polygon))
 {
     indexBlocks();
 }
@@ -54,6 +60,7 @@ void WrapPolygon::indexBlocks()
             for (int k = first; k < std::min(first + blockSize, contour.num_vertices); ++k) {
                 const gpc_vertex& v = contour.vertex[k];
                 mIsFinite = mIsFinite && std::isfinite(v.x) && std::isfinite(v.y);
+                mExtent = std::max({ mExtent, std::abs(v.x), std::abs(v.y) });
                 block.low = std::min(block.low, v.y);
                 block.high = std::max(block.high, v.y);
             }
@@ -98,7 +105,8 @@ void WrapPolygon::appendNear(const gpc_vertex_list& contour, const Block* blocks
                 shortener.add(*v, sideOf(v->y, v->y));
         } else {
             shortener.add(*v, side);
-            shortener.add(end[-1], side);
+            if (end - v > 1)
+                shortener.add(end[-1], side);
         }
     }
     shortener.finishRun();

@@ -12,8 +12,12 @@ namespace vxr {
 class WrapPolygon {
 public:
     explicit WrapPolygon(const Path& path);
+    explicit WrapPolygon(VXRPolygonOwner polygon);
 
     const gpc_polygon& whole() const { return *mPolygon; }
+
+    bool isFinite() const { return mIsFinite; }
+    double extent() const { return mExtent; } ///< the largest coordinate, without its sign
 
     /// A set with the same inside as the whole for heights from `low` to `high`, and the same edges there.
     /// A run of vertices that stays beyond one of the two heights is replaced by its ends: the shortcut
@@ -37,6 +41,7 @@ private:
 
     VXRPolygonOwner mPolygon;
     bool mIsFinite = true;
+    double mExtent = 0;
     std::vector<Block> mBlocks; ///< height ranges of `blockSize` vertices each, contour after contour
     std::vector<gpc_vertex> mNearVertices;
     std::vector<int> mNearHoles;

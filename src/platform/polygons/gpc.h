@@ -35,7 +35,7 @@ struct gpc_polygon {
 /// The last two are estimated, and only for operands that look tangled.
 constexpr double gpcMaximumVertices = 1 << 22;
 constexpr double gpcMaximumEdgePairs = 1 << 28;
-constexpr double gpcMaximumCrossings = 1 << 21;
+constexpr double gpcMaximumCrossings = 1 << 20;
 
 /// Appends a copy of `contour`, which stays the caller's.
 VXR_EXPORT void gpc_add_contour(gpc_polygon* polygon, const gpc_vertex_list* contour, int hole);
