@@ -167,10 +167,14 @@ void VXRCanvas::_propagateDirtyRectsToOpaqueAncestors()
     View::_propagateDirtyRectsToOpaqueAncestors();
 }
 
+/// Layers are placed from its corner, and so is what a composite locks.
 Rect VXRCanvas::clipViewVisibleRect() const
 {
-    const View* above = superview();
-    return above ? convertRectFromView(above->visibleRect(), above) : visibleRect();
+    const ScrollView* scrollView = enclosingScrollView();
+    if (!scrollView)
+        return visibleRect();
+    const ClipView& clipView = scrollView->contentView();
+    return convertRectFromView(clipView.bounds(), &clipView);
 }
 
 // The window.

@@ -116,7 +116,7 @@ private:
     CompositeArea compositeArea(const Rect& dirty) const;
     void collectLayers(const Rect& dirty, std::vector<LayerInfo*>&, FirstFailure&);
     void drawDirectly(const Rect& dirty);
-    void drawOntoBackground(Context&, const Rect& dirty, const std::vector<VXRRenderable*>&, FirstFailure&);
+    void fillBackground(Context&, const Rect&) const;
     void drawIntoRedrawnRows(const Rect& dirty, const std::vector<VXRRenderable*>&, FirstFailure&);
     void _adjustBitmapRenderingQualityInRenderablesUpdateRect(const RenderableList&, const Rect&);
     void disableScreenUpdates();

@@ -36,6 +36,14 @@ template <class List> void prefetchAhead(const List& list, std::size_t i)
     }
 }
 
+/// A renderable whose drawing fails leaves nothing open in the context.
+void renderGuarded(VXRRenderable& renderable, Context& context, FirstFailure& failure)
+{
+    const std::size_t depth = context.stateDepth();
+    if (!failure.attempt([&] { renderable.renderLayeredIntoContext(context); }))
+        context.unwindToDepth(depth);
+}
+
 } // namespace
 
 void VXRCanvas::drawRect(const Rect& dirty)
@@ -73,35 +81,36 @@ void VXRCanvas::drawDirectly(const Rect& dirty)
     }
     FirstFailure failure;
     const bool isRedraw = window() && window()->redrawnPixels() && focusView() == this;
-    if (isRedraw && _backgroundColor && _backgroundColor->alphaComponent() >= 1)
+    if (isRedraw && _backgroundColor && _backgroundColor->alphaComponent() >= 1) {
         drawIntoRedrawnRows(dirty, hit, failure);
-    else
-        drawOntoBackground(currentDrawingPort(), dirty, hit, failure);
+    } else {
+        Context& context = currentDrawingPort();
+        fillBackground(context, dirty);
+        for (VXRRenderable* renderable : hit)
+            renderGuarded(*renderable, context, failure);
+    }
     failure.rethrow();
 }
 
-void VXRCanvas::drawOntoBackground(
-    Context& context, const Rect& dirty, const std::vector<VXRRenderable*>& hit, FirstFailure& failure)
+void VXRCanvas::fillBackground(Context& context, const Rect& rect) const
 {
-    if (_backgroundColor) {
-        VXRSetColor(*_backgroundColor);
-        context.fillRect(dirty);
-    }
-    for (VXRRenderable* renderable : hit) {
-        const std::size_t depth = context.stateDepth();
-        if (!failure.attempt([&] { renderable->renderLayeredIntoContext(context); }))
-            context.unwindToDepth(depth);
-    }
+    if (!_backgroundColor)
+        return;
+    VXRSetColor(*_backgroundColor);
+    context.fillRect(rect);
 }
 
 /// A redraw of the window. Outlines that leave a clip at its sides are cut there by the rasteriser, and
 /// rows with such a cut come out a level or two different; so a redraw would depend on how much of the
 /// page it redraws and where the page is scrolled to. Hence the dirty rows are drawn beside the window, wide
-/// enough for all that is drawn, and only the dirty pixels are taken over.
+/// enough for all that is drawn, and only the dirty pixels are taken over. For the same reason nothing is
+/// drawn where its renderable would not erase it.
 void VXRCanvas::drawIntoRedrawnRows(
     const Rect& dirty, const std::vector<VXRRenderable*>& hit, FirstFailure& failure)
 {
     constexpr float farthest = 4096; ///< pixels on either side; beyond, exactness isn't worth the memory
+    constexpr float rowsBeyond
+        = 16; ///< the rasteriser drops the corners of dashes at a clip's upper and lower edge
     const Rect kept = *window()->redrawnPixels();
     Rect reach = dirty;
     for (const VXRRenderable* renderable : hit)
@@ -110,18 +119,27 @@ void VXRCanvas::drawIntoRedrawnRows(
     const Rect wanted = integralRect(convertRectToWindow(insetRect(reach, -slack, -slack)));
     const float x0 = std::clamp(wanted.minX(), kept.minX() - farthest, kept.minX());
     const float x1 = std::clamp(wanted.maxX(), kept.maxX(), kept.maxX() + farthest);
-    const int wide = int(x1 - x0), high = int(kept.size.height);
+    const float y0 = std::max(kept.minY() - rowsBeyond, 0.0f);
+    const float y1 = std::min(kept.maxY() + rowsBeyond, float(window()->height()));
+    const int wide = int(x1 - x0), high = int(y1 - y0);
     if (mRows.size() < std::size_t(wide) * std::size_t(high))
         mRows.resize(std::size_t(wide) * std::size_t(high));
 
     const auto rows = CairoContext::createWithPixels(mRows.data(), wide, high, std::size_t(wide) * 4);
-    rows->setBaseTransform(AffineTransform::makeTranslation(-x0, kept.maxY() - float(window()->height())));
-    rows->concatTransform(currentDrawingPort().currentTransform());
+    const AffineTransform toWindow = currentDrawingPort().currentTransform();
+    const auto toRows = AffineTransform::makeTranslation(-x0, y1 - float(window()->height()));
+    const auto inPixels
+        = [&](const Rect& r) { return integralRect(convertRectToWindow(insetRect(r, -slack, -slack))); };
     {
         const CurrentContextScope current(std::make_shared<GraphicsContext>(rows, true, true));
-        Rect everything
-            = unionRect(dirty, convertRectFromView({ x0, 0, x1 - x0, float(window()->height()) }, nullptr));
-        drawOntoBackground(*rows, everything, hit, failure);
+        fillBackground(*rows, { 0, 0, float(wide), float(high) });
+        for (VXRRenderable* renderable : hit) {
+            const StateSaver saved(*rows);
+            rows->setBaseTransform(toRows);
+            rows->clipToRect(inPixels(renderable->erasableBounds()));
+            rows->concatTransform(toWindow);
+            renderGuarded(*renderable, *rows, failure);
+        }
     }
 
     const WindowLock lock(*window(), convertRectToWindow(visibleRect()));
@@ -129,10 +147,10 @@ void VXRCanvas::drawIntoRedrawnRows(
         return;
     const WindowBits& bits = lock.bits();
     const std::size_t left = std::size_t(kept.minX() - x0), rowBytes = std::size_t(kept.size.width) * 4;
-    for (int y = 0; y < high; ++y)
-        std::memcpy(bits.colorBase + std::ptrdiff_t(int(kept.minY()) + y) * bits.colorBytesPerRow
-                + std::ptrdiff_t(kept.minX()) * 4,
-            mRows.data() + std::size_t(y) * std::size_t(wide) + left, rowBytes);
+    for (int y = int(kept.minY()); y < int(kept.maxY()); ++y)
+        std::memcpy(
+            bits.colorBase + std::ptrdiff_t(y) * bits.colorBytesPerRow + std::ptrdiff_t(kept.minX()) * 4,
+            mRows.data() + std::size_t(y - int(y0)) * std::size_t(wide) + left, rowBytes);
 }
 
 VXRCanvas::CompositeArea VXRCanvas::compositeArea(const Rect& dirty) const

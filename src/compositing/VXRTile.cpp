@@ -40,14 +40,35 @@ std::uint32_t channelByte(float component)
     return unsigned(std::clamp(double(component), 0.0, 1.0) * 65535 + 0.5) >> 8;
 }
 
-std::uint32_t packedShadowColor(VXRShadow& shadow)
+/// The byte that, times `factor`, has `wanted` as its channel byte; the nearest one where there is none.
+std::uint32_t byteForProduct(std::uint32_t wanted, double factor)
+{
+    if (!(factor > 0))
+        return 0;
+    const double guess = std::min(double(wanted) / factor, 255.0);
+    for (const double byte : { std::floor(guess), std::ceil(guess), std::floor(guess) + 2 })
+        if (byte <= 255 && channelByte(float(byte / 255 * factor)) == wanted)
+            return std::uint32_t(byte);
+    return std::uint32_t(guess + 0.5);
+}
+
+/// A shadow's colour for a record that is faded by `fade`: such that the compositor, which multiplies it
+/// out of bytes, arrives at what the drawing engine makes of the colour itself.
+std::uint32_t packedShadowColor(const VXRShadow& shadow, float fade)
 {
     const auto color = shadow.color();
     if (!color)
         return 0;
     const auto shaded = color->colorWithAlphaComponent(color->alphaComponent() * shadow.opacity());
-    const auto [red, green, blue, alpha] = VXRCGColorWithNSColor(*shaded).toRGBA();
-    return channelByte(red) << 24 | channelByte(green) << 16 | channelByte(blue) << 8 | channelByte(alpha);
+    const auto rgba = VXRCGColorWithNSColor(*shaded).toRGBA();
+    const double painted = double(rgba[3]) * double(fade);
+    const std::uint32_t alpha = byteForProduct(channelByte(float(painted)), double(fade));
+    std::uint32_t packed = 0;
+    for (int i = 0; i < 3; ++i) {
+        const std::uint32_t wanted = channelByte(float(double(rgba[std::size_t(i)]) * painted));
+        packed = packed << 8 | byteForProduct(wanted, alpha / 255.0 * double(fade));
+    }
+    return packed << 8 | alpha;
 }
 
 } // namespace
@@ -255,7 +276,7 @@ LayerInfo* VXRTile::shadowInfo()
     info.bitmapType = LayerBitmapMask;
     info.alphaData = mMask.data();
     info.alphaBytesPerRow = mMaskWide;
-    info.constantColor = packedShadowColor(*shadow);
+    info.constantColor = packedShadowColor(*shadow, mLayer.renderable()->opacity());
     info.fade = mLayer.renderable()->opacity();
     info.frameMinX = x + mMaskX, info.frameMaxX = info.frameMinX + mMaskWide;
     info.frameMinY = y + mMaskY, info.frameMaxY = info.frameMinY + mMaskHigh;

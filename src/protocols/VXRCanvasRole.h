@@ -42,8 +42,8 @@ public:
 
     // Geometry, for the layers.
     virtual bool isFlipped() const { return true; }
-    /// Visible rectangle of the canvas's superview (the clip view) in canvas coordinates; that of the
-    /// canvas itself when it has no superview.
+    /// What the clip view above shows, in canvas coordinates; the canvas's own visible rectangle when there
+    /// is no clip view.
     virtual Rect clipViewVisibleRect() const = 0;
     virtual Rect visibleRect() const = 0; ///< canvas coordinates
     virtual Rect convertRectToWindow(const Rect&) const = 0; ///< canvas to window (y up) coordinates

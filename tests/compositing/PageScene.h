@@ -1,0 +1,176 @@
+#pragma once
+
+#include <vxr/compositing/VXRCanvas.h>
+#include <vxr/fills/VXRAngleGradient.h>
+#include <vxr/fills/VXRShadow.h>
+#include <vxr/geometry/Color.h>
+#include <vxr/platform/views/ScrollView.h>
+#include <vxr/platform/views/Window.h>
+#include <vxr/protocols/VXRRenderableLayer.h>
+#include <vxr/renderables/VXRLineEnd.h>
+#include <vxr/renderables/VXRRegularPolygon.h>
+#include <vxr/renderables/VXRShape.h>
+#include <vxr/renderables/VXRStar.h>
+#include <vxr/strokes/VXRStroke.h>
+#include <vxr/strokes/VXRStrokePattern.h>
+
+#include <algorithm>
+#include <random>
+
+namespace vxr::test {
+
+/// A canvas that shows a list, as an application's canvas does.
+class PageCanvas : public VXRCanvas {
+public:
+    using VXRCanvas::VXRCanvas;
+    RenderableList page;
+    const RenderableList& objectsToRender() const override { return page; }
+
+    void add(std::shared_ptr<VXRRenderable> renderable)
+    {
+        renderable->setCanvas(this);
+        renderable->invalidate();
+        page.push_back(std::move(renderable));
+    }
+    void remove(std::size_t index)
+    {
+        page[index]->erase();
+        page[index]->setCanvas(nullptr);
+        page.erase(page.begin() + std::ptrdiff_t(index));
+    }
+};
+
+/// A page in a scroll view in a window.
+struct PageScene {
+    Window window;
+    std::shared_ptr<ScrollView> scrollView;
+    std::shared_ptr<PageCanvas> canvas;
+
+    PageScene(Size windowSize, Size pageSize)
+        : window({ { 0, 0 }, windowSize })
+        , scrollView(std::make_shared<ScrollView>(Rect { { 0, 0 }, windowSize }))
+        , canvas(std::make_shared<PageCanvas>(Rect { { 0, 0 }, pageSize }))
+    {
+        window.contentView()->addSubview(scrollView);
+        scrollView->setDocumentView(canvas);
+        canvas->setUsesCompositor(true);
+        canvas->setBackgroundColor(Color::colorWithCalibratedRGB(0.8f, 1, 1));
+    }
+
+    std::vector<std::uint32_t> pixels() const
+    {
+        return { window.pixels(), window.pixels() + window.width() * window.height() };
+    }
+    std::vector<std::uint32_t> redrawn()
+    {
+        window.display();
+        return pixels();
+    }
+};
+
+/// Makes and changes objects of all kinds, the same ones for the same seed.
+class RandomPage {
+public:
+    RandomPage(unsigned seed, Size page, bool gradients = true)
+        : mRandom(seed)
+        , mPage(page)
+        , mGradients(gradients)
+    {
+    }
+
+    int below(int n) { return int(mRandom() % unsigned(n)); }
+    float between(float low, float high) { return low + (high - low) * float(mRandom() % 100000) / 100000; }
+    bool oneIn(int n) { return below(n) == 0; }
+
+    std::shared_ptr<Color> color()
+    {
+        return Color::colorWithCalibratedRGB(
+            between(0, 1), between(0, 1), between(0, 1), oneIn(3) ? between(0.2f, 1) : 1);
+    }
+    std::shared_ptr<VXRShapePainter> fill()
+    {
+        const int kind = below(6);
+        if (!mGradients && kind > 0)
+            return color();
+        switch (kind) {
+        case 0:
+            return nullptr;
+        case 1:
+        case 2:
+            return VXRAngleGradient::linearGradientWithStartColorEndColor(color(), color());
+        case 3:
+            return VXRAngleGradient::radialGradientWithStartColorEndColor(color(), color());
+        default:
+            return color();
+        }
+    }
+    std::shared_ptr<VXRStroke> stroke()
+    {
+        if (oneIn(4))
+            return nullptr;
+        auto pattern = oneIn(3) ? VXRStrokePattern::mediumDashPattern() : VXRStrokePattern::solidPattern();
+        const float width = oneIn(2) ? float(1 + below(4)) : between(0.2f, 6);
+        return VXRStroke::strokeWithColorWidthCapJoinPattern(color(), width, below(3), below(3), pattern);
+    }
+    std::shared_ptr<VXRShadow> shadow()
+    {
+        if (oneIn(2))
+            return nullptr;
+        return VXRShadow::shadowWithAngleOffsetRadiusOpacityColor(
+            between(0, 360), between(0, 20), below(10), between(0.3f, 1), color());
+    }
+    Rect frame()
+    {
+        const float width = between(5, 90), height = between(5, 70);
+        return { between(-20, mPage.width - 40), between(-20, mPage.height - 40), width, height };
+    }
+
+    std::shared_ptr<VXRShape> shape()
+    {
+        std::shared_ptr<VXRShape> made;
+        const Rect r = frame();
+        switch (below(5)) {
+        case 0:
+            made = VXRShape::shapeWithOvalInRect(r);
+            break;
+        case 1:
+            made = VXRStar::starWithInnerRadiusOuterRadiusNumberOfPoints(
+                between(5, 20), between(20, 40), 3 + below(6));
+            made->offsetTo(r.origin);
+            break;
+        case 2:
+            made = VXRRegularPolygon::regularPolygonWithRadiusNumberOfSides(between(8, 40), 3 + below(7));
+            made->offsetTo(r.origin);
+            break;
+        case 3: {
+            auto line = Path::path();
+            line->moveTo(r.origin);
+            line->curveTo({ r.maxX(), r.minY() }, { r.minX(), r.maxY() }, { r.maxX(), r.maxY() });
+            made = VXRShape::shapeWithBezierPath(line);
+            made->setHeadLineEnd(oneIn(2) ? VXRLineEnd::filledArrow() : VXRLineEnd::openArrow());
+            made->setTailLineEnd(oneIn(2) ? VXRLineEnd::filledCircle() : nullptr);
+            break;
+        }
+        default:
+            made = VXRShape::shapeWithRect(oneIn(2) ? integralRect(r) : r);
+        }
+        restyle(*made);
+        if (oneIn(3))
+            made->rotateByRadiansPivot(between(0, 6), made->center());
+        return made;
+    }
+    void restyle(VXRShape& shape)
+    {
+        shape.setFill(fill());
+        shape.setStroke(stroke());
+        shape.setShadow(shadow());
+        shape.setOpacity(oneIn(4) ? between(0.2f, 1) : 1);
+    }
+
+private:
+    std::mt19937 mRandom;
+    Size mPage;
+    bool mGradients;
+};
+
+} // namespace vxr::test
