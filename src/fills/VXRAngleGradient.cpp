@@ -92,14 +92,17 @@ void VXRAngleGradient::drawShadingAround(Context& context, Point center, float l
     drawShading(context, p2, -_angle, VXRDistance(p2, p1));
 }
 
-/// The ramp over `area` turned about its middle, wide enough to cover it.
+/// The ramp over `area` turned about its middle, wide enough to cover it. Nothing without colours.
 void VXRAngleGradient::drawRamp(Context& context, const Rect& area) const
 {
+    const auto start = firstColor(), end = lastColor();
+    if (!start || !end)
+        return;
     const Point middle = VXRCenterOfRect(area);
     const Rect extent = boundsOfTransformedRect(rotationAbout(middle, _angle), area);
     context.concatTransform(rotationAbout(middle, -_angle));
     context.setInterpolationQuality(InterpolationQuality::High);
-    context.drawImage(extent, *VXRShadingRep::shadingWithStartEnd(firstColor(), lastColor())->imageRef());
+    context.drawImage(extent, *VXRShadingRep::shadingWithStartEnd(start, end)->imageRef());
 }
 
 void VXRAngleGradient::paintRect(const Rect& rect)

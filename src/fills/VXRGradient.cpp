@@ -12,12 +12,14 @@ namespace vxr {
 
 namespace {
 
-/// The colour between two stops; theirs when they are one.
+/// The colour between two stops; theirs when they are one. None when one is missing.
 std::shared_ptr<Color> colorBetween(const std::shared_ptr<VXRGradientStop>& before,
     const std::shared_ptr<VXRGradientStop>& after, float fraction)
 {
+    if (!before || !after || !before->color() || !after->color())
+        return nullptr;
     if (before == after)
-        return before ? before->color() : nullptr;
+        return before->color();
     const float t = (fraction - before->fraction()) / (after->fraction() - before->fraction());
     return before->color()->blendedColorWithFractionOfColor(t, *after->color());
 }

@@ -298,6 +298,21 @@ TEST(TransformGradientPainting, NothingIsDrawnWithoutAnAxis)
     EXPECT_EQ(pixelAt(*bitmap, 0, 0), (Pixel { 0, 255, 0, 255 }));
 }
 
+TEST(GradientPainting, GradientsWithoutStopsShowNothing)
+{
+    VXRAngleGradient angle;
+    VXRTransformGradient placed;
+    placed.setEndPoint({ 4, 0 });
+    const auto bitmap = CairoContext::createBitmap(4, 4);
+    drawOn(*bitmap, [&] {
+        angle.paintRect({ 0, 0, 4, 4 });
+        placed.paintRect({ 0, 0, 4, 4 });
+        placed.drawSwatchInRect({ 0, 0, 4, 4 });
+    });
+    EXPECT_EQ(pixelAt(*bitmap, 2, 2), Pixel {});
+    EXPECT_EQ(placed.colorAtFraction(0.5f), nullptr);
+}
+
 TEST(GradientSwatch, FillsTheRectangleByTypeWithTheOpacity)
 {
     auto gradient = VXRGradient::linearGradientWithStartColorEndColor(rgb(1, 0, 0), rgb(0, 0, 1));
