@@ -86,6 +86,22 @@ void setSmoothSource(cairo_t* cr, const Image& image, const cairo_matrix_t& m)
         xScale <= limit && yScale <= limit ? CAIRO_FILTER_NEAREST : CAIRO_FILTER_BILINEAR);
 }
 
+/// Whether the image, mapped by `m`, reaches over all of `box`.
+bool covers(const Image& image, const cairo_matrix_t& m, const DeviceBox& box)
+{
+    cairo_matrix_t toImage = m;
+    if (cairo_matrix_invert(&toImage) != CAIRO_STATUS_SUCCESS)
+        return false;
+    for (const double cornerX : { box.x0, box.x1 })
+        for (const double cornerY : { box.y0, box.y1 }) {
+            double x = cornerX, y = cornerY;
+            cairo_matrix_transform_point(&toImage, &x, &y);
+            if (!(x >= 0 && y >= 0 && x <= image.width() && y <= image.height()))
+                return false;
+        }
+    return true;
+}
+
 } // namespace
 
 void CairoContext::Impl::drawImage(const Rect& rect, const Image& image)
@@ -112,7 +128,8 @@ void CairoContext::Impl::drawImage(const Rect& rect, const Image& image)
     if (!onPaper) {
         // Nothing bleeds in from beside the image.
         cairo_pattern_set_extend(cairo_get_source(cr()), CAIRO_EXTEND_PAD);
-        clipToPixelsOf(image, matrix);
+        if (!covers(image, matrix, state.clip))
+            clipToPixelsOf(image, matrix);
     }
     paintSource();
     noteInk(deviceBounds(std::array { rect.origin, Point { rect.maxX(), rect.minY() },
