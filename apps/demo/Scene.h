@@ -35,6 +35,7 @@ const std::vector<Scene>& scenes();
 void drawScene(const Scene& scene, const std::shared_ptr<Context>& context, bool toScreen);
 
 // One function a subject; `scenes()` puts their results in a row.
+std::vector<Scene> outlineScenes();
 std::vector<Scene> pathScenes();
 std::vector<Scene> gradientScenes();
 std::vector<Scene> textWrapScenes();

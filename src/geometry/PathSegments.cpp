@@ -187,13 +187,15 @@ std::vector<std::shared_ptr<Path>> _beziersFromSegmentIntersections(
     const Path& path, const VXRSegmentRun& run)
 {
     const double half = static_cast<double>(path.lineWidth()) * 0.5;
+    constexpr double overlap = 0.25;
     std::vector<std::shared_ptr<Path>> wedges;
     forEachJoin(run, [&](const Join& join) {
-        // Neighbouring vertices stay a half width apart for as long as possible: the conversion to a
-        // polygon drops those that are close to the one before.
+        // The inner vertex lies within both segments: wedges that only touched them would leave cracks.
+        // Neighbouring vertices stay a half width apart for as long as possible, because the conversion
+        // to a polygon drops those that are close to the one before.
         const auto wedge = Path::path();
         wedge->moveTo(displaced(join.corner, join.before, half));
-        wedge->lineTo(join.corner);
+        wedge->lineTo(displaced(join.corner, join.tip, half * -overlap));
         wedge->lineTo(displaced(join.corner, join.after, half));
         if (isMitred(path, join))
             wedge->lineTo(displaced(join.corner, join.tip, half * join.tipRatio));

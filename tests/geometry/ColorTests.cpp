@@ -80,10 +80,11 @@ TEST(Color, SpaceNameOutlivesTheStringThatAskedForIt)
 {
     std::shared_ptr<Color> color;
     {
-        const std::string name = "NSDeviceCMYKColorSpace";
+        std::string name = "NSDeviceCMYKColorSpace";
         color = Color::whiteColor()->colorUsingColorSpaceName(name);
+        name.assign(name.size(), '?');
     }
-    EXPECT_EQ(color->colorSpaceName().data(), NSDeviceCMYKColorSpace.data());
+    EXPECT_EQ(color->colorSpaceName(), NSDeviceCMYKColorSpace);
 }
 
 TEST(Color, BlendsLinearlyWithoutPremultiplying)

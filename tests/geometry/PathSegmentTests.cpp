@@ -90,9 +90,10 @@ TEST(PathSegments, WedgesAreMitresWithinTheLimitAndBevelsBeyond)
     const auto wedgesOf
         = [&] { return _beziersFromSegmentIntersections(path, pathAsSegments(path).front()); };
     ASSERT_EQ(wedgesOf().size(), 1u);
-    EXPECT_TRUE(isEqual(*wedgesOf()[0], pathOf("M 10 -1 L 10 0 L 11 0 L 11 -1 Z")));
+    // The inner vertex is a quarter of half the width inside the corner.
+    EXPECT_TRUE(isEqual(*wedgesOf()[0], pathOf("M 10 -1 L 9.823 0.177 L 11 0 L 11 -1 Z")));
     path.setMiterLimit(1.41f); // a right angle needs the square root of two
-    EXPECT_TRUE(isEqual(*wedgesOf()[0], pathOf("M 10 -1 L 10 0 L 11 0 Z")));
+    EXPECT_TRUE(isEqual(*wedgesOf()[0], pathOf("M 10 -1 L 9.823 0.177 L 11 0 Z")));
     path.setMiterLimit(1.42f);
     EXPECT_EQ(wedgesOf()[0]->elementCount(), 5u);
     path.setLineJoin(LineJoin::Bevel);
@@ -163,6 +164,17 @@ TEST(OutlineStroke, AgreesWithTheStrokerOnCurves)
         const double different = sampledArea(
             around, [&](Point p) { return ours->containsPoint(p) != reference->containsPoint(p); });
         EXPECT_NEAR(different, disc, 25) << static_cast<int>(join) << ", of about 2800";
+    }
+}
+
+TEST(OutlineStroke, HasNoCracksWhereWedgesMeetSegments)
+{
+    Path path = pathOf("M 25 150 L 55 40 L 85 150 C 100 60 150 20 165 110 L 115 125");
+    path.setLineWidth(18);
+    for (LineJoin join : { LineJoin::Miter, LineJoin::Round, LineJoin::Bevel }) {
+        path.setLineJoin(join);
+        const VXRPolygonOwner outline(polygonFromBezier(*outlineStroke(path)));
+        EXPECT_EQ(outline->num_contours, 1) << static_cast<int>(join) << ": the stroke encloses nothing";
     }
 }
 
