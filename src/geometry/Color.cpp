@@ -67,7 +67,7 @@ Components componentsFromRGB(ColorModel model, const Components& rgb)
     const auto [r, g, b, unused] = rgb;
     switch (model) {
     case ColorModel::Gray:
-        return { r == g && g == b ? r : luminance(rgb) };
+        return { luminance(rgb) }; // of a grey this is the grey: single precision hides what the sum loses
     case ColorModel::RGB:
         return { r, g, b };
     case ColorModel::CMYK:

@@ -10,7 +10,7 @@ TEST(Points, ClampLetsTheMinimumWinAndNaNPass)
 {
     EXPECT_EQ(VXRClamp(5, 0, 1), 1);
     EXPECT_EQ(VXRClamp(-5, 0, 1), 0);
-    EXPECT_EQ(VXRClamp(0.5f, 3, 1), 3);
+    EXPECT_EQ(VXRClamp(2, 3, 1), 3);
     EXPECT_TRUE(std::isnan(VXRClamp(std::nanf(""), 0, 1)));
 }
 
