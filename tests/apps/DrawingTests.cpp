@@ -91,6 +91,11 @@ const ProbeCase probeCases[] = {
         "<path transform='scale(4 1)' d='M5 0V30' stroke='red' stroke-width='4'/>"
         "<path transform='scale(4 1)' d='M0 15H10' stroke='blue' stroke-width='4'/>",
         { { 13, 5, "ffff0000" }, { 26, 5, "ffff0000" }, { 3, 14, "ff0000ff" }, { 3, 18, "ffffffff" } } },
+    { "LinesOfNoLengthShowTheirCaps",
+        "<g stroke='red' stroke-width='10'><path d='M10 10Z' stroke-linecap='square'/>"
+        "<path d='M30 10h0' stroke-linecap='square'/><path d='M10 25h0' stroke-linecap='round'/>"
+        "<path d='M30 25h0'/></g>",
+        { { 6, 6, "ffff0000" }, { 26, 6, "ffff0000" }, { 10, 25, "ffff0000" }, { 30, 25, "ffffffff" } } },
     { "MoreThanSixDashes",
         "<path d='M0 15H40' stroke='red' stroke-width='20' stroke-dasharray='4 4 8 4 4 4 8 4'/>",
         { { 2, 15, "ffff0000" }, { 6, 15, "ffffffff" }, { 13, 15, "ffff0000" }, { 38, 15, "ffffffff" } } },
@@ -111,9 +116,9 @@ const ProbeCase probeCases[] = {
     { "CirclesGrowOutOfTheFocus",
         "<radialGradient id='g' gradientUnits='userSpaceOnUse' cx='20' cy='15' r='15' fx='8' fy='15'>"
         "<stop offset='.5' stop-color='red'/><stop offset='.5' stop-color='blue'/></radialGradient>"
-        "<rect width='40' height='30' fill='url(#g)'/>",
+        "<rect width='40' height='30' fill='url(#g)' fill-opacity='.6'/>",
         // Half way the circle is about (14, 15) with radius 7.5: from 6.5 to 21.5.
-        { { 8, 15, "ffff0000" }, { 20, 15, "ffff0000" }, { 23, 15, "ff0000ff" }, { 39, 29, "ff0000ff" } } },
+        { { 8, 15, "ffff6666" }, { 20, 15, "ffff6666" }, { 23, 15, "ff6666ff" }, { 39, 29, "ff6666ff" } } },
 };
 
 TEST(Drawing, PaintsWhatItSays)
@@ -200,48 +205,89 @@ TEST(Drawing, BlackAndWhiteHasWhiteAreasAndBlackLines)
     }
 }
 
+/// A drawing's group on a canvas in a window, edited while it is shown.
+class ShownGroup {
+public:
+    ShownGroup(bool usesCompositor, float scale)
+        : mSheet(
+            "<clipPath id='c'><rect width='30' height='30'/></clipPath><g opacity='.5' clip-path='url(#c)'>"
+            "<rect width='10' height='10' fill='red'/><rect x='20' y='10' width='20' height='10' "
+            "fill='blue'/></g>",
+            scale)
+        , mCanvas(std::make_shared<DrawingCanvas>(frame(), mSheet.drawing.renderables))
+        , mWindow(frame())
+    {
+        mCanvas->setUsesCompositor(usesCompositor);
+        mCanvas->setScaleScrollingToMaintainCenter(scale, false);
+        mWindow.setContentView(mCanvas);
+        mWindow.display();
+    }
+
+    GroupRenderable& group() { return static_cast<GroupRenderable&>(*mSheet.drawing.renderables.at(0)); }
+    vxr::VXRShape& child() { return static_cast<vxr::VXRShape&>(*group().children().at(0)); }
+
+    Picture picture() const
+    {
+        return { mWindow.width(), mWindow.height(),
+            { mWindow.pixels(), mWindow.pixels() + mWindow.width() * mWindow.height() } };
+    }
+
+    /// Levels by which redrawing what was damaged differs from redrawing everything.
+    int staleness()
+    {
+        mWindow.displayIfNeeded();
+        const Picture updated = picture();
+        mWindow.display();
+        return compare(updated, picture(), 0).largest;
+    }
+
+private:
+    vxr::Rect frame() const
+    {
+        return { 0, 0, static_cast<float>(mSheet.page.width), static_cast<float>(mSheet.page.height) };
+    }
+
+    Sheet mSheet;
+    std::shared_ptr<DrawingCanvas> mCanvas;
+    vxr::Window mWindow;
+};
+
 TEST(Drawing, ChangesInAGroupReachTheWindow)
 {
-    Sheet sheet(
-        "<clipPath id='c'><rect width='30' height='30'/></clipPath><g opacity='.5' clip-path='url(#c)'>"
-        "<rect width='10' height='10' fill='red'/><rect x='20' y='10' width='20' height='10' "
-        "fill='blue'/></g>");
-    const auto group = std::dynamic_pointer_cast<GroupRenderable>(sheet.drawing.renderables.at(0));
-    ASSERT_TRUE(group);
-    const auto shape = std::dynamic_pointer_cast<vxr::VXRShape>(group->children().at(0));
     for (const bool compositor : { true, false }) {
-        const vxr::Rect frame { 0, 0, 40, 30 };
-        const auto canvas = std::make_shared<DrawingCanvas>(frame, sheet.drawing.renderables);
-        canvas->setUsesCompositor(compositor);
-        vxr::Window window(frame);
-        window.setContentView(canvas);
-        window.display();
-        const auto picture = [&] {
-            return Picture { window.width(), window.height(),
-                { window.pixels(), window.pixels() + window.width() * window.height() } };
-        };
-        const auto expectUpToDate = [&](const char* change) {
-            window.displayIfNeeded();
-            const Picture updated = picture();
-            window.display();
-            EXPECT_EQ(compare(updated, picture(), 0).largest, 0) << change;
-        };
-        shape->offsetBy(15, 12);
-        EXPECT_EQ(group->geometricBounds().minX(), 15);
-        expectUpToDate("move of a child");
-        EXPECT_NE(hex(pixel(picture(), 18, 15)), "ffffffff");
-        EXPECT_EQ(hex(pixel(picture(), 5, 5)), "ffffffff");
-        shape->setFill(vxr::Color::colorWithCalibratedRGB(0, 1, 0));
-        expectUpToDate("fill of a child");
-        shape->setOpacity(0.5f);
-        expectUpToDate("opacity of a child");
-        group->offsetBy(3, 0);
-        expectUpToDate("move of the group");
-        shape->offsetBy(-15, -12);
-        group->offsetBy(-3, 0);
-        shape->setOpacity(1);
-        expectUpToDate("all back");
+        for (const float scale : { 1.0f, 1.5f, 80.0f }) {
+            ShownGroup shown(compositor, scale);
+            shown.child().offsetBy(15, 12);
+            EXPECT_EQ(shown.group().geometricBounds().minX(), 15);
+            EXPECT_EQ(shown.staleness(), 0) << "move of a child";
+            if (scale == 1) {
+                EXPECT_NE(hex(pixel(shown.picture(), 18, 15)), "ffffffff");
+                EXPECT_EQ(hex(pixel(shown.picture(), 5, 5)), "ffffffff");
+            }
+            shown.child().offsetBy(-0.4f, -12.3f);
+            EXPECT_EQ(shown.staleness(), 0) << "move by a part of a pixel";
+            shown.child().setFill(vxr::Color::colorWithCalibratedRGB(0, 1, 0));
+            EXPECT_EQ(shown.staleness(), 0) << "fill of a child";
+            shown.child().setOpacity(0.5f);
+            EXPECT_EQ(shown.staleness(), 0) << "opacity of a child";
+            shown.group().offsetBy(3.3f, 0);
+            EXPECT_EQ(shown.staleness(), 0) << "move of the group";
+            shown.child().offsetBy(-14, 7);
+            EXPECT_EQ(shown.staleness(), 0) << "move of a child in a moved group";
+        }
     }
+}
+
+TEST(Drawing, OutlinesAreMadeAnewForAnotherScale)
+{
+    const std::string content = "<path transform='scale(1 .2)' fill='none' stroke='red' stroke-width='5' "
+                                "d='M8 8C40 0 0 160 32 100L34 8'/>";
+    Sheet sheet(content, 0.25f);
+    sheet.direct();
+    const Sheet fresh(content, 16);
+    const Page enlarged { sheet.drawing, fresh.page.width, fresh.page.height, 16, fresh.page.background,
+        false };
+    EXPECT_EQ(compare(drawDirect(enlarged, true), fresh.direct(), 0).largest, 0);
 }
 
 TEST(Drawing, GroupsAreHitWhereAChildShowsThrough)

@@ -76,6 +76,13 @@ TEST(SvgDrawing, ClipsANestedViewportOnlyWhereSomethingSticksOut)
     const std::string inside = "<svg x='10' y='10' width='20' height='20'><path d='M0 0H20V20H0Z'/></svg>";
     const std::string outside = "<svg x='10' y='10' width='20' height='20'><path d='M0 0H21V20H0Z'/></svg>";
     EXPECT_TRUE(std::holds_alternative<Shape>(read(inside).nodes.at(0).content));
+    const Drawing stroked
+        = read("<svg x='10' y='10' width='20' height='20'>"
+               "<path stroke='red' stroke-width='2' stroke-linejoin='round' d='M1.6 9H9'/></svg>"
+               "<svg x='10' y='10' width='20' height='20'>"
+               "<path stroke='red' stroke-width='2' stroke-linejoin='round' d='M1.4 9H9'/></svg>");
+    EXPECT_TRUE(std::holds_alternative<Shape>(stroked.nodes.at(0).content));
+    EXPECT_TRUE(groupAt(stroked.nodes, 1).clip); // 1.4 is less than the reach of 1.5
     const Drawing drawing = read(outside);
     const Group& group = groupAt(drawing.nodes, 0);
     ASSERT_TRUE(group.clip);

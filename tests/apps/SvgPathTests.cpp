@@ -157,6 +157,25 @@ TEST(SvgOutline, BoundsAreThoseOfTheCurveNotOfItsControls)
     EXPECT_NEAR(turned.minX, -std::sqrt(0.5), 1e-12);
 }
 
+TEST(SvgOutline, GivesDotsALengthAndLeavesTheRestAlone)
+{
+    const auto dotted
+        = [](const char* data) { return textOf(parsePathData(data).outline.withDotsOfLength(2)); };
+    EXPECT_EQ(dotted("M1 1Z"), "M1 1 L3 1");
+    EXPECT_EQ(dotted("M1 1h0zM5 5L5 6M7 7C7 7 7 7 7 7M9 9"), "M1 1 L3 1 M5 5 L5 6 M7 7 L9 7 M9 9");
+    EXPECT_EQ(dotted("M0 0C0 1 1 1 0 0z"), "M0 0 C0 1 1 1 0 0 Z");
+}
+
+TEST(SvgOutline, ReversedAndSignedAreaTellTheSenseOfRotation)
+{
+    const auto outline = [](const char* data) { return parsePathData(data).outline; };
+    EXPECT_EQ(outline("M0 0H2V3H0Z").signedArea(), 12);
+    EXPECT_EQ(outline("M0 0H2V3H0ZM1 1V2H2").signedArea(), 11); // a hole of 1 / 2, left open
+    EXPECT_EQ(
+        textOf(outline("M0 0C1 0 2 1 2 2L0 2ZM5 5L6 5").reversed()), "M0 2 L2 2 C2 1 1 0 0 0 Z M6 5 L5 5");
+    EXPECT_EQ(outline("M0 0H2V3H0Z").reversed().signedArea(), -12);
+}
+
 TEST(SvgOutline, RoundedRectanglesLimitTheirRadii)
 {
     EXPECT_EQ(textOf(Outline::rectangle(1, 2, 3, 4, 0, 5)), "M1 2 L4 2 L4 6 L1 6 Z");

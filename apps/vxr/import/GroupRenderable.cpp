@@ -62,13 +62,11 @@ void GroupRenderable::childChanged(const vxr::Rect& area)
     invalidateBoundingBox();
     if (!canvas())
         return;
-    if (erasableBounds() == before) {
+    // Of other bounds the layer starts at another place, where all of its pixels lie differently.
+    if (erasableBounds() == before)
         setNeedsDisplayInRect(area);
-        return;
-    }
-    // The layer starts at another place now, so all of its pixels lie differently, old and new.
-    canvas()->setNeedsDisplayInRect(vxr::integralRect(vxr::insetRect(before, -5, -5)));
-    invalidate();
+    else
+        invalidate();
 }
 
 void GroupRenderable::ChildCanvas::setNeedsDisplayInRect(const vxr::Rect& rect) { mGroup.childChanged(rect); }

@@ -14,13 +14,6 @@ namespace {
 
 using Renderables = std::vector<std::shared_ptr<vxr::VXRRenderable>>;
 
-/// How far beyond its outline a stroke reaches at most, in its own units.
-double reachOf(const svg::Stroke& stroke)
-{
-    const double corner = stroke.join == svg::Join::Miter ? std::max(stroke.miterLimit, 1.5) : 1.5;
-    return stroke.width / 2 * corner;
-}
-
 float canvasWidthOf(const svg::Stroke& stroke, const svg::Matrix& toCanvas)
 {
     const double scale = !stroke.scales ? 1
@@ -72,7 +65,7 @@ std::shared_ptr<vxr::VXRStroke> strokeFrom(const svg::Shape& shape, svg::Vec ori
         pen.dash.push_back(static_cast<float>(length * unit));
     pen.dashPhase = static_cast<float>(stroke.dashOffset * unit);
     return std::make_shared<OutlineStroke>(
-        std::move(pen), width, painterFrom(stroke.paint, shape.outline, reachOf(stroke) * unit, origin));
+        std::move(pen), width, painterFrom(stroke.paint, shape.outline, stroke.reach() * unit, origin));
 }
 
 /// The library draws a line end scaled by a function of the line's width, its +y axis pointing away from

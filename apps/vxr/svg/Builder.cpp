@@ -201,19 +201,26 @@ void Builder::addViewport(const XmlElement& element, const XmlElement* use, Scop
     addChildren(element, scope, nodes);
 
     // The picture's edge clips the root.
-    const Box covered = boundsOf(nodes, viewportToCanvas.inverse());
-    const bool fits = covered.isNone()
-        || (covered.minX >= 0 && covered.minY >= 0 && covered.maxX <= size.width
-            && covered.maxY <= size.height);
-    if (isRoot || scope.style.overflowVisible || fits) {
-        std::move(nodes.begin(), nodes.end(), std::back_inserter(out));
+    if (!isRoot && !scope.style.overflowVisible)
+        clipToBox(element, { 0, 0, size.width, size.height }, viewportToCanvas, nodes);
+    std::move(nodes.begin(), nodes.end(), std::back_inserter(out));
+}
+
+void Builder::clipToBox(const XmlElement& element, const Box& box, const Matrix& toCanvas, Nodes& nodes)
+{
+    const Box covered = boundsOf(nodes, toCanvas.inverse(), true);
+    const double slack = 1e-6 * (box.width() + box.height());
+    const bool fits = covered.minX >= box.minX - slack && covered.minY >= box.minY - slack
+        && covered.maxX <= box.maxX + slack && covered.maxY <= box.maxY + slack;
+    if (covered.isNone() || fits)
         return;
-    }
     auto clip = std::make_shared<Clip>();
     clip->areas.push_back(
-        { Outline::rectangle(0, 0, size.width, size.height, 0, 0).transformed(viewportToCanvas), {}, {} });
+        { Outline::rectangle(box.minX, box.minY, box.width(), box.height(), 0, 0).transformed(toCanvas), {},
+            {} });
     Group group { element.name, {}, element.line, 1, std::move(clip), std::move(nodes) };
-    out.push_back({ std::move(group) });
+    nodes.clear();
+    nodes.push_back({ std::move(group) });
 }
 
 void Builder::appendWrapped(const XmlElement& element, const Scope& scope, Nodes nodes, Nodes& out)
@@ -292,14 +299,26 @@ Drawing readDrawing(std::string_view text, const XmlLimits& xmlLimits, const Dra
     return drawing;
 }
 
-Box boundsOf(const std::vector<Node>& nodes, const Matrix& fromCanvas)
+double Stroke::reach() const
+{
+    const double corner = join == Join::Miter ? std::max(miterLimit, 1.5) : 1.5;
+    return width / 2 * corner;
+}
+
+Box boundsOf(const std::vector<Node>& nodes, const Matrix& fromCanvas, bool withStrokes)
 {
     Box box;
     for (const Node& node : nodes) {
-        if (const Shape* shape = std::get_if<Shape>(&node.content))
-            box.include(shape->outline.bounds(fromCanvas * shape->toCanvas));
-        else
-            box.include(boundsOf(std::get<Group>(node.content).children, fromCanvas));
+        const Shape* shape = std::get_if<Shape>(&node.content);
+        if (!shape) {
+            box.include(boundsOf(std::get<Group>(node.content).children, fromCanvas, withStrokes));
+            continue;
+        }
+        const Matrix matrix = fromCanvas * shape->toCanvas;
+        const Matrix& pen = shape->stroke.scales ? matrix : fromCanvas;
+        const double around
+            = withStrokes && shape->stroke.paints() ? shape->stroke.reach() * pen.largestScale() : 0;
+        box.include(shape->outline.bounds(matrix).grown(around));
     }
     return box;
 }

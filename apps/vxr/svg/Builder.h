@@ -50,7 +50,11 @@ private:
     void addMarkers(Shape&, const Scope&, Nodes& after);
     Nodes markerNodes(
         const XmlElement& marker, const Shape&, const Scope&, const MarkerVertex&, bool isStart);
+    static double markerAngle(const XmlElement& marker, const MarkerVertex&, bool isStart);
     static std::optional<LineEnd> lineEndFrom(const Nodes&, const Shape&, const MarkerVertex&, bool isStart);
+
+    /// Puts `nodes` into a group clipped to a box of `element`'s own space, unless they lie within it.
+    static void clipToBox(const XmlElement& element, const Box&, const Matrix& toCanvas, Nodes& nodes);
 
     // Clips. `user` is the clipped element's space, `nodes` its content.
     std::shared_ptr<const Clip> clip(const std::string& id, int line, const Scope& user, const Nodes& nodes);

@@ -54,6 +54,7 @@ struct Stroke {
     bool scales = true; ///< with the shape's transform; otherwise lengths are canvas units
 
     bool paints() const { return paint.kind != Paint::Kind::None && width > 0; }
+    double reach() const; ///< how far beyond its outline it can get
 };
 
 /// A marker that is nothing but a filled figure in the stroke's colour. User units of the shape; the
@@ -121,8 +122,9 @@ struct DrawingLimits {
 /// kind. Throws `DocumentError` when the document can't be read or breaks a limit.
 Drawing readDrawing(std::string_view text, const XmlLimits& = {}, const DrawingLimits& = {});
 
-/// Bounds of what `nodes` fill, strokes not counted, after `fromCanvas`.
-Box boundsOf(const std::vector<Node>& nodes, const Matrix& fromCanvas);
+/// Bounds of the outlines of `nodes` after `fromCanvas`, clips not counted; with as much around them as their
+/// strokes may cover, if asked.
+Box boundsOf(const std::vector<Node>& nodes, const Matrix& fromCanvas, bool withStrokes = false);
 std::size_t shapeCount(const std::vector<Node>& nodes);
 
 } // namespace app::svg

@@ -285,6 +285,32 @@ Outline Outline::reversed() const
     return result;
 }
 
+Outline Outline::withDotsOfLength(double length) const
+{
+    Outline result;
+    std::size_t firstPoint = 0;
+    for (std::size_t first = 0, last = 0; first < mVerbs.size(); first = last) {
+        std::size_t points = 1;
+        for (last = first + 1; last < mVerbs.size() && mVerbs[last] != Verb::Move; ++last)
+            points += mVerbs[last] == Verb::Cubic ? 3 : mVerbs[last] == Verb::Line ? 1 : 0;
+        const Vec start = mPoints[firstPoint];
+        const auto begin = mPoints.begin() + static_cast<std::ptrdiff_t>(firstPoint);
+        const auto end = begin + static_cast<std::ptrdiff_t>(points);
+        result.moveTo(start);
+        if (last - first > 1 && std::all_of(begin, end, [&](Vec p) { return p == start; })) {
+            result.lineTo(start + Vec { length, 0 });
+        } else {
+            result.mVerbs.insert(result.mVerbs.end(), mVerbs.begin() + static_cast<std::ptrdiff_t>(first) + 1,
+                mVerbs.begin() + static_cast<std::ptrdiff_t>(last));
+            result.mPoints.insert(result.mPoints.end(), begin + 1, end);
+        }
+        firstPoint += points;
+    }
+    result.mCurrent = mCurrent;
+    result.mStart = mStart;
+    return result;
+}
+
 Outline Outline::transformed(const Matrix& matrix) const
 {
     Outline result = *this;

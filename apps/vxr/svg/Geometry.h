@@ -30,6 +30,7 @@ struct Box {
     bool isNone() const { return !(minX <= maxX && minY <= maxY); }
     double width() const { return maxX - minX; }
     double height() const { return maxY - minY; }
+    Box grown(double by) const { return { minX - by, minY - by, maxX + by, maxY + by }; }
     void include(Vec p)
     {
         minX = std::min(minX, p.x);
@@ -97,6 +98,9 @@ public:
     double signedArea() const;
     Outline transformed(const Matrix&) const;
     Outline reversed() const; ///< each sub-path run through backwards
+    /// Sub-paths that never leave their start become lines of that length along the x axis, which is how
+    /// their caps are to look; renderers leave some of them out otherwise.
+    Outline withDotsOfLength(double length) const;
 
     static Outline rectangle(double x, double y, double width, double height, double rx, double ry);
     static Outline ellipse(Vec center, double rx, double ry);

@@ -21,6 +21,29 @@ Paint solid(Rgba color, double opacity)
     return paint;
 }
 
+/// Reads points and radii, lengths in percent being parts of `whole`. False when there is nothing between
+/// start and end.
+template <typename Measure> bool placeGradient(Gradient& gradient, const Viewport& whole, Measure measure)
+{
+    const double w = whole.width;
+    const double h = whole.height;
+    const double d = whole.diagonal();
+    if (gradient.kind == Gradient::Kind::Linear) {
+        gradient.start = { measure("x1", w, 0), measure("y1", h, 0) };
+        gradient.end = { measure("x2", w, w), measure("y2", h, 0) };
+        return gradient.start != gradient.end;
+    }
+    gradient.center = { measure("cx", w, w / 2), measure("cy", h, h / 2) };
+    gradient.radius = measure("r", d, d / 2);
+    gradient.focus = { measure("fx", w, gradient.center.x), measure("fy", h, gradient.center.y) };
+    gradient.focusRadius = std::clamp(measure("fr", d, 0), 0.0, std::max(0.0, gradient.radius * focusLimit));
+    const Vec away = gradient.focus - gradient.center;
+    const double limit = gradient.radius * focusLimit - gradient.focusRadius;
+    if (const double distance = std::hypot(away.x, away.y); distance > limit)
+        gradient.focus = gradient.center + away * (limit / distance);
+    return gradient.radius > 0;
+}
+
 bool isGradient(const XmlElement& element)
 {
     return element.name == "linearGradient" || element.name == "radialGradient";
@@ -130,32 +153,11 @@ Paint PaintResolver::paintFor(
     const auto measure = [&](const char* name, double whole, double fallback) {
         const std::string* text = attribute(name);
         const std::optional<Length> length = text ? parseLength(*text) : std::nullopt;
-        if (!length)
-            return fallback;
-        return length->resolved(userSpace ? whole : 1, 16);
+        return length ? length->resolved(whole, Style {}.fontSize) : fallback;
     };
-    const double w = userSpace ? viewport.width : 1;
-    const double h = userSpace ? viewport.height : 1;
-    const double d = userSpace ? viewport.diagonal() : 1;
-    bool isDegenerate = !gradient->toUser.isInvertible();
-    if (gradient->kind == Gradient::Kind::Linear) {
-        gradient->start = { measure("x1", w, 0), measure("y1", h, 0) };
-        gradient->end = { measure("x2", w, w), measure("y2", h, 0) };
-        isDegenerate |= gradient->start == gradient->end;
-    } else {
-        gradient->center = { measure("cx", w, w / 2), measure("cy", h, h / 2) };
-        gradient->radius = measure("r", d, d / 2);
-        isDegenerate |= !(gradient->radius > 0);
-        gradient->focus = { measure("fx", w, gradient->center.x), measure("fy", h, gradient->center.y) };
-        gradient->focusRadius = std::clamp(measure("fr", d, 0), 0.0, gradient->radius * focusLimit);
-        const Vec away = gradient->focus - gradient->center;
-        const double limit = gradient->radius * focusLimit - gradient->focusRadius;
-        if (const double distance = std::hypot(away.x, away.y); distance > limit)
-            gradient->focus = gradient->center + away * (limit / distance);
-    }
-    if (isDegenerate)
+    const bool hasExtent = placeGradient(*gradient, userSpace ? viewport : Viewport { 1, 1 }, measure);
+    if (!hasExtent || !gradient->toUser.isInvertible())
         return last;
-
     Paint paint;
     paint.kind = Paint::Kind::Gradient;
     paint.gradient = std::move(gradient);

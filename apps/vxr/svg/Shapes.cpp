@@ -4,7 +4,13 @@
 
 #include <fmt/format.h>
 
+#include <numbers>
+
 namespace app::svg {
+
+namespace {
+constexpr double invisiblePart = 1e-3; ///< of a line's width
+} // namespace
 
 double Builder::length(
     const XmlElement& element, const char* name, double whole, const Style& style, double fallback)
@@ -109,6 +115,8 @@ void Builder::addShape(const XmlElement& element, const Scope& scope, Nodes& out
         || element.name == "polygon";
     if (mayHaveMarkers && !(style.markerStart.empty() && style.markerMid.empty() && style.markerEnd.empty()))
         addMarkers(shape, scope, markers);
+    if (shape.stroke.paints() && shape.stroke.cap != Cap::Butt)
+        shape.outline = shape.outline.withDotsOfLength(shape.stroke.width * invisiblePart);
     if (shape.fill.kind != Paint::Kind::None || shape.stroke.paints()) {
         if (++mShapes > mDocument.limits().shapes)
             throw DocumentError(
@@ -157,6 +165,20 @@ void Builder::addMarkers(Shape& shape, const Scope& scope, Nodes& after)
     }
 }
 
+double Builder::markerAngle(const XmlElement& marker, const MarkerVertex& vertex, bool isStart)
+{
+    const std::string* orient = marker.attribute("orient");
+    if (!orient)
+        return 0;
+    const std::string_view text = trimmed(*orient);
+    if (text == "auto")
+        return vertex.angle;
+    if (text == "auto-start-reverse")
+        return vertex.angle + (isStart ? std::numbers::pi : 0);
+    Scanner in(text);
+    return in.number().value_or(0) * std::numbers::pi / 180;
+}
+
 Builder::Nodes Builder::markerNodes(const XmlElement& marker, const Shape& shape, const Scope& scope,
     const MarkerVertex& vertex, bool isStart)
 {
@@ -171,51 +193,30 @@ Builder::Nodes Builder::markerNodes(const XmlElement& marker, const Shape& shape
 
     const double width = length(marker, "markerWidth", scope.viewport.width, inner.style, 3);
     const double height = length(marker, "markerHeight", scope.viewport.height, inner.style, 3);
+    inner.viewport = { width, height };
+    Matrix content;
+    const std::string* text = marker.attribute("viewBox");
+    const std::optional<Box> box = text ? parseViewBox(*text) : std::nullopt;
+    if (box && box->width() > 0 && box->height() > 0) {
+        const std::string* aspect = marker.attribute("preserveAspectRatio");
+        content = viewBoxTransform(*box, width, height,
+            aspect ? parseAspectRatio(*aspect).value_or(AspectRatio {}) : AspectRatio {});
+        inner.viewport = { box->width(), box->height() };
+    }
     const std::string* units = marker.attribute("markerUnits");
     const double scale = units && *units == "userSpaceOnUse" ? 1 : shape.stroke.width;
-    Matrix content;
-    inner.viewport = { width, height };
-    if (const std::string* text = marker.attribute("viewBox")) {
-        const std::optional<Box> box = parseViewBox(*text);
-        const std::string* aspect = marker.attribute("preserveAspectRatio");
-        if (box && box->width() > 0 && box->height() > 0) {
-            content = viewBoxTransform(*box, width, height,
-                aspect ? parseAspectRatio(*aspect).value_or(AspectRatio {}) : AspectRatio {});
-            inner.viewport = { box->width(), box->height() };
-        }
-    }
-    double angle = 0;
-    if (const std::string* orient = marker.attribute("orient")) {
-        const std::string_view text = trimmed(*orient);
-        if (text == "auto" || text == "auto-start-reverse") {
-            angle = vertex.angle + (isStart && text != "auto" ? 3.141592653589793 : 0);
-        } else {
-            Scanner in(text);
-            angle = in.number().value_or(0) * 3.141592653589793 / 180;
-        }
-    }
     const Vec reference = content.map({ length(marker, "refX", inner.viewport.width, inner.style),
         length(marker, "refY", inner.viewport.height, inner.style) });
     const Matrix place = scope.toCanvas * Matrix::translation(vertex.point.x, vertex.point.y)
-        * Matrix::rotation(angle) * Matrix::scaling(scale, scale)
+        * Matrix::rotation(markerAngle(marker, vertex, isStart)) * Matrix::scaling(scale, scale)
         * Matrix::translation(-reference.x, -reference.y);
     inner.toCanvas = place * content;
     Nodes nodes;
     if (width > 0 && height > 0 && inner.toCanvas.isInvertible())
         addChildren(marker, inner, nodes);
     leave();
-
-    const Box covered = boundsOf(nodes, place.inverse());
-    const double slack = 1e-6 * (width + height);
-    const bool fits = covered.minX >= -slack && covered.minY >= -slack && covered.maxX <= width + slack
-        && covered.maxY <= height + slack;
-    if (!nodes.empty() && !fits && !inner.style.overflowVisible) {
-        auto clip = std::make_shared<Clip>();
-        clip->areas.push_back({ Outline::rectangle(0, 0, width, height, 0, 0).transformed(place), {}, {} });
-        Group group { marker.name, {}, marker.line, 1, std::move(clip), std::move(nodes) };
-        nodes.clear();
-        nodes.push_back({ std::move(group) });
-    }
+    if (!inner.style.overflowVisible)
+        clipToBox(marker, { 0, 0, width, height }, place, nodes);
     return nodes;
 }
 
@@ -239,7 +240,7 @@ std::optional<LineEnd> Builder::lineEndFrom(
     if (!figure || figure->fill.kind != Paint::Kind::Color || figure->fill.color != stroke.paint.color
         || figure->stroke.paints() || figure->opacity != 1 || figure->fillRule != FillRule::NonZero)
         return std::nullopt;
-    const double outwards = vertex.angle + (isStart ? 3.141592653589793 : 0);
+    const double outwards = vertex.angle + (isStart ? std::numbers::pi : 0);
     const Matrix toEnd = Matrix::rotation(-outwards) * Matrix::translation(-vertex.point.x, -vertex.point.y)
         * shape.toCanvas.inverse() * figure->toCanvas;
     return LineEnd { figure->outline.transformed(toEnd) };

@@ -55,6 +55,84 @@ std::optional<PaintValue> parsePaint(std::string_view text)
     return paint;
 }
 
+/// Sets the field behind a property to what it is in another style.
+void copyField(Style& to, const Style& from, Property property)
+{
+    const auto copy = [&](auto field) { to.*field = from.*field; };
+    switch (property) {
+    case Property::ClipPath:
+        return copy(&Style::clipPath);
+    case Property::ClipRule:
+        return copy(&Style::clipRule);
+    case Property::Color:
+        return copy(&Style::color);
+    case Property::Display:
+        return copy(&Style::isDisplayed);
+    case Property::Fill:
+        return copy(&Style::fill);
+    case Property::FillOpacity:
+        return copy(&Style::fillOpacity);
+    case Property::FillRule:
+        return copy(&Style::fillRule);
+    case Property::Filter:
+        return copy(&Style::filter);
+    case Property::FontSize:
+        return copy(&Style::fontSize);
+    case Property::MarkerEnd:
+        return copy(&Style::markerEnd);
+    case Property::MarkerMid:
+        return copy(&Style::markerMid);
+    case Property::MarkerStart:
+        return copy(&Style::markerStart);
+    case Property::Mask:
+        return copy(&Style::mask);
+    case Property::MixBlendMode:
+        return copy(&Style::blends);
+    case Property::Opacity:
+        return copy(&Style::opacity);
+    case Property::Overflow:
+        return copy(&Style::overflowVisible);
+    case Property::StopColor:
+        return copy(&Style::stopColor);
+    case Property::StopOpacity:
+        return copy(&Style::stopOpacity);
+    case Property::Stroke:
+        return copy(&Style::stroke);
+    case Property::StrokeDasharray:
+        return copy(&Style::dash);
+    case Property::StrokeDashoffset:
+        return copy(&Style::dashOffset);
+    case Property::StrokeLinecap:
+        return copy(&Style::cap);
+    case Property::StrokeLinejoin:
+        return copy(&Style::join);
+    case Property::StrokeMiterlimit:
+        return copy(&Style::miterLimit);
+    case Property::StrokeOpacity:
+        return copy(&Style::strokeOpacity);
+    case Property::StrokeWidth:
+        return copy(&Style::strokeWidth);
+    case Property::Transform:
+        return copy(&Style::transform);
+    case Property::VectorEffect:
+        return copy(&Style::scalesStroke);
+    case Property::Visibility:
+        return copy(&Style::isVisible);
+    }
+}
+
+/// What a child starts from: the parent's style without what belongs to the parent alone.
+Style inheritedFrom(const Style& parent)
+{
+    static const Style initial;
+    Style style = parent;
+    for (Property own : { Property::ClipPath, Property::Display, Property::Filter, Property::Mask,
+             Property::MixBlendMode, Property::Opacity, Property::Overflow, Property::StopColor,
+             Property::StopOpacity, Property::Transform, Property::VectorEffect })
+        copyField(style, initial, own);
+    return style;
+}
+
 /// Reads one element's declarations into a style, property by property.
 class StyleReader {
 public:
@@ -249,125 +327,16 @@ private:
         return true;
     }
 
-    bool takeFrom(const Style& other, Property property);
+    bool takeFrom(const Style& other, Property property)
+    {
+        copyField(mStyle, other, property);
+        return true;
+    }
 
     Style& mStyle;
     const Style& mParent;
     const Viewport& mViewport;
 };
-
-bool StyleReader::takeFrom(const Style& other, Property property)
-{
-    switch (property) {
-    case Property::ClipPath:
-        mStyle.clipPath = other.clipPath;
-        break;
-    case Property::ClipRule:
-        mStyle.clipRule = other.clipRule;
-        break;
-    case Property::Color:
-        mStyle.color = other.color;
-        break;
-    case Property::Display:
-        mStyle.isDisplayed = other.isDisplayed;
-        break;
-    case Property::Fill:
-        mStyle.fill = other.fill;
-        break;
-    case Property::FillOpacity:
-        mStyle.fillOpacity = other.fillOpacity;
-        break;
-    case Property::FillRule:
-        mStyle.fillRule = other.fillRule;
-        break;
-    case Property::Filter:
-        mStyle.filter = other.filter;
-        break;
-    case Property::FontSize:
-        mStyle.fontSize = other.fontSize;
-        break;
-    case Property::MarkerEnd:
-        mStyle.markerEnd = other.markerEnd;
-        break;
-    case Property::MarkerMid:
-        mStyle.markerMid = other.markerMid;
-        break;
-    case Property::MarkerStart:
-        mStyle.markerStart = other.markerStart;
-        break;
-    case Property::Mask:
-        mStyle.mask = other.mask;
-        break;
-    case Property::MixBlendMode:
-        mStyle.blends = other.blends;
-        break;
-    case Property::Opacity:
-        mStyle.opacity = other.opacity;
-        break;
-    case Property::Overflow:
-        mStyle.overflowVisible = other.overflowVisible;
-        break;
-    case Property::StopColor:
-        mStyle.stopColor = other.stopColor;
-        break;
-    case Property::StopOpacity:
-        mStyle.stopOpacity = other.stopOpacity;
-        break;
-    case Property::Stroke:
-        mStyle.stroke = other.stroke;
-        break;
-    case Property::StrokeDasharray:
-        mStyle.dash = other.dash;
-        break;
-    case Property::StrokeDashoffset:
-        mStyle.dashOffset = other.dashOffset;
-        break;
-    case Property::StrokeLinecap:
-        mStyle.cap = other.cap;
-        break;
-    case Property::StrokeLinejoin:
-        mStyle.join = other.join;
-        break;
-    case Property::StrokeMiterlimit:
-        mStyle.miterLimit = other.miterLimit;
-        break;
-    case Property::StrokeOpacity:
-        mStyle.strokeOpacity = other.strokeOpacity;
-        break;
-    case Property::StrokeWidth:
-        mStyle.strokeWidth = other.strokeWidth;
-        break;
-    case Property::Transform:
-        mStyle.transform = other.transform;
-        break;
-    case Property::VectorEffect:
-        mStyle.scalesStroke = other.scalesStroke;
-        break;
-    case Property::Visibility:
-        mStyle.isVisible = other.isVisible;
-        break;
-    }
-    return true;
-}
-
-/// What a child starts from: the parent's style without what belongs to the parent alone.
-Style inheritedFrom(const Style& parent)
-{
-    const Style initial;
-    Style style = parent;
-    style.opacity = initial.opacity;
-    style.isDisplayed = initial.isDisplayed;
-    style.clipPath.clear();
-    style.mask.clear();
-    style.filter.clear();
-    style.blends = initial.blends;
-    style.overflowVisible = initial.overflowVisible;
-    style.scalesStroke = initial.scalesStroke;
-    style.transform.reset();
-    style.stopColor = initial.stopColor;
-    style.stopOpacity = initial.stopOpacity;
-    return style;
-}
 
 } // namespace
 
