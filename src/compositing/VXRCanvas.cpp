@@ -142,10 +142,11 @@ void VXRCanvas::_propagateDirtyRectsToOpaqueAncestors()
 {
     const Rect visible = visibleRect();
     std::vector<std::shared_ptr<View>> left = subviews();
-    for (const auto& renderable : objectsToRender()) {
-        auto* hosting = dynamic_cast<VXRTransformableViewRenderable*>(renderable.get());
-        View* view = hosting ? hosting->view() : nullptr;
-        if (!view)
+    static const RenderableList none;
+    for (const auto& renderable : left.empty() ? none : objectsToRender()) {
+        View* view = renderable->view();
+        auto* hosting = view ? dynamic_cast<VXRTransformableViewRenderable*>(renderable.get()) : nullptr;
+        if (!hosting)
             continue;
         const Rect dirty = view->unionDirtyRects();
         std::erase_if(left, [view](const auto& subview) { return subview.get() == view; });

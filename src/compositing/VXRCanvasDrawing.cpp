@@ -25,15 +25,16 @@ using namespace canvasdamage;
 
 namespace {
 
-/// Where a walk will look next; objects lie all over the memory.
-template <class List> void prefetchAhead(const List& list, std::size_t i)
+constexpr std::size_t prefetchDistance = 16;
+constexpr std::size_t prefetchedBytes = 256; ///< of a shape, up to its stroke
+
+/// Where a walk will look next: objects lie all over the memory, and asking one for its bounds touches
+/// most of it.
+inline void prefetchObject(const VXRRenderable* renderable)
 {
-    constexpr std::size_t ahead = 12;
-    if (i + ahead < list.size()) {
-        const char* object = reinterpret_cast<const char*>(list[i + ahead].get());
-        __builtin_prefetch(object);
-        __builtin_prefetch(object + 64);
-    }
+    const char* bytes = reinterpret_cast<const char*>(renderable);
+    for (std::size_t line = 0; line < prefetchedBytes; line += 64)
+        __builtin_prefetch(bytes + line);
 }
 
 /// A renderable whose drawing fails leaves nothing open in the context.
@@ -75,7 +76,8 @@ void VXRCanvas::drawDirectly(const Rect& dirty)
         _adjustBitmapRenderingQualityInRenderablesUpdateRect(renderables, dirty);
     std::vector<VXRRenderable*> hit;
     for (std::size_t i = 0; i < renderables.size(); ++i) {
-        prefetchAhead(renderables, i);
+        if (i + prefetchDistance < renderables.size())
+            prefetchObject(renderables[i + prefetchDistance].get());
         if (rectsIntersect(renderables[i]->erasableBounds(), dirty))
             hit.push_back(renderables[i].get());
     }
@@ -181,11 +183,8 @@ void VXRCanvas::collectLayers(const Rect& dirty, std::vector<LayerInfo*>& layers
 {
     const RenderableList& renderables = objectsToRender();
     for (std::size_t n = renderables.size(); n > 0; --n) {
-        if (n > 12) {
-            const char* object = reinterpret_cast<const char*>(renderables[n - 12].get());
-            __builtin_prefetch(object);
-            __builtin_prefetch(object + 64);
-        }
+        if (n > prefetchDistance)
+            prefetchObject(renderables[n - 1 - prefetchDistance].get());
         VXRRenderable& renderable = *renderables[n - 1];
         if (!rectsIntersect(renderable.erasableBounds(), dirty))
             continue;

@@ -281,16 +281,24 @@ void VXRCompositorLayer::computeErrorInView(const VXRCanvasRole& canvas)
 
 // A pass.
 
-/// The tile of a shadow in sight may itself be out of sight.
+/// The tile of a shadow in sight may itself be out of sight. And where the layer's place has to be rounded
+/// to whole pixels, a pixel more of it may come into sight.
 Rect VXRCompositorLayer::rectWhoseTilesShow(const Rect& visible) const
 {
-    if (!hasShadow())
-        return visible;
-    // What lies at `visible` casts its shadow somewhere within this; the same distances the other way
-    // round lead to all that casts one into `visible`.
-    const Rect cast = _renderable->shadowBoundsForRect(visible);
-    return { visible.minX() - (cast.maxX() - visible.maxX()), visible.minY() - (cast.maxY() - visible.maxY()),
-        cast.size.width, cast.size.height };
+    Rect showing = visible;
+    if (hasShadow()) {
+        // What lies at `visible` casts its shadow somewhere within this; the same distances the other way
+        // round lead to all that casts one into `visible`.
+        const Rect cast = _renderable->shadowBoundsForRect(visible);
+        showing = { visible.minX() - (cast.maxX() - visible.maxX()),
+            visible.minY() - (cast.maxY() - visible.maxY()), cast.size.width, cast.size.height };
+    }
+    const Point origin = _renderable->alignmentBounds().origin;
+    const auto isWhole = [](float v) { return std::abs(v - std::round(v)) < 1e-3f; };
+    if (isWhole((origin.x - visible.minX()) * _zoomFactor)
+        && isWhole((origin.y - visible.minY()) * _zoomFactor))
+        return showing;
+    return insetRect(showing, -1 / _zoomFactor, -1 / _zoomFactor);
 }
 
 void VXRCompositorLayer::prepareGrid(const Rect& visible)
@@ -549,6 +557,9 @@ bool VXRCompositorLayer::pixelIsTransparent(Point p)
 {
     const Point origin = _renderable->alignmentBounds().origin;
     const Point q { (p.x - origin.x) * _zoomFactor, (p.y - origin.y) * _zoomFactor };
+    const Rect layer = scaleRect(_renderable->alignmentBounds());
+    if (!(q.x >= 0 && q.y >= 0 && q.x < layer.size.width && q.y < layer.size.height))
+        return true;
     const auto tile = tileContainingPoint(q);
     const Point offset = offsetForIndex(tile->index());
     return tile->pixelIsTransparent({ q.x - offset.x, q.y - offset.y });

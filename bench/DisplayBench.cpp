@@ -1,0 +1,186 @@
+#include <bench/Compare.h>
+
+#include <vxr/compositing/VXRCanvas.h>
+#include <vxr/compositing/VXRCompositorLayer.h>
+#include <vxr/fills/VXRAngleGradient.h>
+#include <vxr/fills/VXRShadow.h>
+#include <vxr/geometry/Color.h>
+#include <vxr/platform/views/ScrollView.h>
+#include <vxr/platform/views/Window.h>
+#include <vxr/renderables/VXRShape.h>
+
+#include <algorithm>
+#include <chrono>
+
+// Redraws of a canvas in a window of 1600 by 1200 pixels.
+
+namespace vxr::bench {
+
+namespace {
+
+constexpr Size windowSize { 1600, 1200 };
+
+class PageCanvas : public VXRCanvas {
+public:
+    using VXRCanvas::VXRCanvas;
+    RenderableList page;
+    const RenderableList& objectsToRender() const override { return page; }
+};
+
+struct Scene {
+    Window window { { { 0, 0 }, windowSize } };
+    std::shared_ptr<ScrollView> scrollView = std::make_shared<ScrollView>(Rect { { 0, 0 }, windowSize });
+    std::shared_ptr<PageCanvas> canvas;
+
+    explicit Scene(Size pageSize, bool compositor = true)
+        : canvas(std::make_shared<PageCanvas>(Rect { { 0, 0 }, pageSize }))
+    {
+        window.contentView()->addSubview(scrollView);
+        scrollView->setDocumentView(canvas);
+        canvas->setUsesCompositor(compositor);
+    }
+    std::shared_ptr<VXRShape> add(const Rect& rect)
+    {
+        auto shape = VXRShape::shapeWithRect(rect);
+        shape->setStroke(nullptr);
+        shape->setFill(Color::colorWithCalibratedRGB(0.2f, 0.4f, 0.6f));
+        shape->setCanvas(canvas.get());
+        canvas->page.push_back(shape);
+        return shape;
+    }
+};
+
+std::shared_ptr<VXRShadow> softShadow(int radius)
+{
+    return VXRShadow::shadowWithAngleOffsetRadiusOpacityColor(
+        45, 8, radius, 0.6f, Color::colorWithCalibratedRGB(0, 0, 0));
+}
+
+/// Shapes at the same density whatever their number, so that a dirty rectangle meets as many.
+std::shared_ptr<Scene> pageOf(int count)
+{
+    constexpr int columns = 400;
+    auto scene = std::make_shared<Scene>(Size { columns * 40, float(count / columns + 40) * 40 });
+    for (int i = 0; i < count; ++i)
+        scene->add({ float(i % columns) * 40, float(i / columns) * 40, 30, 30 });
+    scene->window.display();
+    return scene;
+}
+
+double dirtyRectangleTime(Scene& scene, const Rect& dirty)
+{
+    return nanosecondsPerCall([&] {
+        scene.canvas->setNeedsDisplayInRect(dirty);
+        scene.window.displayIfNeeded();
+    });
+}
+
+constexpr Rect onShapes { 10, 10, 100, 100 };
+[[maybe_unused]] const int walk = measure("display/walk-nanoseconds-per-object", atMost(15), [] {
+    const auto few = pageOf(1000), many = pageOf(100000);
+    // Both redraws draw the same few shapes.
+    return (dirtyRectangleTime(*many, onShapes) - dirtyRectangleTime(*few, onShapes)) / 99000;
+});
+
+/// What a redraw of some shapes costs more than one of a single pixel, which walks the page too: on a page
+/// of 10,000 shapes against one of 1,000.
+[[maybe_unused]] const int dirtyRectangle
+    = measure("display/dirty-rectangle-growth-with-the-page", atMost(1.5), [] {
+          const auto few = pageOf(1000), more = pageOf(10000);
+          constexpr Rect pixel { 10, 10, 1, 1 };
+          const double onMore = dirtyRectangleTime(*more, onShapes) - dirtyRectangleTime(*more, pixel);
+          return onMore / (dirtyRectangleTime(*few, onShapes) - dirtyRectangleTime(*few, pixel));
+      });
+
+void moveAbout(Scene& scene, VXRShape& shape)
+{
+    for (int step = 0; step < 200; ++step) {
+        shape.offsetBy(step < 100 ? 5 : -5, step % 100 < 50 ? 3 : -3);
+        scene.window.displayIfNeeded();
+    }
+}
+
+[[maybe_unused]] const int moving = compare("display/move-a-soft-shadow", atLeast(5), [] {
+    std::shared_ptr<Scene> scenes[2];
+    std::shared_ptr<VXRShape> shapes[2];
+    for (const bool compositor : { true, false }) {
+        auto scene = std::make_shared<Scene>(windowSize, compositor);
+        for (int i = 0; i < 60; ++i)
+            scene->add({ float(i % 10) * 150, float(i / 10) * 180, 120, 140 });
+        auto shape = VXRShape::shapeWithOvalInRect({ 100, 100, 300, 200 });
+        shape->setCanvas(scene->canvas.get());
+        shape->setShadow(softShadow(20));
+        scene->canvas->page.push_back(shape);
+        scene->window.display();
+        scenes[compositor ? 0 : 1] = scene;
+        shapes[compositor ? 0 : 1] = shape;
+    }
+    return Pair { [scene = scenes[0], shape = shapes[0]] { moveAbout(*scene, *shape); },
+        [scene = scenes[1], shape = shapes[1]] { moveAbout(*scene, *shape); } };
+});
+
+void pan(Scene& scene)
+{
+    for (int step = 0; step < 100; ++step) {
+        const Rect seen = scene.canvas->visibleRect();
+        scene.canvas->scrollPoint({ seen.minX(), seen.minY() + (step < 50 ? 37.0f : -37.0f) });
+        scene.window.displayIfNeeded();
+    }
+}
+
+std::shared_ptr<Scene> gradientPage(bool compositor)
+{
+    auto scene = std::make_shared<Scene>(Size { 1600, 3200 }, compositor);
+    for (int i = 0; i < 400; ++i) {
+        auto shape
+            = VXRShape::shapeWithOvalInRect({ float(i % 16) * 100 + 5, float(i / 16) * 126 + 5, 90, 110 });
+        shape->setFill(VXRAngleGradient::linearGradientWithStartColorEndColor(
+            Color::colorWithCalibratedRGB(1, 0.5f, float(i % 16) / 16),
+            Color::colorWithCalibratedRGB(0, 0.2f, 0.9f)));
+        shape->setShadow(softShadow(6));
+        shape->setCanvas(scene->canvas.get());
+        scene->canvas->page.push_back(shape);
+    }
+    scene->window.display();
+    return scene;
+}
+
+/// The direct road copies what stays in sight and draws what comes into it.
+[[maybe_unused]] const int panning
+    = compare("display/pan-400-gradients-against-copying-direct", atLeast(1), [] {
+          const auto layered = gradientPage(true), direct = gradientPage(false);
+          return Pair { [layered] { pan(*layered); }, [direct] { pan(*direct); } };
+      });
+
+/// Both roads draw all that is in sight.
+[[maybe_unused]] const int panningWhole
+    = compare("display/pan-400-gradients-against-drawing-direct", atLeast(5), [] {
+          const auto layered = gradientPage(true), direct = gradientPage(false);
+          direct->scrollView->contentView().setCopiesOnScroll(false);
+          return Pair { [layered] { pan(*layered); }, [direct] { pan(*direct); } };
+      });
+
+/// Most bytes of a large page's tiles while it is scrolled across, over what the number of tiles that are
+/// kept allows.
+[[maybe_unused]] const int tileMemory = measure("display/tile-memory-over-budget", atMost(1), [] {
+    Scene scene({ 20000, 20000 });
+    const auto page = scene.add({ 0, 0, 20000, 20000 });
+    double most = 0;
+    auto& layer = static_cast<VXRCompositorLayer&>(*page->layer());
+    for (int step = 0; step <= 20; ++step) {
+        scene.canvas->scrollPoint({ float(step) * 920, float(step) * 940 });
+        scene.window.displayIfNeeded();
+        double bytes = 0;
+        for (const auto& tile : layer.tiles())
+            bytes += double(tile->byteSize());
+        most = std::max(most, bytes);
+    }
+    const VXRTile& tile = *layer.tiles().front();
+    // One more than the number: a tile is reused once there are more.
+    const double tiles = layer.maxNumberOfValidTiles() + 1;
+    return most / (tiles * 4 * tile.pixelsWide() * tile.pixelsHigh());
+});
+
+} // namespace
+
+} // namespace vxr::bench
