@@ -39,5 +39,6 @@ std::vector<Scene> outlineScenes();
 std::vector<Scene> pathScenes();
 std::vector<Scene> gradientScenes();
 std::vector<Scene> textWrapScenes();
+std::vector<Scene> modelScenes();
 
 } // namespace vxr::demo
