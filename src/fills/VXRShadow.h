@@ -30,7 +30,7 @@ public:
 
     bool isNullShadow() const; ///< equal to the null shadow
 
-    float angle() const { return mAngle; } ///< in [0, 360), or NaN
+    float angle() const { return mAngle; } ///< in [0, 360), or NaN; hardly below 0 gives 360
     void setAngle(float degrees);
     float offset() const { return mOffset; }
     void setOffset(float offset) { mOffset = offset; }

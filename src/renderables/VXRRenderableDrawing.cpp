@@ -203,6 +203,7 @@ void VXRRenderable::addLayersToArray(std::vector<LayerInfo*>& infos)
     }
 }
 
+// Textures draw through no state that would have to be kept around them.
 void VXRRenderable::drawTextures(const std::vector<VXRTexture*>& textures) const
 {
     if (!mCanvas)

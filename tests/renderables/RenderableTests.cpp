@@ -265,6 +265,11 @@ TEST(Renderable, KeepsATextureSetUntilSessionOrContentChange)
         EXPECT_EQ(box.texture(&session), first);
         box.offsetBy(1, 0);
         EXPECT_EQ(box.texture(&session), first) << "moved at a whole zoom";
+        box.setShadow(blackShadow(0, 10, 5));
+        const auto shadowed = box.texture(&session);
+        EXPECT_NE(shadowed, first);
+        box.setShadow(blackShadow(90, 10, 5));
+        EXPECT_NE(box.texture(&session), shadowed) << "even where nothing is rebuilt";
         box.invalidate();
         kept = box.texture(&session);
         EXPECT_NE(kept, first);

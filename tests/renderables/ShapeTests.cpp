@@ -342,6 +342,13 @@ TEST(ShadowOnlyShape, KeepsItsShadowTheSameOnTheScreen)
         EXPECT_EQ(shape.shadow()->opacity(), 0.5f);
     }
     EXPECT_FALSE(shape.allowsTiling());
+
+    shape.setStroke(nullptr);
+    shape.setPath(Path::pathWithRect({ 100, 100, 10, 10 }));
+    const float away = 5 / 1.41421356f; // the shadow's distance in each direction, its radius is 5
+    const Rect erased = shape.erasableBounds();
+    EXPECT_FLOAT_EQ(erased.minX(), 100 - 5 + away - 20);
+    EXPECT_FLOAT_EQ(erased.maxY(), 110 + 5 + away + 20);
 }
 
 TEST(ShadowOnlyShape, ClipsItsRecordsAtTheEdgesAskedFor)
