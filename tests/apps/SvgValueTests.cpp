@@ -4,6 +4,9 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdlib>
+#include <random>
+#include <string>
 
 namespace app::svg {
 namespace {
@@ -85,6 +88,26 @@ TEST(SvgLength, ResolvesUnits)
     for (const char* text :
         { "", "px", "1 px", "1foo", "1px2", "--1", ".", "1e400", "1,2", "5e39", "nan", "inf" })
         EXPECT_FALSE(parseLength(text)) << text;
+}
+
+TEST(SvgNumber, IsTheNearestDoubleByBothWays)
+{
+    // Short numbers are divided out, long ones and those with an exponent converted: both round once.
+    std::mt19937 random(7);
+    for (int i = 0; i < 20000; ++i) {
+        std::string text = i % 3 ? "-" : "";
+        const unsigned length = 1 + random() % 20;
+        const unsigned point = random() % (length + 1);
+        for (unsigned k = 0; k < length; ++k) {
+            if (k == point)
+                text += '.';
+            text += static_cast<char>('0' + random() % 10);
+        }
+        Scanner in(text);
+        const std::optional<double> value = in.number();
+        ASSERT_TRUE(value && in.atEnd()) << text;
+        ASSERT_EQ(*value, std::strtod(text.c_str(), nullptr)) << text;
+    }
 }
 
 TEST(SvgLength, OpacityIsANumberOrAPercentageWithinZeroAndOne)

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <cstdint>
 #include <limits>
 
 namespace app::svg {
@@ -21,7 +22,14 @@ std::string_view trimmed(std::string_view text)
 }
 
 namespace {
+
+/// A double holds every whole number of so many digits.
+constexpr int exactDigits = 15;
+constexpr double powersOfTen[exactDigits + 1]
+    = { 1, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15 };
+
 char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
+
 } // namespace
 
 bool equalsIgnoringCase(std::string_view a, std::string_view b)
@@ -62,30 +70,45 @@ bool Scanner::consumeWord(std::string_view word)
 std::optional<double> Scanner::number()
 {
     std::size_t at = mAt;
-    const auto digits = [&] {
+    std::uint64_t digits = 0; // the number without its point, while it has few enough of them
+    int count = 0;
+    const auto skipDigits = [&] {
         const std::size_t begin = at;
-        while (at < mText.size() && isDigit(mText[at]))
-            ++at;
-        return at - begin;
+        for (; at < mText.size() && isDigit(mText[at]); ++at)
+            digits = digits * 10 + static_cast<std::uint64_t>(mText[at] - '0');
+        count += static_cast<int>(std::min<std::size_t>(at - begin, 1000));
+        return static_cast<int>(std::min<std::size_t>(at - begin, 1000));
     };
     const auto isAt = [&](std::size_t place, char c) { return place < mText.size() && mText[place] == c; };
 
     const bool plus = isAt(at, '+');
-    if (plus || isAt(at, '-'))
+    const bool minus = isAt(at, '-');
+    if (plus || minus)
         ++at;
-    std::size_t count = digits();
+    skipDigits();
+    int fraction = 0;
     if (isAt(at, '.')) {
         ++at;
-        count += digits();
+        fraction = skipDigits();
     }
     if (count == 0)
         return std::nullopt;
+    bool hasExponent = false;
     if (isAt(at, 'e') || isAt(at, 'E')) {
         const std::size_t beforeExponent = at++;
         if (isAt(at, '+') || isAt(at, '-'))
             ++at;
-        if (digits() == 0)
+        hasExponent = at < mText.size() && isDigit(mText[at]);
+        if (!hasExponent)
             at = beforeExponent;
+        while (hasExponent && at < mText.size() && isDigit(mText[at]))
+            ++at;
+    }
+    if (!hasExponent && count <= exactDigits) {
+        // Both operands are exact, so the quotient is the nearest double, as below.
+        const double value = static_cast<double>(digits) / powersOfTen[fraction];
+        mAt = at;
+        return minus ? -value : value;
     }
 
     double value = 0;
