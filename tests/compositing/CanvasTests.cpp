@@ -234,6 +234,32 @@ TEST(Canvas, NothingOutsideTheDirtyRectangleChanges)
     }
 }
 
+TEST(Canvas, WhatReachesBeyondItsBoundsSurvivesARedrawBesideThem)
+{
+    for (const bool compositor : { true, false }) {
+        std::vector<std::string> calls;
+        PageScene scene(windowSize, pageSize);
+        scene.canvas->setUsesCompositor(compositor);
+        // Its layer is put at 11 and ends at 20.5, half a pixel beyond the bounds.
+        scene.canvas->add(spy(calls, "rounded", { 10.5f, 10, 9.5f, 20 }));
+        // The joins stick out of bounds that count half the stroke's width.
+        auto pointed = spy(calls, "pointed", { 60, 60, 30, 30 });
+        auto path = Path::path();
+        path->moveTo({ 60, 60 });
+        path->lineTo({ 90, 65 });
+        path->lineTo({ 60, 70 });
+        path->close();
+        pointed->setPath(path);
+        pointed->setStroke(VXRStroke::strokeWithColorWidth(Color::blackColor(), 3));
+        scene.canvas->add(pointed);
+        const auto full = scene.redrawn();
+        scene.canvas->setNeedsDisplayInRect({ 20, 10, 5, 20 });
+        scene.canvas->setNeedsDisplayInRect({ 92, 60, 5, 10 });
+        scene.window.displayIfNeeded();
+        EXPECT_TRUE(samePixels(scene.pixels(), full, scene.window.width())) << compositor;
+    }
+}
+
 TEST(Canvas, NothingIsLockedOrPreparedOutOfSightOrWithoutAWindow)
 {
     std::vector<std::string> calls;

@@ -202,7 +202,7 @@ TEST_P(CompositorLayerTiling, ATiledLayerLooksLikeAWholeOne)
     whole.renderable.tiles = false;
     for (Layered* one : { &tiled, &whole })
         if (GetParam().radius >= 0)
-            one->renderable.cast = blackShadow(30, 25, GetParam().radius);
+            one->renderable.cast = blackShadow(30, 12, GetParam().radius); // seams between the stripes
     EXPECT_TRUE(samePixels(tiled.page(), whole.page(), int(canvas.visible.size.width * canvas.scale + 0.5f)));
     EXPECT_TRUE(tiled.layer.isMultiTiled());
     EXPECT_FALSE(whole.layer.isMultiTiled());
@@ -212,7 +212,7 @@ INSTANTIATE_TEST_SUITE_P(Places, CompositorLayerTiling,
     ::testing::Values(TilingCase { "Plain", 1, { 900, 900, 400, 300 }, -1 },
         TilingCase { "ShadowOverASeam", 1, { 900, 900, 400, 300 }, 12 },
         TilingCase { "HardShadow", 1, { 900, 900, 400, 300 }, 0 },
-        TilingCase { "ZoomedShadow", 1.5f, { 500, 600, 400, 300 }, 20 },
+        TilingCase { "ZoomedShadow", 1.5f, { 30, 600, 400, 300 }, 20 },
         TilingCase { "OuterCorner", 1, { 1400, 1200, 300, 250 }, 20 },
         // Only the shadow of the last row is in sight.
         TilingCase { "CasterOutOfSight", 1, { 300, 1350, 300, 100 }, 12 }),
@@ -245,7 +245,8 @@ TEST(CompositorLayer, PartialChangesEqualAFreshLayer)
                 shape.layer.setNeedsDisplayInRect(next);
                 patch = next;
                 EXPECT_TRUE(shape.looksFresh()) << shadowed << turned << next;
-                canvas.visible.origin.x += 37; // tiles out of sight change too
+                // Tiles out of sight have changed too.
+                canvas.visible.origin.x = canvas.visible.origin.x > 400 ? 80 : 700;
                 EXPECT_TRUE(shape.looksFresh()) << shadowed << turned << next;
             }
             EXPECT_GT(shape.renderable.drawn.size(), passes);
