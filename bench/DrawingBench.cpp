@@ -88,11 +88,9 @@ void issue(const std::vector<Call>& calls, Context& context)
 struct Shown {
     explicit Shown(const char* name, bool usesCompositor)
         : drawing(app::importDrawing(app::svg::readDrawing(textOf(name))))
-        , canvas(std::make_shared<app::DrawingCanvas>(frame, drawing.renderables))
+        , canvas(std::make_shared<app::DrawingCanvas>(frame, drawing.renderables, pageScale, usesCompositor))
         , window(frame)
     {
-        canvas->setUsesCompositor(usesCompositor);
-        canvas->setScaleScrollingToMaintainCenter(pageScale, false);
         window.setContentView(canvas);
         window.display();
     }

@@ -1,5 +1,7 @@
 #include "GroupRenderable.h"
 
+#include "PixelBounds.h"
+
 #include <vxr/geometry/TransformAdditions.h>
 #include <vxr/platform/graphics/Context.h>
 
@@ -42,6 +44,11 @@ vxr::Rect GroupRenderable::computeGeometricBounds() const
     for (const auto& path : mClip)
         bounds = vxr::intersectionRect(bounds, path->bounds());
     return bounds.isEmpty() ? vxr::Rect {} : vxr::boundsOfTransformedRect(transform(), bounds);
+}
+
+vxr::Rect GroupRenderable::computeAlignmentBounds() const
+{
+    return boundsOnPixels(VXRRenderable::computeAlignmentBounds(), canvas());
 }
 
 bool GroupRenderable::containsPoint(vxr::Point p) const

@@ -24,6 +24,7 @@ public:
 
     void renderIntoContext(vxr::Context&) override;
     vxr::Rect computeGeometricBounds() const override; ///< what the children may paint within the clip
+    vxr::Rect computeAlignmentBounds() const override; ///< the same, on whole pixels for a compositor
     bool containsPoint(vxr::Point) const override; ///< some child does, within the clip
 
 private:

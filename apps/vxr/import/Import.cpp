@@ -1,11 +1,11 @@
 #include "Import.h"
 
+#include "DrawnShape.h"
 #include "Gradients.h"
 #include "GroupRenderable.h"
 #include "OutlineStroke.h"
 
 #include <vxr/renderables/VXRLineEnd.h>
-#include <vxr/renderables/VXRShape.h>
 #include <vxr/strokes/VXRStrokePattern.h>
 
 namespace app {
@@ -105,7 +105,7 @@ private:
         const std::shared_ptr<vxr::Path> path = pathFrom(shape.outline, shape.fillRule);
         const vxr::Point origin = path->bounds().origin;
         const svg::Vec offset { origin.x, origin.y };
-        auto result = vxr::VXRShape::shapeWithBezierPath(path);
+        auto result = vxr::VXRShape::shapeWithBezierPath<DrawnShape>(path);
         result->setTransform(transformFrom(shape.toCanvas * svg::Matrix::translation(offset.x, offset.y)));
         result->setFill(painterFrom(shape.fill, shape.outline, 0, offset));
         result->setStroke(strokeFrom(shape, offset));

@@ -4,12 +4,18 @@
 
 namespace app {
 
-DrawingCanvas::DrawingCanvas(const vxr::Rect& frame, RenderableList renderables)
+DrawingCanvas::DrawingCanvas(
+    const vxr::Rect& frame, RenderableList renderables, float scale, bool usesCompositor)
     : VXRCanvas(frame)
     , mRenderables(std::move(renderables))
 {
-    for (const auto& renderable : mRenderables)
+    setScaleScrollingToMaintainCenter(scale, false);
+    for (const auto& renderable : mRenderables) {
         renderable->setCanvas(this);
+        renderable->invalidateBoundingBox(); // it depends on where a compositor's pixels are
+    }
+    // Has layers made anew, which may have pixels from another canvas.
+    setUsesCompositor(usesCompositor);
 }
 
 } // namespace app

@@ -8,7 +8,7 @@ namespace app {
 /// last.
 class DrawingCanvas final : public vxr::VXRCanvas {
 public:
-    DrawingCanvas(const vxr::Rect& frame, RenderableList renderables);
+    DrawingCanvas(const vxr::Rect& frame, RenderableList renderables, float scale, bool usesCompositor);
 
     const RenderableList& objectsToRender() const override { return mRenderables; }
 

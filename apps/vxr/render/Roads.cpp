@@ -17,11 +17,10 @@ namespace {
 std::shared_ptr<DrawingCanvas> makeCanvas(const Page& page, bool usesCompositor)
 {
     const vxr::Rect frame { 0, 0, static_cast<float>(page.width), static_cast<float>(page.height) };
-    auto canvas = std::make_shared<DrawingCanvas>(frame, page.drawing.renderables);
-    canvas->setUsesCompositor(usesCompositor);
+    auto canvas
+        = std::make_shared<DrawingCanvas>(frame, page.drawing.renderables, page.scale, usesCompositor);
     canvas->setBackgroundColor(page.background ? colorFrom(*page.background) : nullptr);
     canvas->setRendersBlackAndWhite(page.blackAndWhite);
-    canvas->setScaleScrollingToMaintainCenter(page.scale, false);
     return canvas;
 }
 
