@@ -49,7 +49,7 @@ struct Pages {
     }
 };
 
-[[maybe_unused]] const int opaquePage = compare("composite/opaque-page-against-memcpy", atLeast(0.8), [] {
+[[maybe_unused]] const int opaquePage = compare("COMPOSITE/opaque-page-against-memcpy", atLeast(0.8), [] {
     auto pages = std::make_shared<Pages>(0xff336699);
     LayerInfo& layer = pages->infos[0];
     layer.opaqueMaxX = width;
@@ -61,7 +61,7 @@ struct Pages {
 });
 
 [[maybe_unused]] const int translucentPages
-    = compare("composite/three-translucent-pages-against-pixman", atLeast(1.5), [] {
+    = compare("COMPOSITE/three-translucent-pages-against-pixman", atLeast(1.5), [] {
           auto pages = std::make_shared<Pages>(0x80402010);
           const auto image = [](std::vector<std::uint32_t>& pixels) {
               return std::shared_ptr<pixman_image_t>(

@@ -101,14 +101,14 @@ struct Shown {
     Window window;
 };
 
-const int modelOverCalls = compare("Drawing/ModelOverCalls", atMost(1.10), [] {
+const int modelOverCalls = compare("DRAWING/model-against-calls", atMost(1.10), [] {
     const auto shown = std::make_shared<Shown>("bt", false);
     const auto calls = std::make_shared<std::vector<Call>>(callsOf(app::svg::readDrawing(textOf("bt"))));
     const auto context = CairoContext::createBitmap(pageWidth, pageHeight);
     return Pair { [shown] { shown->window.display(); }, [calls, context] { issue(*calls, *context); } };
 });
 
-const int redrawComposited = compare("Drawing/RedrawCompositorOverDirect", atLeast(5), [] {
+const int redrawComposited = compare("DRAWING/redraw-compositor-against-direct", atLeast(5), [] {
     const auto composited = std::make_shared<Shown>("rs", true);
     const auto direct = std::make_shared<Shown>("rs", false);
     return Pair { [composited] { composited->window.display(); }, [direct] { direct->window.display(); } };
@@ -126,7 +126,7 @@ Work drag(const std::shared_ptr<Shown>& shown)
     };
 }
 
-const int dragComposited = compare("Drawing/DragCompositorOverDirect", atLeast(3), [] {
+const int dragComposited = compare("DRAWING/drag-compositor-against-direct", atLeast(3), [] {
     return Pair { drag(std::make_shared<Shown>("mx", true)), drag(std::make_shared<Shown>("mx", false)) };
 });
 
@@ -147,7 +147,7 @@ void parseAndConvert(const std::string& text)
     benchmark::DoNotOptimize(sum);
 }
 
-const int readingOverParsing = compare("Drawing/ReadingOverParsing", atMost(1.5), [] {
+const int readingOverParsing = compare("DRAWING/reading-against-parsing", atMost(1.5), [] {
     const auto text = std::make_shared<std::string>(textOf("mx"));
     return Pair { [text] { app::svg::readDrawing(*text); }, [text] { parseAndConvert(*text); } };
 });

@@ -79,7 +79,7 @@ Pair clipBesideClipper(const Operation& operation, int vertices)
 const int registered = [] {
     for (const int vertices : { 1000, 10000 })
         for (const Operation& operation : operations)
-            bench::compare("Polygon/" + std::string(operation.name) + "-" + std::to_string(vertices),
+            bench::compare("POLYGON/" + std::string(operation.name) + "-" + std::to_string(vertices),
                 atMost(1.3), [=] { return clipBesideClipper(operation, vertices); });
     return 0;
 }();

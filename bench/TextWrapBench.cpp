@@ -44,7 +44,7 @@ void wrapAfresh(const Path& path, const Rect& rect)
     wrappedSubrectsFromPolygon(result.get(), rect);
 }
 
-const int oneLine = bench::compare("TextWrap/line-cached-to-uncached", atMost(0.02), [] {
+const int oneLine = bench::compare("TEXTWRAP/line-cached-to-uncached", atMost(0.02), [] {
     const auto path = outline();
     // Eighty lines spread over the column, so that one call is long enough to time.
     constexpr int stride = lineCount / 80;
@@ -59,7 +59,7 @@ const int oneLine = bench::compare("TextWrap/line-cached-to-uncached", atMost(0.
     return Pair { cached, uncached };
 });
 
-const int newPath = bench::compare("TextWrap/first-line-of-a-path-to-uncached", atMost(1), [] {
+const int newPath = bench::compare("TEXTWRAP/first-line-of-a-path-to-uncached", atMost(1), [] {
     const auto path = outline(), other = path->copy();
     const auto first = [path, other] {
         VXRTextWrap::wrappedSubrectsForRectPathType(line(lineCount / 2), path, wrapAround);
@@ -72,7 +72,7 @@ const int newPath = bench::compare("TextWrap/first-line-of-a-path-to-uncached", 
     return Pair { first, uncached };
 });
 
-const int columnCached = bench::measure("TextWrap/1000-lines-cached-ns", atMost(20e6), [] {
+const int columnCached = bench::measure("TEXTWRAP/1000-lines-cached-ns", atMost(20e6), [] {
     const auto path = outline();
     return bench::nanosecondsPerCall([path] {
         for (int i = 0; i < lineCount; ++i)
@@ -80,7 +80,7 @@ const int columnCached = bench::measure("TextWrap/1000-lines-cached-ns", atMost(
     });
 });
 
-const int columnUncached = bench::measure("TextWrap/1000-lines-uncached-ns", atMost(1e9), [] {
+const int columnUncached = bench::measure("TEXTWRAP/1000-lines-uncached-ns", atMost(1e9), [] {
     const auto path = outline();
     return bench::nanosecondsPerCall([path] {
         for (int i = 0; i < lineCount; ++i)

@@ -26,10 +26,10 @@ using namespace canvasdamage;
 namespace {
 
 constexpr std::size_t prefetchDistance = 16;
-constexpr std::size_t prefetchedBytes = 256; ///< of a shape, up to its stroke
+constexpr std::size_t prefetchedBytes = 128; ///< of a renderable, up to its cached bounds
 
 /// Where a walk will look next: objects lie all over the memory, and asking one for its bounds touches
-/// most of it.
+/// its first lines.
 inline void prefetchObject(const VXRRenderable* renderable)
 {
     const char* bytes = reinterpret_cast<const char*>(renderable);

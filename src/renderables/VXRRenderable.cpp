@@ -174,6 +174,7 @@ Rect VXRRenderable::alignmentBounds() const
 {
     if (mAlignmentBoundsInvalid) {
         mAlignmentBounds = computeAlignmentBounds();
+        mPaintedOutset = computePaintedOutset();
         mAlignmentBoundsInvalid = false;
     }
     return mAlignmentBounds;
@@ -219,7 +220,13 @@ Rect VXRRenderable::shadowBoundsForRect(const Rect& rect) const
 
 Rect VXRRenderable::erasableBounds() const
 {
-    return unionRect(shadowBoundsForRect(alignmentBounds()), geometricBounds());
+    // The canvas asks every renderable for these at each redraw.
+    Rect painted = alignmentBounds();
+    if (mPaintedOutset != 0)
+        painted = insetRect(painted, -mPaintedOutset, -mPaintedOutset);
+    if (shadow())
+        painted = shadowBoundsForRect(painted);
+    return unionRect(painted, geometricBounds());
 }
 
 // Geometry.

@@ -133,6 +133,8 @@ protected:
     virtual std::shared_ptr<VXRRenderableLayer> makeLayer();
     /// `point` in the local frame. None under a degenerate transform, where nothing is hit.
     std::optional<Point> localPointForHitTest(Point point) const;
+    /// How far painting reaches beyond the alignment bounds; asked when these are computed, kept with them.
+    virtual float computePaintedOutset() const { return 0; }
     int layerRenderingMode() const; ///< 0 while there is no layer and nothing is being drawn
 
 private:
@@ -141,22 +143,25 @@ private:
     void renderPass(Context& context, int mode);
     void drawTextures(const std::vector<VXRTexture*>&) const;
 
-    VXRCanvasRole* mCanvas = nullptr;
-    mutable std::shared_ptr<VXRRenderableLayer> mLayer;
+    // What a canvas reads of every renderable at each redraw stands together in front.
     std::shared_ptr<VXRShadow> mShadow;
-    float mOpacity = 1;
-    AffineTransform mTransform;
-    Size mNaturalSize;
     mutable Rect mGeometricBounds;
     mutable Rect mAlignmentBounds;
+    mutable float mPaintedOutset = 0; ///< valid with mAlignmentBounds
     mutable bool mGeometricBoundsInvalid = true;
     mutable bool mAlignmentBoundsInvalid = true;
     bool mAutoInvalidates = true;
     bool mDynamicallyTransforming = false;
+
+    VXRCanvasRole* mCanvas = nullptr;
+    mutable std::shared_ptr<VXRRenderableLayer> mLayer;
+    float mOpacity = 1;
+    AffineTransform mTransform;
+    Size mNaturalSize;
+    Rect mClipRect;
     bool mAllowsTiling = true;
     bool mDynamicallyTranslating = false;
     std::int8_t mModeWithoutLayer = 0; ///< the rendering mode while there is no layer to keep it
-    Rect mClipRect;
     VXXTextureSession* mTextureSession = nullptr;
     std::shared_ptr<VXRTextureSet> mTexture;
 };

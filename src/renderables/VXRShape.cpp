@@ -127,16 +127,12 @@ Rect VXRShape::computeAlignmentBounds() const
     return bounds;
 }
 
-Rect VXRShape::erasableBounds() const
+float VXRShape::computePaintedOutset() const
 {
-    Rect painted = alignmentBounds();
     // A square cap's corner reaches half a diagonal from the line's end; the bounds count half a width.
-    if (mStroke && mStroke->cap() == static_cast<int>(LineCap::Square) && !mInteriorStroke
-        && mStroke->shouldRender()) {
-        const float corner = mStroke->width() * 0.20710678f;
-        painted = insetRect(painted, -corner, -corner);
-    }
-    return unionRect(shadowBoundsForRect(painted), geometricBounds());
+    const bool square = mStroke && mStroke->cap() == static_cast<int>(LineCap::Square) && !mInteriorStroke
+        && mStroke->shouldRender();
+    return square ? mStroke->width() * 0.20710678f : 0;
 }
 
 // Drawing.

@@ -83,7 +83,6 @@ public:
 
     // The renderable's operations.
     Rect computeAlignmentBounds() const override; ///< with stroke and line ends
-    Rect erasableBounds() const override;
     void renderIntoContext(Context&) override;
     /// On the fill or outline; on an open line within half its width, two local units more for a line
     /// less than 5 wide.
@@ -101,6 +100,9 @@ public:
     Point center() const override { return VXRRenderable::center(); }
     float angle() const override { return VXRRenderable::angle(); }
     Rect alignmentBounds() const override { return VXRRenderable::alignmentBounds(); }
+
+protected:
+    float computePaintedOutset() const override; ///< the corners of square caps
 
 private:
     void setLineEnd(std::shared_ptr<VXRLineEnd>& field, std::shared_ptr<VXRLineEnd> lineEnd);

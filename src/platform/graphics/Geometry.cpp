@@ -14,16 +14,6 @@ Rect integralRect(const Rect& r)
     return { x, y, std::ceil(r.maxX()) - x, std::ceil(r.maxY()) - y };
 }
 
-Rect unionRect(const Rect& a, const Rect& b)
-{
-    if (a.isEmpty())
-        return b.isEmpty() ? Rect {} : b;
-    if (b.isEmpty())
-        return a;
-    const float x = std::min(a.minX(), b.minX()), y = std::min(a.minY(), b.minY());
-    return { x, y, std::max(a.maxX(), b.maxX()) - x, std::max(a.maxY(), b.maxY()) - y };
-}
-
 Rect intersectionRect(const Rect& a, const Rect& b)
 {
     if (!rectsIntersect(a, b))

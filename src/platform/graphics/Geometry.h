@@ -56,7 +56,17 @@ VXR_EXPORT Rect integralRect(const Rect& r);
 
 /// The smallest rectangle around both. An empty operand contributes nothing; two empty ones give the
 /// zero rectangle.
-VXR_EXPORT Rect unionRect(const Rect& a, const Rect& b);
+constexpr Rect unionRect(const Rect& a, const Rect& b)
+{
+    if (a.isEmpty())
+        return b.isEmpty() ? Rect {} : b;
+    if (b.isEmpty())
+        return a;
+    const float x = b.minX() < a.minX() ? b.minX() : a.minX();
+    const float y = b.minY() < a.minY() ? b.minY() : a.minY();
+    return { x, y, (a.maxX() < b.maxX() ? b.maxX() : a.maxX()) - x,
+        (a.maxY() < b.maxY() ? b.maxY() : a.maxY()) - y };
+}
 
 /// The common part; the zero rectangle when the two do not overlap with positive area.
 VXR_EXPORT Rect intersectionRect(const Rect& a, const Rect& b);
