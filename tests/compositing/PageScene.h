@@ -71,10 +71,9 @@ struct PageScene {
 /// Makes and changes objects of all kinds, the same ones for the same seed.
 class RandomPage {
 public:
-    RandomPage(unsigned seed, Size page, bool gradients = true)
+    RandomPage(unsigned seed, Size page)
         : mRandom(seed)
         , mPage(page)
-        , mGradients(gradients)
     {
     }
 
@@ -89,10 +88,7 @@ public:
     }
     std::shared_ptr<VXRShapePainter> fill()
     {
-        const int kind = below(6);
-        if (!mGradients && kind > 0)
-            return color();
-        switch (kind) {
+        switch (below(6)) {
         case 0:
             return nullptr;
         case 1:
@@ -170,7 +166,6 @@ public:
 private:
     std::mt19937 mRandom;
     Size mPage;
-    bool mGradients;
 };
 
 } // namespace vxr::test

@@ -66,6 +66,36 @@ int halvingsFor(double scale)
     return halvings;
 }
 
+/// The way back from the device to a picture's pixels, in steps that the engine's 16.16 arithmetic takes
+/// exactly. It rounds other ways with regard to what is painted; by these each device pixel is sampled at
+/// one place, whatever part is painted and at whichever whole pixel the device begins.
+cairo_matrix_t steadyInverse(const cairo_matrix_t& m)
+{
+    const auto inSteps = [](double value, double steps) { return std::floor(value * steps + 0.5) / steps; };
+    constexpr double linearSteps = 1 << 15, originSteps = 1 << 8, offsetSteps = 1 << 16;
+    cairo_matrix_t exact = m;
+    cairo_matrix_invert(&exact);
+    const double x = inSteps(m.x0, originSteps), y = inSteps(m.y0, originSteps);
+    cairo_matrix_t steady { inSteps(exact.xx, linearSteps), inSteps(exact.yx, linearSteps),
+        inSteps(exact.xy, linearSteps), inSteps(exact.yy, linearSteps), 0, 0 };
+    steady.x0 = inSteps(-(steady.xx * x + steady.xy * y), offsetSteps);
+    steady.y0 = inSteps(-(steady.yx * x + steady.yy * y), offsetSteps);
+    return steady.xx * steady.yy != steady.xy * steady.yx ? steady : exact;
+}
+
+/// Makes a picture the source that `m` maps to a bitmap's pixels. The engine's own matrix stays.
+void setSteadySource(cairo_t* cr, cairo_surface_t* surface, const cairo_matrix_t& m, cairo_filter_t filter)
+{
+    cairo_matrix_t current;
+    cairo_get_matrix(cr, &current);
+    cairo_identity_matrix(cr);
+    cairo_set_source_surface(cr, surface, 0, 0);
+    cairo_set_matrix(cr, &current);
+    const cairo_matrix_t toPicture = steadyInverse(m);
+    cairo_pattern_set_matrix(cairo_get_source(cr), &toPicture);
+    cairo_pattern_set_filter(cairo_get_source(cr), filter);
+}
+
 /// Makes a smooth image the source. The nearest of its pixels is as good as a mixture, and keeps the
 /// dither, up to where single pixels could be seen. `m` maps the image's pixels to the device's.
 void setSmoothSource(cairo_t* cr, const Image& image, const cairo_matrix_t& m)
@@ -78,11 +108,9 @@ void setSmoothSource(cairo_t* cr, const Image& image, const cairo_matrix_t& m)
         surface = image.impl().surface();
         x = y = 0;
     }
-    cairo_set_source_surface(cr, surface, 0, 0);
-    cairo_matrix_t toThinned;
-    cairo_matrix_init_scale(&toThinned, 1.0 / (1 << x), 1.0 / (1 << y));
-    cairo_pattern_set_matrix(cairo_get_source(cr), &toThinned);
-    cairo_pattern_set_filter(cairo_get_source(cr),
+    cairo_matrix_t fromThinned = m;
+    cairo_matrix_scale(&fromThinned, 1 << x, 1 << y);
+    setSteadySource(cr, surface, fromThinned,
         xScale <= limit && yScale <= limit ? CAIRO_FILTER_NEAREST : CAIRO_FILTER_BILINEAR);
 }
 
@@ -118,12 +146,14 @@ void CairoContext::Impl::drawImage(const Rect& rect, const Image& image)
     CairoSaver saved(cr());
     setStyle();
     cairo_set_matrix(cr(), &matrix);
-    if (image.layout().smooth && !onPaper && !exact) {
-        setSmoothSource(cr(), image, matrix);
-    } else {
+    if (onPaper || exact) {
         cairo_set_source_surface(cr(), surface, 0, 0);
         cairo_pattern_set_filter(
             cairo_get_source(cr()), exact ? CAIRO_FILTER_NEAREST : filterFor(state.quality));
+    } else if (image.layout().smooth) {
+        setSmoothSource(cr(), image, matrix);
+    } else {
+        setSteadySource(cr(), surface, matrix, filterFor(state.quality));
     }
     if (!onPaper) {
         // Nothing bleeds in from beside the image.
