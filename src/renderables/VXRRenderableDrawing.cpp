@@ -155,13 +155,17 @@ void VXRRenderable::renderPass(Context& context, int mode)
 
 void VXRRenderable::renderLayeredIntoContext(Context& context)
 {
+    // Also when the drawing fails.
+    const struct ModeReset {
+        VXRRenderable& renderable;
+        ~ModeReset() { renderable.setLayerRenderingMode(VXRRenderingModeNone); }
+    } reset { *this };
     if (mLayer && mLayer->hasMixedContent() && shadow()) {
         renderPass(context, VXRRenderingModeShadowless);
         renderPass(context, VXRRenderingModeShadowed);
     } else {
         renderPass(context, VXRRenderingModeSingle);
     }
-    setLayerRenderingMode(VXRRenderingModeNone);
 }
 
 void VXRRenderable::renderIntoContext(Context&) { }
