@@ -13,5 +13,5 @@ install_packages() {
     echo "installing:$missing"
     $as_root apt-get update -qq
     # shellcheck disable=SC2086 # the list is meant to be split
-    DEBIAN_FRONTEND=noninteractive $as_root apt-get install -y -qq --no-install-recommends $missing >/dev/null
+    $as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends $missing >/dev/null
 }
