@@ -7,6 +7,7 @@
 #include <vxr/geometry/VXRColorUtilities.h>
 #include <vxr/geometry/VXRGeometry.h>
 #include <vxr/platform/graphics/Blur.h>
+#include <vxr/platform/graphics/LayerBlend.h>
 #include <vxr/platform/views/UserDefaults.h>
 #include <vxr/protocols/VXRCanvasRole.h>
 #include <vxr/protocols/VXRLayeredRenderable.h>
@@ -34,12 +35,6 @@ int pixelsFor(float length)
     return int(std::min(std::ceil(double(length) - 1.0 / 256), double(largestSide)));
 }
 
-/// The upper byte of the 16-bit channel that the drawing engine makes of a component.
-std::uint32_t channelByte(float component)
-{
-    return unsigned(std::clamp(double(component), 0.0, 1.0) * 65535 + 0.5) >> 8;
-}
-
 /// The byte that, times `factor`, has `wanted` as its channel byte; the nearest one where there is none.
 std::uint32_t byteForProduct(std::uint32_t wanted, double factor)
 {
@@ -47,7 +42,7 @@ std::uint32_t byteForProduct(std::uint32_t wanted, double factor)
         return 0;
     const double guess = std::min(double(wanted) / factor, 255.0);
     for (const double byte : { std::floor(guess), std::ceil(guess), std::floor(guess) + 2 })
-        if (byte <= 255 && channelByte(float(byte / 255 * factor)) == wanted)
+        if (byte <= 255 && channelByte(byte / 255 * factor) == wanted)
             return std::uint32_t(byte);
     return std::uint32_t(guess + 0.5);
 }
@@ -62,10 +57,10 @@ std::uint32_t packedShadowColor(const VXRShadow& shadow, float fade)
     const auto shaded = color->colorWithAlphaComponent(color->alphaComponent() * shadow.opacity());
     const auto rgba = VXRCGColorWithNSColor(*shaded).toRGBA();
     const double painted = double(rgba[3]) * double(fade);
-    const std::uint32_t alpha = byteForProduct(channelByte(float(painted)), double(fade));
+    const std::uint32_t alpha = byteForProduct(channelByte(painted), double(fade));
     std::uint32_t packed = 0;
     for (int i = 0; i < 3; ++i) {
-        const std::uint32_t wanted = channelByte(float(double(rgba[std::size_t(i)]) * painted));
+        const std::uint32_t wanted = channelByte(double(rgba[std::size_t(i)]) * painted);
         packed = packed << 8 | byteForProduct(wanted, alpha / 255.0 * double(fade));
     }
     return packed << 8 | alpha;

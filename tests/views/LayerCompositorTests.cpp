@@ -1,4 +1,4 @@
-#include <vxr/platform/views/LayerBlend.h>
+#include <vxr/platform/graphics/LayerBlend.h>
 #include <vxr/platform/views/LayerCompositor.h>
 
 #include <gtest/gtest.h>
@@ -81,11 +81,14 @@ TEST_F(LayerBlendTest, OverEqualsPixmanForEveryAlphaColourAndDestination)
     }
 }
 
-TEST_F(LayerBlendTest, FadesMasksAndColoursEqualPixmanAtEveryLength)
+TEST_F(LayerBlendTest, LayersMasksAndColoursEqualPixmanAtEveryLength)
 {
     for (unsigned level = 0; level < 256; ++level) {
         const int count = 1 + int(level) % 97;
         std::vector<std::uint32_t> source = randomPixels(std::size_t(count));
+        // Runs that are opaque or empty, as in most layers.
+        for (std::size_t i = 0; i < source.size(); ++i)
+            source[i] = i / 19 % 3 == 1 ? source[i] | 0xff000000 : i / 19 % 3 == 2 ? 0 : source[i];
         const std::vector<std::uint32_t> start = randomPixels(std::size_t(count) + 1);
         std::vector<std::uint8_t> coverage(std::size_t(count) + 3);
         for (auto& value : coverage)
@@ -95,7 +98,9 @@ TEST_F(LayerBlendTest, FadesMasksAndColoursEqualPixmanAtEveryLength)
         const auto destination = [&](std::vector<std::uint32_t>& pixels) {
             return Reference::image(PIXMAN_a8r8g8b8, pixels.data(), count, 1, count * 4);
         };
-        auto faded = start, masked = start, colored = start;
+        auto over = start, faded = start, masked = start, colored = start;
+        Reference::over(Reference::image(PIXMAN_a8r8g8b8, source.data(), count, 1, count * 4), nullptr,
+            destination(over), 0, 0, 0, 0, count, 1);
         Reference::over(Reference::image(PIXMAN_a8r8g8b8, source.data(), count, 1, count * 4),
             Reference::solid(level << 24), destination(faded), 0, 0, 0, 0, count, 1);
         Reference::over(Reference::solid(color),
@@ -104,10 +109,12 @@ TEST_F(LayerBlendTest, FadesMasksAndColoursEqualPixmanAtEveryLength)
         Reference::over(Reference::solid(color), nullptr, destination(colored), 0, 0, 0, 0, count, 1);
 
         for (const LayerBlendLoops* loops : availableLayerBlendLoops()) {
-            auto a = start, b = start, c = start;
+            auto plain = start, a = start, b = start, c = start;
+            loops->over(plain.data(), source.data(), std::size_t(count));
             loops->overFaded(a.data(), source.data(), std::size_t(count), std::uint8_t(level));
             loops->overMask(b.data(), coverage.data(), color, std::size_t(count));
             loops->overColor(c.data(), color, std::size_t(count));
+            ASSERT_EQ(plain, over) << loops->name << " count " << count;
             ASSERT_EQ(a, faded) << loops->name << " fade " << level;
             ASSERT_EQ(b, masked) << loops->name << " alpha " << level;
             ASSERT_EQ(c, colored) << loops->name << " alpha " << level;

@@ -205,6 +205,12 @@ void CairoContext::beginTransparencyLayer() { mImpl->beginLayer(); }
 
 void CairoContext::endTransparencyLayer() { mImpl->endLayer(); }
 
+void CairoContext::setLayerReach(const Rect& r)
+{
+    const double height = mImpl->deviceHeight;
+    mImpl->state.layerReach = { r.minX(), height - r.maxY(), r.maxX(), height - r.minY() };
+}
+
 void CairoContext::drawImage(const Rect& rect, const Image& image) { mImpl->drawImage(rect, image); }
 
 void CairoContext::drawShading(const Shading& shading) { mImpl->drawShading(shading); }

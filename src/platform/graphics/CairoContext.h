@@ -61,6 +61,7 @@ public:
     void clearShadow() override;
     void beginTransparencyLayer() override;
     void endTransparencyLayer() override;
+    void setLayerReach(const Rect&) override;
     void drawImage(const Rect&, const Image&) override;
     void drawShading(const Shading&) override;
     PixelAccess* pixelAccess() override;

@@ -87,6 +87,32 @@ bool fitsEngine(std::span<const Point> points, const cairo_matrix_t& m, double r
     return x + reach < engineRange && y + reach < engineRange;
 }
 
+/// Whether the path is made of straight segments along the device's axes, of both.
+bool turnsAlongAxes(const Path& path, const cairo_matrix_t& m)
+{
+    const bool isUpright = m.xy == 0 && m.yx == 0, isTurned = m.xx == 0 && m.yy == 0;
+    if (!isUpright && !isTurned)
+        return false;
+    const Point* p = path.points().data();
+    Point from, start;
+    bool goesAlongX = false, goesAlongY = false;
+    for (const PathElementKind kind : path.kinds()) {
+        if (kind == PathElementKind::CurveTo)
+            return false;
+        const Point to = kind == PathElementKind::Close ? start : *p++;
+        if (kind == PathElementKind::MoveTo) {
+            start = to;
+        } else {
+            if (to.x != from.x && to.y != from.y)
+                return false;
+            goesAlongX = goesAlongX || to.x != from.x;
+            goesAlongY = goesAlongY || to.y != from.y;
+        }
+        from = to;
+    }
+    return goesAlongX && goesAlongY;
+}
+
 /// A larger limit makes no difference that could be seen: at 500 the corner is a quarter of a degree.
 float usableMiterLimit(const LineStyle& style)
 {
@@ -235,13 +261,15 @@ void CairoContext::Impl::strokePath(const Path& path, const LineStyle& style)
     setStyle();
     if (!setSource(state.stroke, bounds))
         return;
-    if (fitsEngine(path.points(), state.matrix, reach)) {
+    if (!fitsEngine(path.points(), state.matrix, reach)) {
+        strokeHuge(path, style, reach);
+    } else if (losesCorners(path, style)) {
+        fillOutlineOf(path, style);
+    } else {
         setLineStyle(style);
         cairo_new_path(cr());
         appendElements(cr(), path);
         cairo_stroke(cr());
-    } else {
-        strokeHuge(path, style, reach);
     }
     noteInk(bounds);
     finishOperation();
@@ -255,10 +283,23 @@ void CairoContext::Impl::strokeHuge(const Path& path, const LineStyle& style, do
         strokeClippedLine(cr(), path, state.matrix, state.clip.grown(reach + 2), state.tolerance());
         return;
     }
+    fillOutlineOf(path, style);
+}
+
+void CairoContext::Impl::fillOutlineOf(const Path& path, const LineStyle& style)
+{
     const double scale = std::sqrt(std::abs(state.transform.determinant()));
     appendArea(*path.strokedOutline(style, static_cast<float>(state.tolerance() / scale)));
     cairo_set_fill_rule(cr(), CAIRO_FILL_RULE_WINDING);
     cairo_fill(cr());
+}
+
+// The engine takes dashes along the axes as boxes, each segment for itself, and where one leaves the clip it
+// forgets the corners of those beside it. On paper there is no clip to leave.
+bool CairoContext::Impl::losesCorners(const Path& path, const LineStyle& style) const
+{
+    return !onPaper && !style.dash.empty() && isDrawableDash(style) && style.join == LineJoin::Miter
+        && turnsAlongAxes(path, state.matrix);
 }
 
 void CairoContext::Impl::clearRect(const Rect& rect)

@@ -6,6 +6,8 @@
 
 namespace vxr {
 
+constexpr double maxLayerSide = 32767; ///< of an image
+
 /// Where drawing goes: the surface of the context itself, or that of an open transparency layer.
 /// All of them share one device space; a layer's surface is a window onto it.
 struct CairoTarget {
@@ -56,6 +58,8 @@ struct CairoContext::Impl final : PixelAccess {
     bool drawPatternWithAlpha(const CairoPaint&, const std::function<void()>& draw);
     void appendArea(const Path&); ///< the outline for a fill or clip; changes the matrix for a huge one
     void strokeHuge(const Path&, const LineStyle&, double reach);
+    bool losesCorners(const Path&, const LineStyle&) const; ///< when the engine strokes it
+    void fillOutlineOf(const Path&, const LineStyle&); ///< of the stroke
     void paintSource(); ///< over the clip, with the state's alpha
     void clipToExtendedSide(const Shading&);
     void clipToPixelsOf(const Image&, const cairo_matrix_t& toDevice);
@@ -74,13 +78,15 @@ struct CairoContext::Impl final : PixelAccess {
         double reach = 1; ///< whole units beyond which nothing of the blur is seen
     };
     DeviceShadow deviceShadow() const;
+    DeviceBox layerClip() const; ///< what cuts layers: the clip, wider if they are to reach further
     DeviceBox casterExtents() const; ///< of all that is seen or casts a shadow that is
     CairoTarget leaveLayer(); ///< and back to the state before it
     void drawWithShadow(const std::function<void()>& draw);
     void pushLayerTarget();
     CairoTarget popLayerTarget();
     void clearClip();
-    void drawLayer(const CairoTarget& layer);
+    void drawLayer(CairoTarget& layer);
+    bool blendLayer(CairoTarget& layer); ///< false when the clip isn't whole pixels
     void drawShadowOf(const CairoTarget& layer);
     void releaseLayer(CairoTarget layer);
 

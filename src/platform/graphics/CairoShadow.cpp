@@ -14,7 +14,6 @@ constexpr double samplesPerSigma = 3; ///< enough for a Gaussian's edge
 constexpr double maxSamples = 1 << 24;
 
 constexpr double farthestCaster = 8192; ///< device units beyond the clip that still cast into it
-constexpr double maxLayerSide = 32767; ///< of an image
 
 /// A shadow's shape: an A8 surface with `resolution` samples a device unit that covers `box` of the
 /// device space of what casts it.
@@ -111,8 +110,8 @@ CairoContext::Impl::DeviceShadow CairoContext::Impl::deviceShadow() const
 DeviceBox CairoContext::Impl::casterExtents() const
 {
     const DeviceShadow shadow = deviceShadow();
-    const DeviceBox casters = state.clip.moved(-shadow.dx, -shadow.dy).grown(shadow.reach);
-    const DeviceBox clip = state.clip.roundedOut();
+    const DeviceBox casters = layerClip().moved(-shadow.dx, -shadow.dy).grown(shadow.reach);
+    const DeviceBox clip = layerClip().roundedOut();
     const double room = std::floor((maxLayerSide - std::max(clip.width(), clip.height())) / 2);
     const DeviceBox around = clip.grown(std::clamp(room, 0.0, farthestCaster));
     return intersection(united(clip, casters.roundedOut()), around);

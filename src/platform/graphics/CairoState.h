@@ -32,6 +32,7 @@ struct CairoState {
     cairo_matrix_t matrix; ///< user space to cairo's device space, y down
     bool drawable = true; ///< the transform has an inverse
     DeviceBox clip; ///< encloses the clip
+    DeviceBox layerReach; ///< that layers extend to at the sides
     CairoPaint fill, stroke;
     LineStyle line;
     float flatness = Path::defaultFlatness;

@@ -1,6 +1,6 @@
 #include <vxr/platform/views/LayerCompositor.h>
 
-#include <vxr/platform/views/LayerBlend.h>
+#include <vxr/platform/graphics/LayerBlend.h>
 #include <vxr/platform/views/PixelRegion.h>
 
 #include <pixman.h>
@@ -22,12 +22,6 @@ PixelBox touchedBox(const LayerInfo& layer)
     const auto next = [](std::int32_t last) { return last == INT32_MAX ? last : last + 1; };
     return intersection(
         frame, { layer.clipMinX, layer.clipMinY, next(layer.clipMaxX), next(layer.clipMaxY) });
-}
-
-/// The upper byte of a 16-bit channel, which is how the drawing engine takes components.
-std::uint8_t channelByte(double component)
-{
-    return std::uint8_t(unsigned(std::clamp(component, 0.0, 1.0) * 65535 + 0.5) >> 8);
 }
 
 std::uint8_t fadeByte(float fade) { return fade > 0 ? channelByte(double(fade)) : 0; }

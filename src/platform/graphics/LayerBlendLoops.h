@@ -1,7 +1,7 @@
 // The loops of LayerBlend.h, compiled once per instruction set: the includer defines VXR_BLEND_LEVEL (a
-// namespace), VXR_BLEND_TARGET (the function attribute) and VXR_BLEND_BYTES (the vector size), and so
-// there is no include guard. Vectors are lowered by the target of the function that they stand in, so
-// every function here carries the attribute.
+// namespace), VXR_BLEND_TARGET (the function attribute), VXR_BLEND_BYTES (the vector size) and
+// VXR_BLEND_SAME(a, b) (whether two vectors are equal), and so there is no include guard. Vectors are lowered
+// by the target of the function that they stand in, so every function here carries the attribute.
 
 namespace VXR_BLEND_LEVEL {
 
@@ -53,18 +53,32 @@ VXR_BLEND_INLINE Words coverageFactor(Coverage coverage)
     return bothHalves(__builtin_convertvector(coverage, Pixels));
 }
 
+/// Most of a layer is opaque or empty.
+VXR_BLEND_INLINE void overPixels(std::uint32_t* destination, Pixels source)
+{
+    constexpr Pixels none = {}, opaque = none + 0xff000000u;
+    if (VXR_BLEND_SAME(source & opaque, opaque)) {
+        std::memcpy(destination, &source, sizeof source);
+    } else if (!VXR_BLEND_SAME(source, none)) {
+        const Pixels result = over(source, load(destination));
+        std::memcpy(destination, &result, sizeof result);
+    }
+}
+
 VXR_BLEND_TARGET static void overRow(
     std::uint32_t* destination, const std::uint32_t* source, std::size_t count)
 {
-    std::size_t i = 0;
-    for (; i + lanes <= count; i += lanes) {
-        const Pixels result = over(load(source + i), load(destination + i));
-        std::memcpy(destination + i, &result, sizeof result);
+    if (count < lanes) {
+        const Pixels result = over(loadSome(source, count), loadSome(destination, count));
+        std::memcpy(destination, &result, count * 4);
+        return;
     }
-    if (const std::size_t rest = count - i) {
-        const Pixels result = over(loadSome(source + i, rest), loadSome(destination + i, rest));
-        std::memcpy(destination + i, &result, rest * 4);
-    }
+    // The last pixels are blended before the others, which reach into them, have changed any.
+    const std::size_t last = count - lanes;
+    const Pixels end = over(load(source + last), load(destination + last));
+    for (std::size_t i = 0; i < last; i += lanes)
+        overPixels(destination + i, load(source + i));
+    std::memcpy(destination + last, &end, sizeof end);
 }
 
 VXR_BLEND_TARGET static void overFadedRow(

@@ -1,19 +1,32 @@
-#include <vxr/platform/views/LayerBlend.h>
+#include <vxr/platform/graphics/LayerBlend.h>
 
 #include <array>
 #include <cstring>
+
+#if defined(__x86_64__)
+#include <immintrin.h>
+#endif
 
 namespace vxr {
 
 namespace {
 
+template <typename Vector> bool same16(Vector a, Vector b)
+{
+    typedef std::uint64_t Halves __attribute__((vector_size(16)));
+    const Halves different = Halves(a) ^ Halves(b);
+    return (different[0] | different[1]) == 0;
+}
+
 #define VXR_BLEND_LEVEL portable
 #define VXR_BLEND_TARGET
 #define VXR_BLEND_BYTES 16
+#define VXR_BLEND_SAME(a, b) same16(a, b)
 #include "LayerBlendLoops.h"
 #undef VXR_BLEND_LEVEL
 #undef VXR_BLEND_TARGET
 #undef VXR_BLEND_BYTES
+#undef VXR_BLEND_SAME
 
 constexpr LayerBlendLoops portableLoops { "portable", portable::overRow, portable::overFadedRow,
     portable::overColorRow, portable::overMaskRow };
@@ -22,18 +35,22 @@ constexpr LayerBlendLoops portableLoops { "portable", portable::overRow, portabl
 #define VXR_BLEND_LEVEL avx2
 #define VXR_BLEND_TARGET __attribute__((target("avx2")))
 #define VXR_BLEND_BYTES 32
+#define VXR_BLEND_SAME(a, b) (_mm256_movemask_epi8(_mm256_cmpeq_epi32(__m256i(a), __m256i(b))) == -1)
 #include "LayerBlendLoops.h"
 #undef VXR_BLEND_LEVEL
 #undef VXR_BLEND_TARGET
 #undef VXR_BLEND_BYTES
+#undef VXR_BLEND_SAME
 
 #define VXR_BLEND_LEVEL avx512
 #define VXR_BLEND_TARGET __attribute__((target("avx512f,avx512bw")))
 #define VXR_BLEND_BYTES 64
+#define VXR_BLEND_SAME(a, b) (_mm512_cmpneq_epi32_mask(__m512i(a), __m512i(b)) == 0)
 #include "LayerBlendLoops.h"
 #undef VXR_BLEND_LEVEL
 #undef VXR_BLEND_TARGET
 #undef VXR_BLEND_BYTES
+#undef VXR_BLEND_SAME
 
 constexpr LayerBlendLoops avx2Loops { "avx2", avx2::overRow, avx2::overFadedRow, avx2::overColorRow,
     avx2::overMaskRow };

@@ -1,12 +1,13 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <span>
 
 namespace vxr {
 
-/// Row loops of the layer compositor over premultiplied ARGB32 pixels, with the exact results of pixman's
+/// Row loops that blend layers, over premultiplied ARGB32 pixels, with the exact results of pixman's
 /// source-over: each product of two bytes is rounded, sums saturate.
 struct LayerBlendLoops {
     const char* name;
@@ -31,6 +32,12 @@ constexpr std::uint8_t multiply255(std::uint8_t a, std::uint8_t b)
 {
     const unsigned t = unsigned(a) * b + 0x80;
     return std::uint8_t((t + (t >> 8)) >> 8);
+}
+
+/// The upper byte of a 16-bit channel, which is how the drawing engine takes components.
+inline std::uint8_t channelByte(double component)
+{
+    return std::uint8_t(unsigned(std::clamp(component, 0.0, 1.0) * 65535 + 0.5) >> 8);
 }
 
 } // namespace vxr
