@@ -116,8 +116,8 @@ private:
     CompositeArea compositeArea(const Rect& dirty) const;
     void collectLayers(const Rect& dirty, std::vector<LayerInfo*>&, FirstFailure&);
     void drawDirectly(const Rect& dirty);
-    void fillBackground(Context&, const Rect&) const;
-    void drawIntoRedrawnRows(const Rect& dirty, const std::vector<VXRRenderable*>&, FirstFailure&);
+    void fillBackground(Context&, const Rect&, bool isRedraw) const;
+    void redraw(VXRRenderable&, Context&, FirstFailure&) const;
     void _adjustBitmapRenderingQualityInRenderablesUpdateRect(const RenderableList&, const Rect&);
     void disableScreenUpdates();
     void enableScreenUpdatesIfNeeded();
@@ -137,7 +137,6 @@ private:
     std::shared_ptr<const Image> mMinimizedImage;
     VXUMutablePointerSet<VXRRenderable> mRegisteredRenderables;
     bool mScreenUpdatesDisabled = false;
-    std::vector<std::uint32_t> mRows; ///< what the direct road draws into; kept for the next redraw
 };
 
 /// A canvas that shows one renderable, for drawing off screen.

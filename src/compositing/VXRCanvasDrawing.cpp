@@ -5,7 +5,6 @@
 #include <vxr/geometry/Color.h>
 #include <vxr/geometry/VXRColorUtilities.h>
 #include <vxr/geometry/VXRGeometry.h>
-#include <vxr/platform/graphics/CairoContext.h>
 #include <vxr/platform/graphics/GraphicsContext.h>
 #include <vxr/platform/views/FirstFailure.h>
 #include <vxr/platform/views/LayerCompositor.h>
@@ -15,7 +14,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 
 // The two roads of a redraw.
 
@@ -82,77 +80,52 @@ void VXRCanvas::drawDirectly(const Rect& dirty)
             hit.push_back(renderables[i].get());
     }
     FirstFailure failure;
+    Context& context = currentDrawingPort();
     const bool isRedraw = window() && window()->redrawnPixels() && focusView() == this;
-    if (isRedraw && _backgroundColor && _backgroundColor->alphaComponent() >= 1) {
-        drawIntoRedrawnRows(dirty, hit, failure);
-    } else {
-        Context& context = currentDrawingPort();
-        fillBackground(context, dirty);
-        for (VXRRenderable* renderable : hit)
+    fillBackground(context, dirty, isRedraw);
+    for (VXRRenderable* renderable : hit) {
+        if (isRedraw)
+            redraw(*renderable, context, failure);
+        else
             renderGuarded(*renderable, context, failure);
     }
     failure.rethrow();
 }
 
-void VXRCanvas::fillBackground(Context& context, const Rect& rect) const
+/// In a window the levels are those that the compositor's background has.
+void VXRCanvas::fillBackground(Context& context, const Rect& rect, bool isRedraw) const
 {
     if (!_backgroundColor)
         return;
     VXRSetColor(*_backgroundColor);
+    if (isRedraw && _backgroundColor->alphaComponent() >= 1) {
+        const std::uint32_t packed = _colorAsLong(*_backgroundColor);
+        const auto channel = [packed](int shift) { return float(packed >> shift & 0xff) / 255; };
+        VXRSetColor(*Color::colorWithDeviceRGB(channel(24), channel(16), channel(8)));
+    }
     context.fillRect(rect);
 }
 
-/// A redraw of the window. Outlines that leave a clip at its sides are cut there by the rasteriser, and
-/// rows with such a cut come out a level or two different; so a redraw would depend on how much of the
-/// page it redraws and where the page is scrolled to. Hence the dirty rows are drawn beside the window, wide
-/// enough for all that is drawn, and only the dirty pixels are taken over. For the same reason nothing is
-/// drawn where its renderable would not erase it.
-void VXRCanvas::drawIntoRedrawnRows(
-    const Rect& dirty, const std::vector<VXRRenderable*>& hit, FirstFailure& failure)
+/// Draws into the window as if all of the window were drawn, and a layer at a time: the parts of a renderable
+/// meet each other before they meet what lies below, as they do in a compositor layer. Every paint over
+/// another rounds to whole levels, and so both roads round alike. Nothing is drawn where the renderable
+/// would not erase it.
+void VXRCanvas::redraw(VXRRenderable& renderable, Context& context, FirstFailure& failure) const
 {
-    constexpr float farthest = 4096; ///< pixels on either side; beyond, exactness isn't worth the memory
-    constexpr float rowsBeyond
-        = 16; ///< the rasteriser drops the corners of dashes at a clip's upper and lower edge
-    const Rect kept = *window()->redrawnPixels();
-    Rect reach = dirty;
-    for (const VXRRenderable* renderable : hit)
-        reach = unionRect(reach, renderable->erasableBounds());
     const float slack = erasingSlack + placementSlack / _scale;
-    const Rect wanted = integralRect(convertRectToWindow(insetRect(reach, -slack, -slack)));
-    const float x0 = std::clamp(wanted.minX(), kept.minX() - farthest, kept.minX());
-    const float x1 = std::clamp(wanted.maxX(), kept.maxX(), kept.maxX() + farthest);
-    const float y0 = std::max(kept.minY() - rowsBeyond, 0.0f);
-    const float y1 = std::min(kept.maxY() + rowsBeyond, float(window()->height()));
-    const int wide = int(x1 - x0), high = int(y1 - y0);
-    if (mRows.size() < std::size_t(wide) * std::size_t(high))
-        mRows.resize(std::size_t(wide) * std::size_t(high));
-
-    const auto rows = CairoContext::createWithPixels(mRows.data(), wide, high, std::size_t(wide) * 4);
-    const AffineTransform toWindow = currentDrawingPort().currentTransform();
-    const auto toRows = AffineTransform::makeTranslation(-x0, y1 - float(window()->height()));
-    const auto inPixels
-        = [&](const Rect& r) { return integralRect(convertRectToWindow(insetRect(r, -slack, -slack))); };
-    {
-        const CurrentContextScope current(std::make_shared<GraphicsContext>(rows, true, true));
-        fillBackground(*rows, { 0, 0, float(wide), float(high) });
-        for (VXRRenderable* renderable : hit) {
-            const StateSaver saved(*rows);
-            rows->setBaseTransform(toRows);
-            rows->clipToRect(inPixels(renderable->erasableBounds()));
-            rows->concatTransform(toWindow);
-            renderGuarded(*renderable, *rows, failure);
-        }
-    }
-
-    const WindowLock lock(*window(), convertRectToWindow(visibleRect()));
-    if (!lock || lock.bits().depthCode != 4)
-        return;
-    const WindowBits& bits = lock.bits();
-    const std::size_t left = std::size_t(kept.minX() - x0), rowBytes = std::size_t(kept.size.width) * 4;
-    for (int y = int(kept.minY()); y < int(kept.maxY()); ++y)
-        std::memcpy(
-            bits.colorBase + std::ptrdiff_t(y) * bits.colorBytesPerRow + std::ptrdiff_t(kept.minX()) * 4,
-            mRows.data() + std::size_t(y - int(y0)) * std::size_t(wide) + left, rowBytes);
+    const Rect area
+        = integralRect(convertRectToWindow(insetRect(renderable.erasableBounds(), -slack, -slack)));
+    const StateSaver saved(context);
+    const AffineTransform transform = context.currentTransform();
+    context.setBaseTransform({});
+    context.clipToRect(area);
+    context.setLayerReach(area);
+    context.concatTransform(transform);
+    if (renderable._shouldLayer())
+        return renderGuarded(renderable, context, failure);
+    context.beginTransparencyLayer();
+    renderGuarded(renderable, context, failure);
+    context.endTransparencyLayer();
 }
 
 VXRCanvas::CompositeArea VXRCanvas::compositeArea(const Rect& dirty) const

@@ -441,6 +441,16 @@ private:
     std::size_t mDepth;
 };
 
+/// A distance in pixels that single precision has left a hair beside a whole number is taken as whole. The
+/// rasteriser's own grid is coarser, but what falls on another of its points than without a layer would
+/// come out a level different.
+float wholeIfNearly(double pixels)
+{
+    constexpr double hair = 1.0 / 512;
+    const double whole = std::round(pixels);
+    return float(std::abs(pixels - whole) < hair ? whole : pixels);
+}
+
 } // namespace
 
 void VXRCompositorLayer::drawIntoContext(VXRTile& tile, Context& context, bool wholly)
@@ -476,8 +486,8 @@ void VXRCompositorLayer::drawIntoContext(VXRTile& tile, Context& context, bool w
 
     const double zoom = _zoomFactor;
     context.concatTransform(
-        { _zoomFactor, 0, 0, _zoomFactor, float(-(double(bounds.origin.x) * zoom + double(offset.x))),
-            float(-(double(bounds.origin.y) * zoom + double(offset.y))) });
+        { _zoomFactor, 0, 0, _zoomFactor, wholeIfNearly(-(double(bounds.origin.x) * zoom + double(offset.x))),
+            wholeIfNearly(-(double(bounds.origin.y) * zoom + double(offset.y))) });
     const Size area = tile.areaSize();
     _renderable->drawRect({ bounds.origin.x + offset.x / _zoomFactor,
         bounds.origin.y + offset.y / _zoomFactor, area.width / _zoomFactor, area.height / _zoomFactor });

@@ -141,40 +141,40 @@ void moveToWhereLayersAre(PageScene& scene)
     }
 }
 
+/// What the two roads draw of a page at places where its layers lie on whole pixels.
+void drawOnBothRoads(
+    PageScene& scene, float zoom, std::vector<std::uint32_t>& composited, std::vector<std::uint32_t>& direct)
+{
+    scene.canvas->setScale(zoom);
+    scene.canvas->scrollPoint({ 20, 30 });
+    moveToWhereLayersAre(scene);
+    composited = scene.redrawn();
+    scene.canvas->setUsesCompositor(false);
+    direct = scene.redrawn();
+}
+
 } // namespace
 
-/// Each thing that is painted over another rounds once more, and the roads round apart: the layer's own
-/// parts first come together there. What is painted once differs by no more than one level.
-TEST(Canvas, RoadsAgreeWithinOneLevelPerPaintAtWholeZooms)
+/// A ramp of colours is looked up at places that single precision may put into the next step, so gradients
+/// may come out a level apart; everything else is the same to the bit, however much lies one over another.
+TEST(Canvas, RoadsAgreeAtWholeZooms)
 {
-    int seed = 0;
     for (const float zoom : { 1.0f, 2.0f }) {
-        for (int round = 0; round < 100; ++round) {
+        for (unsigned seed = 1; seed <= 40; ++seed) {
+            const bool hasGradients = seed % 2;
             PageScene scene(windowSize, pageSize);
-            RandomPage random(unsigned(++seed), pageSize);
-            const auto shape = random.shape();
-            const int paints = (shape->fill() != nullptr) + (shape->stroke() != nullptr) + shape->hasShadow();
-            scene.canvas->add(shape);
-            scene.canvas->setScale(zoom);
-            scene.canvas->scrollPoint({ 20, 30 });
-            moveToWhereLayersAre(scene);
-            const auto composited = scene.redrawn();
-            scene.canvas->setUsesCompositor(false);
-            EXPECT_TRUE(samePixels(composited, scene.redrawn(), scene.window.width(), paints > 1 ? 2 : 1))
+            RandomPage random(seed, pageSize);
+            scene.canvas->setBackgroundColor(random.opaqueColor());
+            for (int i = 0; i < 60; ++i) {
+                const auto shape = random.shape();
+                if (!hasGradients)
+                    shape->setFill(random.color());
+                scene.canvas->add(shape);
+            }
+            std::vector<std::uint32_t> composited, direct;
+            drawOnBothRoads(scene, zoom, composited, direct);
+            EXPECT_TRUE(samePixels(composited, direct, scene.window.width(), hasGradients ? 1 : 0))
                 << zoom << " seed " << seed;
         }
     }
-}
-
-TEST(Canvas, RoadsAgreeOnAPageOfObjectsWithinTheirRounding)
-{
-    PageScene scene(windowSize, pageSize);
-    RandomPage random(5, pageSize);
-    for (int i = 0; i < 60; ++i)
-        scene.canvas->add(random.shape());
-    scene.canvas->scrollPoint({ 20, 30 });
-    moveToWhereLayersAre(scene);
-    const auto composited = scene.redrawn();
-    scene.canvas->setUsesCompositor(false);
-    EXPECT_TRUE(samePixels(composited, scene.redrawn(), scene.window.width(), 4));
 }

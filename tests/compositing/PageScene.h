@@ -86,6 +86,10 @@ public:
         return Color::colorWithCalibratedRGB(
             between(0, 1), between(0, 1), between(0, 1), oneIn(3) ? between(0.2f, 1) : 1);
     }
+    std::shared_ptr<Color> opaqueColor()
+    {
+        return Color::colorWithCalibratedRGB(between(0, 1), between(0, 1), between(0, 1));
+    }
     std::shared_ptr<VXRShapePainter> fill()
     {
         switch (below(6)) {
