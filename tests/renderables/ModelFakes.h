@@ -1,55 +1,13 @@
 #pragma once
 
-#include <tests/support/RecordingContext.h>
-#include <vxr/protocols/VXRCanvasRole.h>
+#include <tests/support/FakeCanvas.h>
 #include <vxr/protocols/VXRRenderableLayer.h>
 
 #include <memory>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace vxr::test {
-
-using Lines = std::vector<std::string>;
-
-/// A canvas that answers what a test tells it and writes down what it is told.
-class FakeCanvas final : public VXRCanvasRole {
-public:
-    explicit FakeCanvas(Lines* calls = nullptr)
-        : lines(calls)
-    {
-    }
-
-    Lines* lines;
-    float scale = 1;
-    bool compositor = false;
-    int destination = VXRDestinationDirect;
-    bool blackAndWhite = false;
-    std::optional<AffineTransform> shadowTransform;
-    Rect visible { 0, 0, 500, 500 };
-
-    void registerRenderable(VXRRenderable&) override { write("register"); }
-    void unregisterRenderable(VXRRenderable&) override { write("unregister"); }
-    void setNeedsDisplayInRect(const Rect& r) override { write("damage " + text(r)); }
-    void invalidateRenderable(VXRRenderable&) override { write("told"); }
-    void invalidateRenderableInRect(VXRRenderable&, const Rect& r) override { write("told-in " + text(r)); }
-    float viewScale() const override { return scale; }
-    bool usesCompositor() const override { return compositor; }
-    int renderingDestination() const override { return destination; }
-    bool rendersBlackAndWhite() const override { return blackAndWhite; }
-    std::optional<AffineTransform> additionalShadowTransform() const override { return shadowTransform; }
-    Rect clipViewVisibleRect() const override { return visible; }
-    Rect visibleRect() const override { return visible; }
-    Rect convertRectToWindow(const Rect& r) const override { return r; }
-
-private:
-    void write(std::string line)
-    {
-        if (lines)
-            lines->push_back(std::move(line));
-    }
-};
 
 /// A layer that writes down what it is told.
 class FakeLayer final : public VXRRenderableLayer {

@@ -1,36 +1,10 @@
 #pragma once
 
+#include <tests/support/FakeCanvas.h>
 #include <vxr/platform/graphics/GraphicsContext.h>
-#include <vxr/protocols/VXRCanvasRole.h>
 #include <vxr/protocols/VXRPaintedShape.h>
 
-#include <vector>
-
 namespace vxr::test {
-
-/// A canvas of which everything can be set, and that notes the damage it is told of.
-class FakeCanvas : public VXRCanvasRole {
-public:
-    virtual ~FakeCanvas() = default;
-
-    float scale = 1;
-    bool compositor = false;
-    int destination = VXRDestinationDirect;
-    bool blackAndWhite = false;
-    Rect visible { 0, 0, 1000, 1000 };
-    std::vector<Rect> damage;
-
-    void registerRenderable(VXRRenderable&) override { }
-    void unregisterRenderable(VXRRenderable&) override { }
-    void setNeedsDisplayInRect(const Rect& rect) override { damage.push_back(rect); }
-    float viewScale() const override { return scale; }
-    bool usesCompositor() const override { return compositor; }
-    int renderingDestination() const override { return destination; }
-    bool rendersBlackAndWhite() const override { return blackAndWhite; }
-    Rect clipViewVisibleRect() const override { return visible; }
-    Rect visibleRect() const override { return visible; }
-    Rect convertRectToWindow(const Rect& rect) const override { return rect; }
-};
 
 /// A shape as painters see it: an outline in its local frame under a transform, all of it to be set.
 class FakeShape : public VXRPaintedShape {
