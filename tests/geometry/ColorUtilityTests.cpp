@@ -1,14 +1,12 @@
-#include <tests/support/RecordingContext.h>
+#include <tests/support/FakeShape.h>
 #include <vxr/geometry/Color.h>
 #include <vxr/geometry/VXRColorUtilities.h>
 #include <vxr/host/utility/VXUSystemVersion.h>
-#include <vxr/protocols/VXRCanvasRole.h>
-#include <vxr/protocols/VXRPaintedShape.h>
 
 #include <gtest/gtest.h>
 
 using namespace vxr;
-using vxr::test::recordingOf;
+using namespace vxr::test;
 
 namespace {
 
@@ -25,94 +23,33 @@ private:
     bool mPrevious;
 };
 
-VXRImageRep repWithProfileOf(const std::shared_ptr<const ColorSpace>& space, int samples, bool alpha)
-{
-    const auto bytes = space->profileData();
-    return { samples, alpha, std::make_shared<std::vector<std::byte>>(bytes.begin(), bytes.end()) };
-}
-
-struct PaintedCanvas final : VXRCanvasRole {
-    bool blackAndWhite = false;
-    int destination = VXRDestinationDirect;
-
-    void registerRenderable(VXRRenderable&) override { }
-    void unregisterRenderable(VXRRenderable&) override { }
-    void setNeedsDisplayInRect(const Rect&) override { }
-    float viewScale() const override { return 1; }
-    bool usesCompositor() const override { return false; }
-    int renderingDestination() const override { return destination; }
-    bool rendersBlackAndWhite() const override { return blackAndWhite; }
-    Rect clipViewVisibleRect() const override { return {}; }
-    Rect visibleRect() const override { return {}; }
-    Rect convertRectToWindow(const Rect& r) const override { return r; }
-};
-
-struct PaintedSquare final : VXRPaintedShape {
-    VXRCanvasRole* shapeCanvas = nullptr;
-
-    VXRCanvasRole* canvas() const override { return shapeCanvas; }
-    std::shared_ptr<Path> path() const override { return Path::pathWithRect({ 0, 0, 1, 1 }); }
-    std::shared_ptr<Path> transformedPath() const override
-    {
-        auto square = Path::pathWithRect({ 0, 0, 2, 2 });
-        square->setWindingRule(WindingRule::EvenOdd);
-        return square;
-    }
-    AffineTransform transform() const override { return AffineTransform::makeScale(2, 2); }
-    Size naturalSize() const override { return { 1, 1 }; }
-    Point center() const override { return { 1, 1 }; }
-    float angle() const override { return 0; }
-    Rect alignmentBounds() const override { return { 0, 0, 2, 2 }; }
-    bool wantsInteriorStroke() const override { return false; }
-    void clip() const override { }
-};
-
-const char squareFilled[] = "fill even-odd [M0 0 L2 0 L2 2 L0 2 Z]\n";
-
-std::string painted(Color& color, VXRCanvasRole* canvas)
-{
-    PaintedSquare shape;
-    shape.shapeCanvas = canvas;
-    return recordingOf([&] { color.paintShape(shape); });
-}
-
 } // namespace
 
-TEST(GenericSpaces, AreSharedUntilDeviceSpacesTakeTheirPlace)
+TEST(ColorSpaceForRep, CountsComponentsWithoutAlphaAndIsGenericUntilDeviceSpacesTakeOver)
 {
-    const auto gray = VXRGenericGrayColorSpace(), rgb = VXRGenericRGBColorSpace();
-    EXPECT_EQ(rgb, VXRGenericRGBColorSpace());
-    EXPECT_EQ(gray->componentCount(), 1);
-    EXPECT_EQ(VXRGenericCMYKColorSpace()->componentCount(), 4);
+    const auto rgb = VXRGenericRGBColorSpace();
+    const auto noProfile = std::make_shared<std::vector<std::byte>>();
     EXPECT_FALSE(rgb->isDevice());
+    EXPECT_EQ(VXRColorSpaceForRep({ 1, false, nullptr }), VXRGenericGrayColorSpace());
+    EXPECT_EQ(VXRColorSpaceForRep({ 4, true, noProfile }), rgb);
+    EXPECT_EQ(VXRColorSpaceForRep({ 4, false, nullptr }), VXRGenericCMYKColorSpace());
+    EXPECT_EQ(VXRColorSpaceForRep({ 5, false, nullptr }), nullptr);
     {
         const Substitution substituted;
         EXPECT_TRUE(VXRSubstituteDeviceForGeneric(true)) << "answers what it was";
-        EXPECT_EQ(VXRGenericGrayColorSpace(), ColorSpace::deviceGray());
-        EXPECT_EQ(VXRGenericRGBColorSpace(), ColorSpace::deviceRGB());
-        EXPECT_EQ(VXRGenericCMYKColorSpace(), ColorSpace::deviceCMYK());
+        EXPECT_EQ(VXRColorSpaceForRep({ 2, true, nullptr }), ColorSpace::deviceGray());
+        EXPECT_EQ(VXRColorSpaceForRep({ 3, false, nullptr }), ColorSpace::deviceRGB());
+        EXPECT_EQ(VXRColorSpaceForRep({ 4, false, nullptr }), ColorSpace::deviceCMYK());
     }
     EXPECT_EQ(VXRGenericRGBColorSpace(), rgb);
-}
-
-TEST(ColorSpaceForRep, CountsComponentsWithoutAlpha)
-{
-    EXPECT_EQ(VXRColorSpaceForRep({ 1, false, nullptr }), VXRGenericGrayColorSpace());
-    EXPECT_EQ(VXRColorSpaceForRep({ 2, true, nullptr }), VXRGenericGrayColorSpace());
-    EXPECT_EQ(VXRColorSpaceForRep({ 4, true, nullptr }), VXRGenericRGBColorSpace());
-    EXPECT_EQ(VXRColorSpaceForRep({ 4, false, nullptr }), VXRGenericCMYKColorSpace());
-    EXPECT_EQ(VXRColorSpaceForRep({ 5, false, nullptr }), nullptr);
-    EXPECT_EQ(VXRColorSpaceForRep({ 1, true, nullptr }), nullptr);
-    const auto noProfile = std::make_shared<std::vector<std::byte>>();
-    EXPECT_EQ(VXRColorSpaceForRep({ 3, false, noProfile }), VXRGenericRGBColorSpace());
-    const Substitution substituted;
-    EXPECT_EQ(VXRColorSpaceForRep({ 3, false, nullptr }), ColorSpace::deviceRGB());
 }
 
 TEST(ColorSpaceForRep, EmbeddedProfileGoesFirstAndIsReleasedAfterwards)
 {
     const Substitution substituted; // has no say here
-    const VXRImageRep rep = repWithProfileOf(ColorSpace::createWithDefaultProfile(ColorModel::Gray), 2, true);
+    const auto gray = ColorSpace::createWithDefaultProfile(ColorModel::Gray);
+    const auto bytes = gray->profileData();
+    const VXRImageRep rep { 2, true, std::make_shared<std::vector<std::byte>>(bytes.begin(), bytes.end()) };
     const auto space = VXRColorSpaceForRep(rep);
     ASSERT_TRUE(space);
     EXPECT_FALSE(space->isDevice());
@@ -154,38 +91,45 @@ TEST(SetColor, SetsFillAndStrokeWhateverThePlatformVersion)
     VXUSetSystemVersion(version);
 }
 
-TEST(ColorPainter, FillsTheTransformedPathByItsWindingRule)
+TEST(ColorPainter, FillsByTheWindingRuleWhiteOnBlackAndWhiteAndNothingTransparentOnPaper)
 {
-    const auto red = Color::colorWithCalibratedRGB(1, 0, 0);
-    EXPECT_EQ(painted(*red, nullptr), std::string("set-color 1 0 0 1\n") + squareFilled);
+    FakeShape shape(Size { 1, 1 });
+    shape.outline->setWindingRule(WindingRule::EvenOdd);
+    shape.placed = AffineTransform::makeScale(2, 2);
+    FakeCanvas canvas;
+    const struct {
+        const char* name;
+        float alpha;
+        bool onCanvas, blackAndWhite;
+        int destination;
+        std::string set; ///< nothing is painted where it is empty
+    } cases[] = {
+        { "NoCanvas", 1, false, false, VXRDestinationDirect, "set-color 1 0 0 1\n" },
+        { "TransparentWithoutCanvas", 0, false, false, VXRDestinationDirect, "set-color 1 0 0 0\n" },
+        { "TransparentOnScreen", 0, true, false, VXRDestinationDirect, "set-color 1 0 0 0\n" },
+        { "TransparentOnPaper", 0, true, false, VXRDestinationNonScreen, "" },
+        { "NearlyTransparentOnPaper", 0.001f, true, false, VXRDestinationNonScreen,
+            "set-color 1 0 0 0.001\n" },
+        { "BlackAndWhite", 1, true, true, VXRDestinationDirect, "set-color 1 1 1 1\n" },
+        { "TransparentInBlackAndWhite", 0, true, true, VXRDestinationNonScreen, "set-color 1 1 1 1\n" },
+    };
+    for (const auto& c : cases) {
+        shape.onCanvas = c.onCanvas ? &canvas : nullptr;
+        canvas.blackAndWhite = c.blackAndWhite;
+        canvas.destination = c.destination;
+        const auto color = Color::colorWithCalibratedRGB(1, 0, 0, c.alpha);
+        EXPECT_EQ(recordingOf([&] { color->paintShape(shape); }),
+            c.set.empty() ? "" : c.set + "fill even-odd [M0 0 L2 0 L2 2 L0 2 Z]\n")
+            << c.name;
+    }
 }
 
-TEST(ColorPainter, EveryColorIsWhiteOnABlackAndWhiteCanvas)
+TEST(ColorPainter, TransparentRectanglesArePaintedAsSwatchesOnly)
 {
-    PaintedCanvas canvas;
-    canvas.blackAndWhite = true;
-    const std::string white = std::string("set-color 1 1 1 1\n") + squareFilled;
-    EXPECT_EQ(painted(*Color::colorWithCalibratedRGB(1, 0, 0), &canvas), white);
-    canvas.destination = VXRDestinationNonScreen;
-    EXPECT_EQ(painted(*Color::clearColor(), &canvas), white);
-    EXPECT_EQ(recordingOf([] {
-        Color::colorWithCalibratedRGB(1, 0, 0)->paintRect({ 1, 2, 3, 4 });
-    }),
-        "set-color 1 0 0 1\nfill-rect 1 2 3 4\n");
-}
-
-TEST(ColorPainter, TransparentColorsPaintShapesOnScreensOnlyAndRectanglesNever)
-{
-    PaintedCanvas canvas;
-    const std::string clear = std::string("set-color 0 0 0 0\n") + squareFilled;
-    EXPECT_EQ(painted(*Color::clearColor(), nullptr), clear);
-    EXPECT_EQ(painted(*Color::clearColor(), &canvas), clear);
-    canvas.destination = VXRDestinationNonScreen;
-    EXPECT_EQ(painted(*Color::clearColor(), &canvas), "");
-    EXPECT_NE(painted(*Color::blackColor()->colorWithAlphaComponent(0.001f), &canvas), "");
-    EXPECT_EQ(recordingOf([] { Color::clearColor()->paintRect({ 1, 2, 3, 4 }); }), "");
-    EXPECT_EQ(recordingOf([] {
-        Color::clearColor()->drawSwatchInRect({ 1, 2, 3, 4 });
-    }),
+    const Rect rect { 1, 2, 3, 4 };
+    EXPECT_EQ(
+        recordingOf([&] { Color::blackColor()->paintRect(rect); }), "set-color 0 0 0 1\nfill-rect 1 2 3 4\n");
+    EXPECT_EQ(recordingOf([&] { Color::clearColor()->paintRect(rect); }), "");
+    EXPECT_EQ(recordingOf([&] { Color::clearColor()->drawSwatchInRect(rect); }),
         "set-color 0 0 0 0\nfill-rect 1 2 3 4\n");
 }

@@ -22,7 +22,10 @@ struct WindowPixels final : PixelAccess {
     int height() const override { return 0; }
 };
 
+/// A flipped view at twice the size.
 struct WindowContext final : test::RecordingContext {
+    WindowContext() { concatTransform({ 2, 0, 0, -2, 10, 500 }); }
+
     WindowPixels access;
 
     PixelAccess* pixelAccess() override { return &access; }
@@ -43,59 +46,42 @@ protected:
         registerOptionalOperation(sizeToUser, nullptr);
         VXRForgetContextOperations();
     }
-};
 
-/// A flipped view at twice the size.
-std::unique_ptr<Context> flippedContext()
-{
-    auto context = std::make_unique<test::RecordingContext>();
-    context->concatTransform({ 2, 0, 0, -2, 10, 500 });
-    return context;
-}
+    WindowContext context;
+};
 
 } // namespace
 
-TEST_F(ContextConversion, GoesThroughTheCurrentTransformAndBack)
+TEST_F(ContextConversion, GoesIntoTheSurfaceWhereItsPixelsCanBeLockedAndBack)
 {
-    const auto context = flippedContext();
-    EXPECT_EQ(VXRContextConvertPointToDeviceSpace(*context, { 3, 4 }), (Point { 16, 492 }));
-    EXPECT_EQ(VXRContextConvertPointToUserSpace(*context, { 16, 492 }), (Point { 3, 4 }));
-    EXPECT_EQ(VXRContextConvertSizeToDeviceSpace(*context, { 3, 4 }), (Size { 6, -8 }));
-    EXPECT_EQ(VXRContextConvertSizeToUserSpace(*context, { 6, -8 }), (Size { 3, 4 }));
-}
-
-TEST_F(ContextConversion, FollowsThePixelsIntoTheirSurfaceWhereTheyCanBeLocked)
-{
-    WindowContext context;
-    context.concatTransform({ 2, 0, 0, -2, 10, 500 });
     EXPECT_EQ(
         VXRContextGetUserSpaceToDeviceSpaceTransform(context), (AffineTransform { 2, 0, 0, -2, 110, 550 }));
     EXPECT_EQ(VXRContextConvertPointToUserSpace(context, { 116, 542 }), (Point { 3, 4 }));
-    EXPECT_EQ(context.access.held, 0);
     context.access.locks = false;
     EXPECT_EQ(VXRContextConvertPointToDeviceSpace(context, { 3, 4 }), (Point { 16, 492 }));
+    EXPECT_EQ(VXRContextConvertPointToUserSpace(context, { 16, 492 }), (Point { 3, 4 }));
+    EXPECT_EQ(VXRContextConvertSizeToDeviceSpace(context, { 3, 4 }), (Size { 6, -8 }));
+    EXPECT_EQ(VXRContextConvertSizeToUserSpace(context, { 6, -8 }), (Size { 3, 4 }));
     EXPECT_EQ(context.access.held, 0);
 }
 
 TEST_F(ContextConversion, SingularTransformsStandInForTheirInverse)
 {
-    test::RecordingContext context;
-    context.concatTransform({ 1, 0, 0, 0, 5, 0 });
-    EXPECT_EQ(VXRContextConvertPointToUserSpace(context, { 1, 7 }), (Point { 6, 0 }));
+    test::RecordingContext flat;
+    flat.concatTransform({ 1, 0, 0, 0, 5, 0 });
+    EXPECT_EQ(VXRContextConvertPointToUserSpace(flat, { 1, 7 }), (Point { 6, 0 }));
 }
 
-TEST_F(ContextConversion, UsesAPlatformOperationFoundOnTheFirstCall)
+TEST_F(ContextConversion, RemembersFromTheFirstCallWhetherThePlatformHasTheOperation)
 {
-    const auto context = flippedContext();
-    EXPECT_EQ(VXRContextConvertPointToDeviceSpace(*context, { 3, 4 }), (Point { 16, 492 }));
+    const Point ours { 116, 542 }, platforms { 1003, 4 };
+    EXPECT_EQ(VXRContextConvertPointToDeviceSpace(context, { 3, 4 }), ours);
     registerOptionalOperationOfType<VXRConvertPointOperation>(pointToDevice, shiftedPoint);
     registerOptionalOperationOfType<VXRConvertSizeOperation>(sizeToUser, doubledSize);
-    EXPECT_EQ(VXRContextConvertPointToDeviceSpace(*context, { 3, 4 }), (Point { 16, 492 }))
-        << "that there was none is remembered";
-    EXPECT_EQ(VXRContextConvertSizeToUserSpace(*context, { 3, 4 }), (Size { 6, 8 })) << "first call";
+    EXPECT_EQ(VXRContextConvertPointToDeviceSpace(context, { 3, 4 }), ours) << "there was none";
+    EXPECT_EQ(VXRContextConvertSizeToUserSpace(context, { 3, 4 }), (Size { 6, 8 })) << "first call";
     VXRForgetContextOperations();
-    EXPECT_EQ(VXRContextConvertPointToDeviceSpace(*context, { 3, 4 }), (Point { 1003, 4 }));
+    EXPECT_EQ(VXRContextConvertPointToDeviceSpace(context, { 3, 4 }), platforms);
     registerOptionalOperation(pointToDevice, nullptr);
-    EXPECT_EQ(VXRContextConvertPointToDeviceSpace(*context, { 3, 4 }), (Point { 1003, 4 }))
-        << "that there was one is remembered too";
+    EXPECT_EQ(VXRContextConvertPointToDeviceSpace(context, { 3, 4 }), platforms) << "there was one";
 }
