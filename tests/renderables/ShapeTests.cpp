@@ -1,4 +1,5 @@
 #include <tests/renderables/ModelFakes.h>
+#include <tests/support/PathBuilder.h>
 #include <vxr/fills/VXRShadow.h>
 #include <vxr/geometry/Color.h>
 #include <vxr/platform/foundation/Exceptions.h>
@@ -6,26 +7,30 @@
 #include <vxr/platform/views/LayerInfo.h>
 #include <vxr/protocols/VXRShapePainter.h>
 #include <vxr/renderables/VXRLineEnd.h>
+#include <vxr/renderables/VXRRegularPolygon.h>
 #include <vxr/renderables/VXRShadowOnlyShape.h>
 #include <vxr/renderables/VXRShape.h>
+#include <vxr/renderables/VXRStar.h>
 #include <vxr/strokes/VXRStroke.h>
-#include <vxr/strokes/VXRStrokePattern.h>
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <cmath>
+#include <utility>
 
 using namespace vxr;
 using namespace vxr::test;
 
 namespace {
 
-std::shared_ptr<Path> line(std::initializer_list<Point> points)
+std::shared_ptr<VXRShape> shapeOf(const char* elements)
 {
-    auto path = Path::path();
-    for (const Point p : points)
-        path->isEmpty() ? path->moveTo(p) : path->lineTo(p);
-    return path;
+    return VXRShape::shapeWithBezierPath(newPathOf(elements));
+}
+
+std::shared_ptr<VXRStroke> blackStroke(float width)
+{
+    return VXRStroke::strokeWithColorWidth(Color::blackColor(), width);
 }
 
 std::shared_ptr<VXRShape> square() { return VXRShape::shapeWithRect({ 0, 0, 10, 10 }); }
@@ -49,18 +54,15 @@ struct FakeFill final : VXRShapePainter {
 
 TEST(Shape, TakesThePathItselfAndMovesItToItsFrame)
 {
-    const auto path = line({ { 10, 20 }, { 14, 26 } });
+    const auto path = newPathOf("M 10 20 L 14 26");
     VXRShape shape;
     shape.setTransform({ 2, 0, 0, 2, 1, 1 });
     shape.setPath(path);
     EXPECT_EQ(shape.path(), path);
     EXPECT_EQ(text(*path), "[M0 0 L4 6]") << "whoever keeps the path sees it moved";
     EXPECT_EQ(shape.naturalSize(), (Size { 4, 6 }));
-    EXPECT_EQ(shape.transform(), (AffineTransform { 2, 0, 0, 2, 10, 20 }));
     EXPECT_EQ(text(*shape.transformedPath()), "[M10 20 L18 32]");
-
-    shape.setPathPreserveOffset(line({ { 5, 5 }, { 6, 6 } }), false);
-    EXPECT_EQ(shape.transform(), (AffineTransform { 2, 0, 0, 2, 10, 20 }));
+    shape.setPathPreserveOffset(newPathOf("M 5 5 L 6 6"), false);
     EXPECT_EQ(text(*shape.transformedPath()), "[M10 20 L12 22]");
 }
 
@@ -80,22 +82,10 @@ TEST(Shape, RefusesToHaveNoPath)
     drawn(shape);
 }
 
-TEST(Shape, PaintersMayChangeThePathTheyAreGiven)
-{
-    const auto shape = square();
-    const auto first = shape->transformedPath();
-    first->lineTo({ 99, 99 });
-    first->setWindingRule(WindingRule::EvenOdd);
-    EXPECT_NE(shape->transformedPath(), first);
-    EXPECT_EQ(text(*shape->transformedPath()), text(*Path::pathWithRect({ 0, 0, 10, 10 })));
-    EXPECT_EQ(shape->transformedPath()->windingRule(), WindingRule::NonZero);
-}
-
 TEST(Shape, BoundsTakeInWhatIsPaintedOutsideThePath)
 {
     const auto shape = square();
-    const auto stroke = VXRStroke::strokeWithColorWidth(Color::blackColor(), 4);
-    shape->setStroke(stroke);
+    shape->setStroke(blackStroke(4));
     EXPECT_EQ(shape->alignmentBounds(), Rect(-2, -2, 14, 14));
     EXPECT_EQ(shape->geometricBounds(), Rect(0, 0, 10, 10));
     shape->setWantsInteriorStroke(true);
@@ -104,32 +94,29 @@ TEST(Shape, BoundsTakeInWhatIsPaintedOutsideThePath)
     shape->setWantsInteriorStroke(false);
     shape->setStroke(VXRStroke::emptyStroke());
     EXPECT_EQ(shape->alignmentBounds(), Rect(0, 0, 10, 10));
-    shape->setStroke(nullptr);
-    EXPECT_EQ(shape->alignmentBounds(), Rect(0, 0, 10, 10));
 
     // A right angle with its corner on the right: the mitre is half the width times the root of 2 long.
-    const auto corner = VXRShape::shapeWithBezierPath(line({ { 0, -10 }, { 10, 0 }, { 0, 10 } }));
-    corner->setStroke(stroke);
+    const auto corner = shapeOf("M 0 -10 L 10 0 L 0 10");
+    corner->setStroke(blackStroke(4));
     EXPECT_NEAR(corner->alignmentBounds().maxX(), 10 + 2 * 1.41421356, 1e-5);
 }
 
 TEST(Shape, DrawsFillThenStrokeThenTailThenHead)
 {
-    const auto shape = VXRShape::shapeWithBezierPath(line({ { 0, 0 }, { 0, 10 } }));
-    const auto dot = [](float side) {
-        return VXRLineEnd::lineEndWithPathEndPointIsFilled(
-            line({ { 0, 0 }, { side, 0 }, { 0, side } }), { 0, 0 }, true);
+    const auto shape = shapeOf("M 0 0 L 0 10");
+    const auto dot = [](const char* elements) {
+        return VXRLineEnd::lineEndWithPathEndPointIsFilled(newPathOf(elements), { 0, 0 }, true);
     };
     shape->setFill(Color::colorWithCalibratedRGB(1, 0, 0));
-    shape->setHeadLineEnd(dot(1));
-    shape->setTailLineEnd(dot(2));
+    shape->setHeadLineEnd(dot("M 0 0 L 1 0 L 0 1"));
+    shape->setTailLineEnd(dot("M 0 0 L 2 0 L 0 2"));
     // Upwards: the head keeps its direction, the tail is turned by half a turn.
     EXPECT_EQ(drawn(*shape),
         "save\nset-color 1 0 0 1\nfill [M0 0 L0 10]\n"
         "set-color 0 0 0 1\nstroke width=1 miter=4 [M0 0 L0 10]\n"
         "fill [M0 0 L-2 0 L0 -2]\nfill [M0 10 L1 10 L0 11]\nrestore\n");
 
-    shape->setPath(line({ { 0, 0 }, { 0, 10 }, { 0, 0 } }));
+    shape->setPath(newPathOf("M 0 0 L 0 10 L 0 0"));
     shape->setFill(nullptr);
     shape->setStroke(nullptr);
     EXPECT_EQ(drawn(*shape), "save\nrestore\n") << "a path that ends where it began has no ends";
@@ -161,8 +148,6 @@ TEST(Shape, BlackAndWhiteFillsWhiteAndOutlinesWhereAsked)
     EXPECT_EQ(drawn(*shape), fill + "restore\n");
     shape->setAlwaysStrokesWhenBlackAndWhite(true);
     EXPECT_EQ(drawn(*shape), fill + hairline + "restore\n");
-    shape->setStroke(VXRStroke::emptyStroke());
-    EXPECT_EQ(drawn(*shape), fill + hairline + "restore\n");
     shape->setStroke(VXRStroke::strokeWithColorWidth(Color::whiteColor(), 3));
     EXPECT_EQ(drawn(*shape),
         fill + "set-color 0 0 0 1\nstroke width=3 miter=4 [M0 0 L10 0 L10 10 L0 10 Z]\nrestore\n");
@@ -191,107 +176,81 @@ TEST(Shape, TellsItsFillOfOwnerAndInteractiveTransforms)
     EXPECT_EQ(fill->told, (Lines { "owned", "begins", "ends", "free", "owned", "free", "owned", "free" }));
 }
 
-struct HitCase {
-    const char* name;
-    std::shared_ptr<VXRShape> shape;
-    Point point;
-    bool hit;
-};
-
 TEST(Shape, IsHitInsideOrOnItsOutline)
 {
-    const auto withStroke = [](std::shared_ptr<Path> path, float width, bool filled) {
-        auto shape = VXRShape::shapeWithBezierPath(std::move(path));
-        shape->setStroke(width > 0 ? VXRStroke::strokeWithColorWidth(Color::blackColor(), width) : nullptr);
-        if (!filled)
+    const char level[] = "M 0 0 L 100 0", hook[] = "M 0 0 L 100 0 L 100 100";
+    const char closed[] = "M 0 0 L 100 0 L 100 100 L 0 100 Z", back[] = "M 0 0 L 100 0 L 50 50 L 0 0";
+    const struct {
+        const char* name;
+        const char* elements;
+        float stroke;
+        Point point;
+        bool hit, filled = false;
+        float scale = 1;
+    } cases[] = {
+        { "thin line, 2.5 away", level, 1, { 50, 2.4f }, true },
+        { "thin line, beyond", level, 1, { 50, 2.6f }, false },
+        { "6 wide, half of it", level, 6, { 50, -2.9f }, true },
+        { "6 wide, beyond", level, 6, { 50, -3.1f }, false },
+        { "4.9 wide, with the grace", level, 4.9f, { 50, 4.4f }, true },
+        { "no stroke, the grace alone", level, 0, { 50, 1.9f }, true },
+        { "no stroke, beyond", level, 0, { 50, 2.1f }, false },
+        { "in local units", level, 1, { 100, 4.8f }, true, false, 2 },
+        { "in local units, beyond", level, 1, { 100, 5.2f }, false, false, 2 },
+        { "inside a closed path without fill", closed, 20, { 50, 50 }, true },
+        { "stroke of a closed path does not count", closed, 20, { 50, -5 }, false },
+        { "degenerate", closed, 20, { 0, 50 }, false, false, 0 },
+        { "inside a path that ends where it began", back, 1, { 50, 20 }, true },
+        { "inside an open path with a fill", hook, 1, { 60, 40 }, true, true },
+        { "inside an open path without", hook, 1, { 60, 40 }, false },
+        { "on the side that is missing", hook, 1, { 50, 50 }, false },
+    };
+    for (const auto& c : cases) {
+        const auto shape = shapeOf(c.elements);
+        shape->setStroke(c.stroke > 0 ? blackStroke(c.stroke) : nullptr);
+        if (!c.filled)
             shape->setFill(nullptr);
-        return shape;
-    };
-    const auto level = [] { return line({ { 0, 0 }, { 100, 0 } }); };
-    const auto hook = [] { return line({ { 0, 0 }, { 100, 0 }, { 100, 100 } }); };
-    const auto thin = withStroke(level(), 1, false), thick = withStroke(level(), 6, false);
-    const auto bare = withStroke(level(), 0, false), below5 = withStroke(level(), 4.9f, false);
-    const auto scaled = withStroke(level(), 1, false);
-    scaled->scaleXByYByPivot(2, 2, {});
-    const auto closed = withStroke(Path::pathWithRect({ 0, 0, 100, 100 }), 20, false);
-    const auto triangle = withStroke(line({ { 0, 0 }, { 100, 0 }, { 50, 50 }, { 0, 0 } }), 1, false);
-    const auto filledHook = withStroke(hook(), 1, true), openHook = withStroke(hook(), 1, false);
-    const HitCase cases[] = {
-        { "thin line, 2.5 away", thin, { 50, 2.4f }, true },
-        { "thin line, beyond", thin, { 50, 2.6f }, false },
-        { "6 wide, half of it", thick, { 50, -2.9f }, true },
-        { "6 wide, beyond", thick, { 50, -3.1f }, false },
-        { "4.9 wide, with the grace", below5, { 50, 4.4f }, true },
-        { "no stroke, the grace alone", bare, { 50, 1.9f }, true },
-        { "no stroke, beyond", bare, { 50, 2.1f }, false },
-        { "in local units", scaled, { 100, 4.8f }, true },
-        { "in local units, beyond", scaled, { 100, 5.2f }, false },
-        { "inside a closed path without fill", closed, { 50, 50 }, true },
-        { "stroke of a closed path does not count", closed, { 50, -5 }, false },
-        { "inside a path that ends where it began", triangle, { 50, 20 }, true },
-        { "inside an open path with a fill", filledHook, { 60, 40 }, true },
-        { "inside an open path without", openHook, { 60, 40 }, false },
-        { "on the open path's line", openHook, { 60, 1 }, true },
-        { "on the side that is missing", openHook, { 50, 50 }, false },
-    };
-    for (const HitCase& c : cases)
-        EXPECT_EQ(c.shape->containsPoint(c.point), c.hit) << c.name;
-    closed->setTransform({ 0, 0, 0, 1, 0, 0 });
-    EXPECT_FALSE(closed->containsPoint({ 0, 50 })) << "degenerate";
+        shape->setTransform(AffineTransform::makeScale(c.scale, c.scale));
+        EXPECT_EQ(shape->containsPoint(c.point), c.hit) << c.name;
+    }
 }
 
 TEST(Shape, RectanglesMeetTheOutlineNotTheInside)
 {
-    const auto shape = VXRShape::shapeWithOvalInRect({ 0, 0, 100, 100 });
-    const struct {
-        Rect rect;
-        bool meets;
-    } cases[] = {
-        { { 45, 45, 10, 10 }, false }, // inside
-        { { -10, -10, 120, 120 }, true }, // around
-        { { 95, 45, 10, 10 }, true }, // across
-        { { 0, 0, 10, 10 }, false }, // in the corner that the oval leaves out
-        { { 100, 45, 10, 10 }, false }, // no common area with the bounds
-        { { 50, 50, 0, 60 }, false }, // empty
-    };
-    for (const auto& c : cases)
-        EXPECT_EQ(shape->intersectsRect(c.rect), c.meets) << c.rect;
-
-    const auto ring = VXRShape::shapeWithRect({ 0, 0, 100, 100 });
-    EXPECT_TRUE(ring->intersectsRect({ -5, 45, 10, 10 })) << "the closing side";
-    const auto open = VXRShape::shapeWithBezierPath(line({ { 0, 0 }, { 100, 0 }, { 100, 100 } }));
-    EXPECT_FALSE(open->intersectsRect({ 45, 45, 10, 10 })) << "the missing side";
+    const auto oval = VXRShape::shapeWithOvalInRect({ 0, 0, 100, 100 });
+    EXPECT_FALSE(oval->intersectsRect({ 45, 45, 10, 10 })) << "inside";
+    EXPECT_TRUE(oval->intersectsRect({ -10, -10, 120, 120 })) << "around";
+    EXPECT_TRUE(oval->intersectsRect({ 95, 45, 10, 10 })) << "across";
+    EXPECT_FALSE(oval->intersectsRect({ 0, 0, 10, 10 })) << "in the corner that the oval leaves out";
+    EXPECT_FALSE(oval->intersectsRect({ 100, 45, 10, 10 })) << "no common area with the bounds";
+    EXPECT_TRUE(shapeOf("M 0 0 L 100 0 L 50 90 Z")->intersectsRect({ 20, 45, 10, 10 })) << "the closing side";
+    EXPECT_FALSE(shapeOf("M 0 0 L 100 0 L 50 90")->intersectsRect({ 20, 45, 10, 10 })) << "the missing side";
 }
 
 TEST(LineEnd, SitsAtTheEndsAndGrowsSlowerThanTheStroke)
 {
-    const auto shape = VXRShape::shapeWithBezierPath(line({ { 0, 0 }, { 0, 100 } }));
-    const auto covered = [&](const VXRLineEnd& end, float width) {
-        shape->setStroke(VXRStroke::strokeWithColorWidth(Color::blackColor(), width));
-        return shape->alignmentBoundsForLineEndAtPointAngle(&end, shape->headPoint(), shape->headAngle());
+    const auto shape = shapeOf("M 0 0 L 0 100");
+    const auto covered = [&](const std::shared_ptr<VXRLineEnd>& end, float width) {
+        shape->setStroke(blackStroke(width));
+        const Rect r
+            = shape->alignmentBoundsForLineEndAtPointAngle(end.get(), shape->headPoint(), shape->headAngle());
+        return text(r);
     };
-    const auto near = [](const Rect& a, const Rect& b) {
-        return std::abs(a.minX() - b.minX()) < 1e-4 && std::abs(a.minY() - b.minY()) < 1e-4
-            && std::abs(a.maxX() - b.maxX()) < 1e-4 && std::abs(a.maxY() - b.maxY()) < 1e-4;
-    };
-    EXPECT_PRED2(near, covered(*VXRLineEnd::simpleArrow(), 1), Rect(-3, 99.9f, 6, 6));
-    EXPECT_PRED2(near, covered(*VXRLineEnd::simpleArrow(), 3), Rect(-6.6f, 100 - 0.22f, 13.2f, 13.2f));
-    EXPECT_PRED2(near, covered(*VXRLineEnd::simpleArrow(), 0.5f), Rect(-1.5f, 99.95f, 3, 3));
-    EXPECT_PRED2(near, covered(*VXRLineEnd::filledCircle(), 1), Rect(-2.5f, 97.5f, 5, 5));
-    EXPECT_PRED2(near, covered(*VXRLineEnd::filledSquare(), 1), Rect(-2.5f, 99.9f, 5, 5));
-    EXPECT_PRED2(near, covered(*VXRLineEnd::filledDiamond(), 1), Rect(-3, 99, 6, 6));
-    EXPECT_PRED2(near, covered(*VXRLineEnd::filledArrow(), 1), Rect(-3, 98.5f, 6, 6));
+    EXPECT_EQ(covered(VXRLineEnd::simpleArrow(), 1), "-3 99.9 6 6");
+    EXPECT_EQ(covered(VXRLineEnd::simpleArrow(), 3), "-6.6 99.78 13.2 13.2");
+    EXPECT_EQ(covered(VXRLineEnd::simpleArrow(), 0.5f), "-1.5 99.95 3 3");
+    EXPECT_EQ(covered(VXRLineEnd::filledCircle(), 1), "-2.5 97.5 5 5");
+    EXPECT_EQ(covered(VXRLineEnd::filledSquare(), 1), "-2.5 99.9 5 5");
+    EXPECT_EQ(covered(VXRLineEnd::filledDiamond(), 1), "-3 99 6 6");
+    EXPECT_EQ(covered(VXRLineEnd::filledArrow(), 1), "-3 98.5 6 6");
     // Stroked: half the width around it, which is not scaled.
-    EXPECT_PRED2(near, covered(*VXRLineEnd::openArrow(), 3), Rect(-8.1f, 87.5f, 16.2f, 14));
-    EXPECT_EQ(shape->alignmentBoundsForLineEndAtPointAngle(nullptr, {}, 0), Rect());
+    EXPECT_EQ(covered(VXRLineEnd::openArrow(), 3), "-8.1 87.5 16.2 14");
+    EXPECT_EQ(covered(nullptr, 1), "0 0 0 0");
 }
 
 TEST(LineEnd, FollowsTheTangentsOfACurve)
 {
-    auto curve = Path::path();
-    curve->moveTo({ 0, 0 });
-    curve->curveTo({ 10, 0 }, { 50, 20 }, { 50, 60 });
-    const auto shape = VXRShape::shapeWithBezierPath(curve);
+    const auto shape = shapeOf("M 0 0 C 10 0 50 20 50 60");
     EXPECT_EQ(shape->tailPoint(), (Point { 0, 0 }));
     EXPECT_EQ(shape->headPoint(), (Point { 50, 60 }));
     // Leaves to the right, so the tail points left; arrives upwards.
@@ -301,24 +260,19 @@ TEST(LineEnd, FollowsTheTangentsOfACurve)
 
 TEST(LineEnd, IsAValueThatSharesItsPath)
 {
-    const auto arrow = VXRLineEnd::openArrow();
-    EXPECT_TRUE(arrow->isEqual(*VXRLineEnd::openArrow()));
-    const auto copy = arrow->copyWithZone();
-    EXPECT_EQ(copy->path(), arrow->path());
-    EXPECT_TRUE(copy->isEqual(*arrow));
-    copy->setIsFilled(true);
-    EXPECT_FALSE(copy->isEqual(*arrow));
-    const auto moved = arrow->copyWithZone();
+    const auto arrow = VXRLineEnd::openArrow(), changed = arrow->copyWithZone();
+    EXPECT_EQ(changed->path(), arrow->path());
+    changed->setPath(newPathOf("M 0 0 L 3 5.005 L 6 0"));
+    EXPECT_TRUE(changed->isEqual(*arrow)) << "paths within 0.01";
+    changed->setPath(newPathOf("M 0 0 L 3 5.02 L 6 0"));
+    EXPECT_FALSE(changed->isEqual(*arrow));
+    const auto filled = arrow->copyWithZone(), moved = arrow->copyWithZone();
+    filled->setIsFilled(true);
+    EXPECT_FALSE(filled->isEqual(*arrow));
     moved->setEndPoint({ 3, 5.001f });
     EXPECT_FALSE(moved->isEqual(*arrow)) << "end points are compared exactly";
-    const auto bent = arrow->copyWithZone();
-    bent->setPath(line({ { 0, 0 }, { 3, 5.005f }, { 6, 0 } }));
-    EXPECT_TRUE(bent->isEqual(*arrow)) << "paths within 0.01";
-    bent->setPath(line({ { 0, 0 }, { 3, 5.02f }, { 6, 0 } }));
-    EXPECT_FALSE(bent->isEqual(*arrow));
 
-    class OtherLineEnd final : public VXRLineEnd {
-    public:
+    struct OtherLineEnd final : VXRLineEnd {
         using VXRLineEnd::VXRLineEnd;
     };
     const auto other
@@ -385,4 +339,53 @@ TEST(ShadowOnlyShape, ClipsItsRecordsAtTheEdgesAskedFor)
     shape.addTexturesToArray(textures);
     EXPECT_EQ(calls, (Lines { "shadow infos", "shadow textures" }));
     shape.setCanvas(nullptr);
+}
+
+TEST(RegularPolygon, HasItsFirstVertexToTheRight)
+{
+    const auto polygon = VXRRegularPolygon::regularPolygonWithRadiusNumberOfSides(10, 4);
+    EXPECT_EQ(text(*polygon->path()), "[M20 10 L10 20 L0 10 L10 0 Z]");
+    const auto path = polygon->path();
+    polygon->setRadius(5);
+    EXPECT_EQ(polygon->path(), path) << "the path object is used again";
+    EXPECT_EQ(text(*path), "[M10 5 L5 10 L0 5 L5 0 Z]");
+}
+
+TEST(Star, AlternatesBetweenTheRadiiCounterClockwise)
+{
+    const auto star = VXRStar::starWithInnerRadiusOuterRadiusNumberOfPoints(4, 10, 2);
+    EXPECT_EQ(text(*star->path()), "[M20 4 L10 8 L0 4 L10 0 Z]");
+    star->setTransform({ 2, 0, 0, 1, 100, 50 });
+    EXPECT_EQ(star->center(), (Point { 120, 60 })) << "of the larger circle";
+    star->setInnerRadius(20);
+    EXPECT_EQ(star->transform(), (AffineTransform { 2, 0, 0, 1, 100, 50 }));
+    EXPECT_EQ(star->center(), (Point { 140, 70 }));
+}
+
+TEST(Star, OptimizedEdgesContinueIntoTheNextTipButOne)
+{
+    const auto star = VXRStar::starWithInnerRadiusOuterRadiusNumberOfPoints(1, 100, 5);
+    for (const auto& [points, inner] :
+        { std::pair(3, 12.5), { 4, 20.0 }, { 5, 38.196601 }, { 6, 57.735027 } }) {
+        star->setNumberOfPoints(points);
+        star->optimize();
+        EXPECT_NEAR(star->innerRadius(), inner, 1e-4) << points;
+    }
+}
+
+TEST(Star, SettersClampTheCountThatInitialisersTakeAsItIs)
+{
+    const auto star = VXRStar::starWithInnerRadiusOuterRadiusNumberOfPoints(4, 10, 0);
+    const auto polygon = VXRRegularPolygon::regularPolygonWithRadiusNumberOfSides(10, -1);
+    EXPECT_EQ(star->numberOfPoints(), 0);
+    EXPECT_EQ(star->naturalSize(), Size());
+    EXPECT_EQ(polygon->numberOfSides(), -1);
+    EXPECT_EQ(text(*polygon->path()), "[Z]");
+    for (const int number : { 2, -4 }) {
+        star->setNumberOfPoints(number);
+        EXPECT_EQ(star->numberOfPoints(), 3);
+        EXPECT_EQ(star->path()->elementCount(), 7u);
+        polygon->setNumberOfSides(number);
+        EXPECT_EQ(polygon->numberOfSides(), 3);
+    }
 }
