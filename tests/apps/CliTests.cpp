@@ -13,6 +13,7 @@
 namespace {
 
 namespace fs = std::filesystem;
+using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -69,17 +70,15 @@ protected:
         return names;
     }
 
-    /// Width and height from a PNG's header.
+    /// Width and height from a PNG's header, whose numbers have their large bytes first.
     std::pair<int, int> sizeOfPNG(const std::string& name) const
     {
         const std::string bytes = read(name);
         if (bytes.size() < 24 || bytes.substr(1, 3) != "PNG")
             return {};
         const auto number = [&](std::size_t at) {
-            int value = 0;
-            for (std::size_t i = 0; i < 4; ++i)
-                value = value * 256 + static_cast<unsigned char>(bytes[at + i]);
-            return value;
+            return static_cast<unsigned char>(bytes[at + 2]) * 256
+                + static_cast<unsigned char>(bytes[at + 3]);
         };
         return { number(16), number(20) };
     }
@@ -103,17 +102,12 @@ TEST_F(CommandLine, RendersOneDrawingToAFile)
     EXPECT_EQ(info.st_mode & 0777, 0666 & ~mask);
 }
 
-struct SizeCase {
-    const char* options;
-    std::pair<int, int> size;
-};
-
 TEST_F(CommandLine, SizesPictures)
 {
-    for (const auto& [options, size] :
-        { SizeCase { "--scale 2", { 80, 40 } }, SizeCase { "--width 100", { 100, 50 } },
-            SizeCase { "--height 100", { 200, 100 } }, SizeCase { "--scale 0.01", { 1, 1 } },
-            SizeCase { "--width 33 --road nonscreen", { 33, 17 } } }) {
+    const std::pair<const char*, std::pair<int, int>> cases[]
+        = { { "--scale 2", { 80, 40 } }, { "--width 100", { 100, 50 } }, { "--height 100", { 200, 100 } },
+              { "--scale 0.01", { 1, 1 } }, { "--width 33 --road nonscreen", { 33, 17 } } };
+    for (const auto& [options, size] : cases) {
         EXPECT_EQ(vxr(std::string("render good.svg -o out.png ") + options).status, 0) << options;
         EXPECT_EQ(sizeOfPNG("out.png"), size) << options;
     }
@@ -123,25 +117,22 @@ TEST_F(CommandLine, SizesPictures)
     EXPECT_FALSE(fs::exists(mFolder / "huge.png"));
 }
 
-TEST_F(CommandLine, RendersSeveralDrawingsIntoAFolder)
+TEST_F(CommandLine, RendersSeveralDrawingsIntoAFolderABadOneCostsOnlyItself)
 {
     write("other.svg", read("good.svg"));
-    const Result pngs = vxr("render good.svg other.svg -o made/here");
-    EXPECT_EQ(pngs.status, 0) << pngs.err;
-    EXPECT_THAT(files(), ElementsAre("made/here/good.png", "made/here/other.png"));
-    EXPECT_EQ(vxr("render good.svg -o made/here --format pdf").status, 0);
-    EXPECT_TRUE(fs::exists(mFolder / "made/here/good.pdf"));
-}
+    EXPECT_EQ(vxr("render good.svg other.svg -o made/here --format pdf").status, 0);
+    EXPECT_THAT(files(), ElementsAre("made/here/good.pdf", "made/here/other.pdf"));
 
-TEST_F(CommandLine, ABadDrawingCostsOnlyItself)
-{
-    fs::create_directory(mFolder / "folder.svg");
-    const Result result = vxr("render missing.svg bad.svg folder.svg good.svg -o out");
+    fs::create_directories(mFolder / "folder.svg");
+    fs::create_directory(mFolder / "sub");
+    fs::copy(mFolder / "good.svg", mFolder / "sub/good.svg");
+    const Result result = vxr("render missing.svg bad.svg folder.svg good.svg sub/good.svg -o made/here");
     EXPECT_EQ(result.status, 1);
-    EXPECT_THAT(result.err, HasSubstr("missing.svg: error: No such file or directory\n"));
-    EXPECT_THAT(result.err, HasSubstr("bad.svg:3: error: "));
-    EXPECT_THAT(result.err, HasSubstr("folder.svg: error: Is a directory\n"));
-    EXPECT_THAT(files(), ElementsAre("out/good.png"));
+    for (const char* message : { "missing.svg: error: No such file or directory\n",
+             "bad.svg:3: error: ", "folder.svg: error: Is a directory\n",
+             "made/here/good.png: error: two of the drawings would have this name; sub/good.svg" })
+        EXPECT_THAT(result.err, HasSubstr(message));
+    EXPECT_THAT(files(), ElementsAre("made/here/good.pdf", "made/here/good.png", "made/here/other.pdf"));
 }
 
 TEST_F(CommandLine, LeavesNoPartialFileAndKeepsTheOldOne)
@@ -150,8 +141,6 @@ TEST_F(CommandLine, LeavesNoPartialFileAndKeepsTheOldOne)
     EXPECT_EQ(vxr("render bad.svg -o kept.png").status, 1);
     EXPECT_EQ(read("kept.png"), "what was here before");
     // The disk is full after a few bytes: the limit on file sizes stands in for it.
-    const Result full = vxr("render good.svg -o full.pdf 2>.err; true");
-    fs::remove(mFolder / "full.pdf");
     const std::string command = "cd '" + mFolder.string()
         + "' && trap '' XFSZ && ulimit -f 0 && '" VXR_PROGRAM "' render good.svg -o full.pdf 2>/dev/null";
     EXPECT_EQ(WEXITSTATUS(std::system(command.c_str())), 1);
@@ -160,17 +149,6 @@ TEST_F(CommandLine, LeavesNoPartialFileAndKeepsTheOldOne)
     const Result nowhere = vxr("render good.svg -o no/such/folder/out.png");
     EXPECT_EQ(nowhere.status, 1);
     EXPECT_THAT(nowhere.err, HasSubstr("no/such/folder/out.png: error: No such file or directory"));
-}
-
-TEST_F(CommandLine, NamesOfTwoDrawingsMayNotMeet)
-{
-    fs::create_directory(mFolder / "sub");
-    fs::copy(mFolder / "good.svg", mFolder / "sub/good.svg");
-    const Result result = vxr("render good.svg sub/good.svg -o out");
-    EXPECT_EQ(result.status, 1);
-    EXPECT_THAT(
-        result.err, HasSubstr("out/good.png: error: two of the drawings would have this name; sub/good.svg"));
-    EXPECT_THAT(files(), ElementsAre("out/good.png"));
 }
 
 TEST_F(CommandLine, WarnsWithFileAndLine)
@@ -191,14 +169,11 @@ TEST_F(CommandLine, RefusesWrongOnes)
     const char* const cases[] = {
         "",
         "draw good.svg",
-        "render",
         "render good.svg",
-        "render -o out.png",
         "render good.svg -o out.jpg",
         "render good.svg bad.svg -o out.png",
         "render good.svg -o out.png --scale 0",
         "render good.svg -o out.png --scale 2 --width 10",
-        "render good.svg -o out.png --width 10 --height 10",
         "render good.svg -o out.png --width ten",
         "render good.svg -o out.png --background reddish",
         "render good.svg -o out.png --road fast",
@@ -209,9 +184,7 @@ TEST_F(CommandLine, RefusesWrongOnes)
         "render good.svg -o out.png --road compositor --tile-size 4096",
         "render good.svg -o out.png --format pdf",
         "render good.svg -o out.png --sparkle",
-        "inspect",
         "inspect good.svg bad.svg",
-        "gallery here there",
         "report",
     };
     for (const char* arguments : cases) {
@@ -225,17 +198,12 @@ TEST_F(CommandLine, RefusesWrongOnes)
 
 TEST_F(CommandLine, HelpsOnStandardOutput)
 {
-    const Result whole = vxr("--help");
+    const Result whole = vxr("--help"), render = vxr("render --help");
     EXPECT_EQ(whole.status, 0);
-    EXPECT_EQ(whole.err, "");
-    for (const char* word : { "render", "inspect", "gallery" })
-        EXPECT_THAT(whole.out, HasSubstr(word));
-    EXPECT_THAT(whole.out, Not(HasSubstr("report")));
-    const Result render = vxr("render --help");
+    EXPECT_THAT(whole.out, AllOf(HasSubstr("render"), HasSubstr("gallery"), Not(HasSubstr("report"))));
     EXPECT_EQ(render.status, 0);
-    for (const char* option : { "--scale", "--width", "--height", "--background", "--road",
-             "--black-and-white", "--tile-size", "--format", "--output", "Exit status" })
-        EXPECT_THAT(render.out, HasSubstr(option));
+    EXPECT_THAT(render.out, AllOf(HasSubstr("--road"), HasSubstr("--output"), HasSubstr("Exit status")));
+    EXPECT_EQ(whole.err + render.err, "");
 }
 
 TEST_F(CommandLine, InspectShowsTheTree)
@@ -264,7 +232,6 @@ TEST_F(CommandLine, InspectShowsTheTree)
     const Result bad = vxr("inspect bad.svg");
     EXPECT_EQ(bad.status, 1);
     EXPECT_EQ(bad.out, "");
-    EXPECT_THAT(bad.err, StartsWith("bad.svg:3: error: "));
 }
 
 TEST_F(CommandLine, GalleryShowsEveryPictureItWrites)
@@ -272,15 +239,14 @@ TEST_F(CommandLine, GalleryShowsEveryPictureItWrites)
     const Result result = vxr("gallery -o scenes");
     ASSERT_EQ(result.status, 0) << result.err;
     const std::string page = read("scenes/index.html");
-    std::size_t pictures = 0;
-    for (const std::string& file : files()) {
-        if (file == "scenes/index.html")
-            continue;
-        EXPECT_THAT(page, HasSubstr("\"" + fs::path(file).filename().string() + "\"")) << file;
-        ++pictures;
+    const auto made = files();
+    for (const std::string& file : made) {
+        if (file != "scenes/index.html") {
+            EXPECT_THAT(page, HasSubstr("\"" + fs::path(file).filename().string() + "\"")) << file;
+        }
     }
-    EXPECT_GT(pictures, 0u);
-    EXPECT_EQ(pictures % 2, 0u); // each as PNG and as PDF
+    EXPECT_GT(made.size(), 1u);
+    EXPECT_EQ(made.size() % 2, 1u); // the page, and each picture as PNG and as PDF
 }
 
 } // namespace

@@ -1,4 +1,3 @@
-#include <apps/vxr/import/Gradients.h>
 #include <apps/vxr/import/GroupRenderable.h>
 #include <apps/vxr/import/OutlineStroke.h>
 #include <apps/vxr/render/DrawingCanvas.h>
@@ -57,10 +56,11 @@ std::string hex(std::uint32_t value)
 struct ProbeCase {
     const char* name;
     const char* content;
-    struct {
+    struct Probe {
         int x, y;
         const char* argb;
-    } probes[4];
+    };
+    std::vector<Probe> probes;
 };
 
 // Each probe lies well inside an area of one colour. Half of 255 is 128 or 127, whichever way it is reached.
@@ -110,7 +110,8 @@ const ProbeCase probeCases[] = {
         { { 2, 9, "ffff0000" }, { 7, 9, "ff0000ff" }, { 32, 9, "ffff0000" }, { 37, 9, "ff0000ff" } } },
     { "ReflectedGradientTurnsBack",
         "<linearGradient id='g' gradientUnits='userSpaceOnUse' x1='10' x2='20' spreadMethod='reflect'>"
-        "<stop offset='.5' stop-color='red'/><stop offset='.5' stop-color='blue'/></linearGradient>"
+        "<stop offset='.5' stop-color='red'/><stop offset='.5' stop-color='blue'/><stop offset='1' "
+        "stop-color='blue'/></linearGradient>"
         "<rect width='40' height='30' fill='url(#g)'/>",
         { { 2, 9, "ff0000ff" }, { 7, 9, "ffff0000" }, { 22, 9, "ff0000ff" }, { 27, 9, "ffff0000" } } },
     { "CirclesGrowOutOfTheFocus",
@@ -126,8 +127,6 @@ TEST(Drawing, PaintsWhatItSays)
     for (const ProbeCase& c : probeCases) {
         const Picture picture = Sheet(c.content).direct();
         for (const auto& probe : c.probes) {
-            if (!probe.argb)
-                continue;
             EXPECT_EQ(hex(pixel(picture, probe.x, probe.y)), probe.argb)
                 << c.name << " at " << probe.x << ", " << probe.y;
         }
@@ -195,17 +194,14 @@ TEST(Drawing, BlackAndWhiteHasWhiteAreasAndBlackLines)
                 "<path d='M0 5H40' stroke='lime' stroke-width='4'/>"
                 "<path transform='scale(2 1)' d='M0 15H20' stroke='lime' stroke-width='4'/>"
                 "<rect y='20' width='40' height='10' fill='url(#g)' stroke='url(#g)' stroke-width='2'/>");
-    sheet.page.blackAndWhite = true;
     // Layers that still have colours in them are not used again.
-    sheet.page.blackAndWhite = false;
     EXPECT_EQ(hex(pixel(sheet.composited(), 20, 5)), "ff00ff00");
     sheet.page.blackAndWhite = true;
     for (const Picture& picture : { sheet.direct(), sheet.composited() }) {
-        EXPECT_EQ(hex(pixel(picture, 20, 10)), "ffffffff");
-        EXPECT_EQ(hex(pixel(picture, 20, 5)), "ff000000");
-        EXPECT_EQ(hex(pixel(picture, 20, 15)), "ff000000");
-        EXPECT_EQ(hex(pixel(picture, 20, 20)), "ff000000");
-        EXPECT_EQ(hex(pixel(picture, 20, 25)), "ffffffff");
+        for (const int black : { 5, 15, 20 })
+            EXPECT_EQ(hex(pixel(picture, 20, black)), "ff000000") << black;
+        for (const int white : { 10, 25 })
+            EXPECT_EQ(hex(pixel(picture, 20, white)), "ffffffff") << white;
     }
 }
 
@@ -256,26 +252,27 @@ private:
 
 TEST(Drawing, ChangesInAGroupReachTheWindow)
 {
+    const struct {
+        const char* name;
+        void (*change)(ShownGroup&);
+    } changes[] = {
+        { "move of a child", [](auto& s) { s.child().offsetBy(15, 12); } },
+        { "move by a part of a pixel", [](auto& s) { s.child().offsetBy(-0.4f, -12.3f); } },
+        { "fill of a child",
+            [](auto& s) { s.child().setFill(vxr::Color::colorWithCalibratedRGB(0, 1, 0)); } },
+        { "opacity of a child", [](auto& s) { s.child().setOpacity(0.5f); } },
+        { "move of the group", [](auto& s) { s.group().offsetBy(3.3f, 0); } },
+        { "move of a child in a moved group", [](auto& s) { s.child().offsetBy(-14, 7); } },
+    };
     for (const bool compositor : { true, false }) {
         for (const float scale : { 1.0f, 1.5f, 80.0f }) {
             ShownGroup shown(compositor, scale);
-            shown.child().offsetBy(15, 12);
-            EXPECT_EQ(shown.group().geometricBounds().minX(), 15);
-            EXPECT_EQ(shown.staleness(), 0) << "move of a child";
-            if (scale == 1) {
-                EXPECT_NE(hex(pixel(shown.picture(), 18, 15)), "ffffffff");
-                EXPECT_EQ(hex(pixel(shown.picture(), 5, 5)), "ffffffff");
+            for (const auto& [name, change] : changes) {
+                const Picture before = shown.picture();
+                change(shown);
+                EXPECT_EQ(shown.staleness(), 0) << name << " at " << scale;
+                EXPECT_GT(compare(before, shown.picture(), 0).largest, 0) << name << " at " << scale;
             }
-            shown.child().offsetBy(-0.4f, -12.3f);
-            EXPECT_EQ(shown.staleness(), 0) << "move by a part of a pixel";
-            shown.child().setFill(vxr::Color::colorWithCalibratedRGB(0, 1, 0));
-            EXPECT_EQ(shown.staleness(), 0) << "fill of a child";
-            shown.child().setOpacity(0.5f);
-            EXPECT_EQ(shown.staleness(), 0) << "opacity of a child";
-            shown.group().offsetBy(3.3f, 0);
-            EXPECT_EQ(shown.staleness(), 0) << "move of the group";
-            shown.child().offsetBy(-14, 7);
-            EXPECT_EQ(shown.staleness(), 0) << "move of a child in a moved group";
         }
     }
 }
@@ -305,24 +302,6 @@ TEST(Drawing, GroupsAreHitWhereAChildShowsThrough)
     EXPECT_EQ(group.geometricBounds().maxX(), 30);
 }
 
-TEST(Gradients, RepeatTheirStops)
-{
-    svg::Gradient gradient;
-    gradient.stops = { { 0.25, { 1, 0, 0, 1 } }, { 1, { 0, 0, 1, 1 } } };
-    const auto described = [&](svg::Gradient::Spread spread, int first, int last) {
-        gradient.spread = spread;
-        std::string text;
-        for (const svg::GradientStop& stop : repeatedStops(gradient, first, last))
-            text += (stop.color.r > 0 ? "r" : "b") + std::to_string(std::lround(stop.offset * 1000)) + " ";
-        return text;
-    };
-    using Spread = svg::Gradient::Spread;
-    EXPECT_EQ(described(Spread::Repeat, 0, 1), "r250 b1000 ");
-    EXPECT_EQ(described(Spread::Repeat, -1, 1), "r0 r125 b500 r500 r625 b1000 ");
-    EXPECT_EQ(described(Spread::Reflect, -1, 1), "b0 r375 r500 r500 r625 b1000 ");
-    EXPECT_EQ(described(Spread::Reflect, 1, 3), "b0 r375 r500 r500 r625 b1000 ");
-}
-
 /// Shapes lie anywhere here, at a scale that is no whole number.
 TEST(Drawing, SamplesDrawOnEveryRoad)
 {
@@ -334,11 +313,6 @@ TEST(Drawing, SamplesDrawOnEveryRoad)
         const Page page { drawing, 256, static_cast<int>(std::lround(drawing.size.height * scale)), scale,
             svg::Rgba { 1, 1, 1, 1 }, false };
         const Picture direct = drawDirect(page, true);
-        EXPECT_GT(compare(direct,
-                      Picture { direct.width, direct.height, std::vector(direct.pixels.size(), ~0u) }, 16)
-                      .share,
-            0.2)
-            << name;
         CompositedPage window(page);
         window.display();
         const Picture first = window.picture();

@@ -31,15 +31,13 @@ const Group& groupAt(const std::vector<Node>& nodes, std::size_t index)
 /// A shape's outline on the canvas.
 std::string placed(const Shape& shape) { return textOf(shape.outline.transformed(shape.toCanvas)); }
 
-struct SizeCase {
-    const char* attributes;
-    double width, height;
-    const char* unit; ///< where a line from (0, 0) to (1, 1) comes to lie
-};
-
 TEST(SvgDrawing, SizesTheCanvas)
 {
-    const SizeCase cases[] = {
+    const struct {
+        const char* attributes;
+        double width, height;
+        const char* unit; ///< where a line from (0, 0) to (1, 1) comes to lie
+    } cases[] = {
         { "viewBox='0 0 640 480'", 640, 480, "M0 0 L1 1" },
         { "width='320' viewBox='0 0 640 480'", 320, 240, "M0 0 L0.5 0.5" },
         { "height='1in' viewBox='10 0 48 48'", 96, 96, "M-20 0 L-18 2" },
@@ -48,7 +46,7 @@ TEST(SvgDrawing, SizesTheCanvas)
         { "width='70' height='80'", 70, 80, "M0 0 L1 1" },
         { "", 300, 150, "M0 0 L1 1" },
     };
-    for (const SizeCase& c : cases) {
+    for (const auto& c : cases) {
         const Drawing drawing = read("<path stroke='red' d='M0 0L1 1'/>", c.attributes);
         EXPECT_NEAR(drawing.width, c.width, 1e-9) << c.attributes;
         EXPECT_NEAR(drawing.height, c.height, 1e-9) << c.attributes;
@@ -73,20 +71,16 @@ TEST(SvgDrawing, ExpandsUseAndSymbol)
 
 TEST(SvgDrawing, ClipsANestedViewportOnlyWhereSomethingSticksOut)
 {
-    const std::string inside = "<svg x='10' y='10' width='20' height='20'><path d='M0 0H20V20H0Z'/></svg>";
-    const std::string outside = "<svg x='10' y='10' width='20' height='20'><path d='M0 0H21V20H0Z'/></svg>";
-    EXPECT_TRUE(std::holds_alternative<Shape>(read(inside).nodes.at(0).content));
-    const Drawing stroked
-        = read("<svg x='10' y='10' width='20' height='20'>"
-               "<path stroke='red' stroke-width='2' stroke-linejoin='round' d='M1.6 9H9'/></svg>"
-               "<svg x='10' y='10' width='20' height='20'>"
-               "<path stroke='red' stroke-width='2' stroke-linejoin='round' d='M1.4 9H9'/></svg>");
-    EXPECT_TRUE(std::holds_alternative<Shape>(stroked.nodes.at(0).content));
-    EXPECT_TRUE(groupAt(stroked.nodes, 1).clip); // 1.4 is less than the reach of 1.5
-    const Drawing drawing = read(outside);
-    const Group& group = groupAt(drawing.nodes, 0);
-    ASSERT_TRUE(group.clip);
-    EXPECT_EQ(textOf(group.clip->areas.at(0).outline), "M10 10 L30 10 L30 30 L10 30 Z");
+    const auto content = [](const std::string& attributes) {
+        return read("<svg x='10' y='10' width='20' height='20'><path " + attributes + "/></svg>").nodes;
+    };
+    const std::string pen = "stroke='red' stroke-width='2' stroke-linejoin='round' ";
+    EXPECT_TRUE(std::holds_alternative<Shape>(content("d='M0 0H20V20H0Z'").at(0).content));
+    EXPECT_TRUE(std::holds_alternative<Shape>(content(pen + "d='M1.6 9H9'").at(0).content));
+    EXPECT_TRUE(groupAt(content(pen + "d='M1.4 9H9'"), 0).clip); // less than the reach of 1.5
+    const auto nodes = content("d='M0 0H21V20H0Z'");
+    ASSERT_TRUE(groupAt(nodes, 0).clip);
+    EXPECT_EQ(textOf(groupAt(nodes, 0).clip->areas.at(0).outline), "M10 10 L30 10 L30 30 L10 30 Z");
 }
 
 TEST(SvgDrawing, GroupsOnlyWhereOpacityOrClipIsShared)
@@ -156,22 +150,22 @@ TEST(SvgDrawing, FallsBackWhereAGradientHasNothingToBlend)
     const std::string stops = "<stop stop-color='red'/><stop offset='1' stop-color='blue'/>";
     EXPECT_EQ(fill("").color, *parseColor("lime"));
     EXPECT_EQ(fill("", "url(#g)").kind, Paint::Kind::None);
-    EXPECT_EQ(fill("<linearGradient id='g'/>").kind, Paint::Kind::None);
-    EXPECT_EQ(
-        fill("<linearGradient id='g'><stop stop-color='red'/></linearGradient>").color, *parseColor("red"));
-    EXPECT_EQ(
-        fill("<linearGradient id='g' x2='0'>" + stops + "</linearGradient>").color, *parseColor("blue"));
-    EXPECT_EQ(fill("<radialGradient id='g' r='0'>" + stops + "</radialGradient>").color, *parseColor("blue"));
     EXPECT_EQ(fill("<linearGradient id='g' href='#g'/>").kind, Paint::Kind::None);
+    for (const auto& [gradient, color] :
+        { std::pair("<linearGradient id='g'><stop stop-color='red'/>", "red"),
+            { "<linearGradient id='g' x2='0'>", "blue" }, { "<radialGradient id='g' r='0'>", "blue" } }) {
+        const std::string name(gradient + 1, 14);
+        EXPECT_EQ(fill(gradient + (*color == 'b' ? stops : "") + "</" + name + ">").color, *parseColor(color))
+            << gradient;
+    }
     // A focus outside is moved onto the line to the centre, just inside the circle.
     const Paint radial
         = fill("<radialGradient id='g' cx='0' cy='0' r='1' fx='10'>" + stops + "</radialGradient>");
     EXPECT_NEAR(radial.gradient->focus.x, 1, 0.01);
     EXPECT_LT(radial.gradient->focus.x, 1);
     // A line has no box to measure a gradient by.
-    const Drawing flat
-        = read("<linearGradient id='g'>" + stops + "</linearGradient><line stroke='url(#g)' x2='9'/>");
-    EXPECT_TRUE(flat.nodes.empty());
+    EXPECT_TRUE(read("<linearGradient id='g'>" + stops + "</linearGradient><line stroke='url(#g)' x2='9'/>")
+                    .nodes.empty());
 }
 
 TEST(SvgDrawing, PlacesClipsOnTheCanvas)
@@ -197,14 +191,12 @@ TEST(SvgDrawing, PlacesClipsOnTheCanvas)
     EXPECT_TRUE(std::holds_alternative<Shape>(drawing.nodes.at(2).content)); // a missing clip clips nothing
 }
 
-struct VertexCase {
-    const char* data;
-    std::vector<int> degrees; ///< at each vertex
-};
-
 TEST(SvgMarkers, StandOnVerticesAlongTheBisector)
 {
-    const VertexCase cases[] = {
+    const struct {
+        const char* data;
+        std::vector<int> degrees; ///< at each vertex
+    } cases[] = {
         { "M0 0L10 0L10 10", { 0, 45, 90 } },
         { "M0 0H10V10H0Z", { -45, 45, 135, -135, -45 } },
         { "M0 0A5 5 0 0 1 10 0", { -90, 90 } },
@@ -212,7 +204,7 @@ TEST(SvgMarkers, StandOnVerticesAlongTheBisector)
         { "M0 0l-9.397 3.42l-9.848-1.736", { 160, 175, -170 } }, // the short way round
         { "M0 0H5M0 10V20", { 0, 0, 90, 90 } },
     };
-    for (const VertexCase& c : cases) {
+    for (const auto& c : cases) {
         std::vector<int> degrees;
         for (const MarkerVertex& vertex : markerVertices(parsePathData(c.data).outline))
             degrees.push_back(static_cast<int>(std::lround(vertex.angle * 180 / 3.14159265358979)));
@@ -269,21 +261,17 @@ TEST(SvgDrawing, WarnsOnceAKindWithTheLine)
             "5 the path is drawn up to the error at '1'", "5 the path is drawn up to the error at 'Q'"));
 }
 
-struct SampleCase {
-    const char* name;
-    double width, height;
-    std::size_t shapes; ///< elements that draw, counted in the file, `use` repeated
-};
-
 TEST(SvgDrawing, ReadsTheSampleDrawings)
 {
-    const SampleCase cases[] = { { "bt", 640, 480, 77 }, { "za", 640, 480, 6 }, { "mx", 640, 480, 371 },
-        { "emoji_u1f308", 128, 128, 6 }, { "emoji_u1f386", 128, 128, 66 }, { "emoji_u1f9ed", 128, 128, 21 },
-        { "emoji_u2b50", 128, 128, 3 } };
-    for (const SampleCase& c : cases) {
+    const struct {
+        const char* name;
+        double width, height;
+        std::size_t shapes; ///< elements that draw, counted in the file, `use` repeated
+    } cases[] = { { "bt", 640, 480, 77 }, { "za", 640, 480, 6 }, { "mx", 640, 480, 371 },
+        { "emoji_u1f308", 128, 128, 6 }, { "emoji_u1f386", 128, 128, 66 }, { "emoji_u1f9ed", 128, 128, 21 } };
+    for (const auto& c : cases) {
         std::ifstream file(std::string(VXR_DRAWINGS "/") + c.name + ".svg");
-        const std::string text { std::istreambuf_iterator<char>(file), {} };
-        const Drawing drawing = readDrawing(text);
+        const Drawing drawing = readDrawing(std::string { std::istreambuf_iterator<char>(file), {} });
         EXPECT_TRUE(drawing.warnings.empty()) << c.name << ": " << drawing.warnings.front().message;
         EXPECT_EQ(drawing.width, c.width) << c.name;
         EXPECT_EQ(drawing.height, c.height) << c.name;
