@@ -1,7 +1,7 @@
 // Runs a fuzz target without libFuzzer: first the kept corpus, then seeded random inputs and mutations
 // of the corpus until the time is over. The same seed always tries the same inputs.
 //
-//     vxr_fuzz_NAME [--seconds N] [--seed N] [FILE or FOLDER]...
+//     vxr_fuzz_NAME [--seconds N] [--seed N] [FILE or FOLDER]
 
 #include <algorithm>
 #include <chrono>
@@ -15,7 +15,6 @@
 #include <fstream>
 #include <iterator>
 #include <random>
-#include <string>
 #include <sys/time.h>
 #include <unistd.h>
 #include <vector>
@@ -64,28 +63,21 @@ void run(const Input& input)
     running = nullptr;
 }
 
-Input readFile(const std::filesystem::path& file)
-{
-    std::ifstream in(file, std::ios::binary);
-    return { std::istreambuf_iterator<char>(in), {} };
-}
-
-std::vector<Input> readCorpus(const std::vector<std::string>& places)
+/// The input in a file, or those of all files in a folder, in the order of their names.
+std::vector<Input> readCorpus(const std::filesystem::path& place)
 {
     std::vector<std::filesystem::path> files;
-    for (const std::string& place : places) {
-        if (!std::filesystem::is_directory(place)) {
-            files.emplace_back(place);
-            continue;
-        }
-        for (const auto& entry : std::filesystem::recursive_directory_iterator(place))
-            if (entry.is_regular_file())
-                files.push_back(entry.path());
-    }
+    if (!std::filesystem::is_directory(place))
+        files = { place };
+    else
+        for (const auto& entry : std::filesystem::directory_iterator(place))
+            files.push_back(entry.path());
     std::sort(files.begin(), files.end());
     std::vector<Input> corpus;
-    for (const auto& file : files)
-        corpus.push_back(readFile(file));
+    for (const auto& file : files) {
+        std::ifstream in(file, std::ios::binary);
+        corpus.emplace_back(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+    }
     return corpus;
 }
 
@@ -100,34 +92,31 @@ Input randomInput(Random& random)
     return input;
 }
 
-Input mutated(Input input, const std::vector<Input>& corpus, Random& random)
+/// An input of the corpus with some stretches changed, taken out, repeated, or followed by another input.
+Input mutated(const std::vector<Input>& corpus, Random& random)
 {
-    for (auto rounds = 1 + random() % 8; rounds > 0; --rounds) {
-        const std::size_t at = input.empty() ? 0 : random() % input.size();
+    Input input = corpus[random() % corpus.size()];
+    for (auto rounds = 1 + random() % 8; rounds > 0 && !input.empty(); --rounds) {
+        const auto at = input.begin() + long(random() % input.size());
+        const auto end = at + std::min(input.end() - at, long(random() % 16));
+        const Input stretch(at, end), &other = corpus[random() % corpus.size()];
         switch (random() % 5) {
-        case 0: // one bit
-            if (!input.empty())
-                input[at] ^= std::uint8_t(1u << (random() % 8));
+        case 0:
+            *at ^= std::uint8_t(1u << (random() % 8));
             break;
-        case 1: // one byte
-            if (!input.empty())
-                input[at] = std::uint8_t(random());
+        case 1:
+            *at = std::uint8_t(random());
             break;
-        case 2: // take a stretch out
-            input.erase(
-                input.begin() + long(at), input.begin() + long(std::min(input.size(), at + random() % 16)));
+        case 2:
+            input.erase(at, end);
             break;
-        case 3: // repeat a stretch
-        {
-            const Input stretch(
-                input.begin() + long(at), input.begin() + long(std::min(input.size(), at + random() % 16)));
-            input.insert(input.begin() + long(at), stretch.begin(), stretch.end());
+        case 3:
+            input.insert(at, stretch.begin(), stretch.end());
             break;
-        }
-        default: // go on as another input
-            const Input& other = corpus[random() % corpus.size()];
-            input.resize(at);
-            input.insert(input.end(), other.begin() + long(std::min(at, other.size())), other.end());
+        default:
+            const auto kept = at - input.begin();
+            input.resize(std::size_t(kept));
+            input.insert(input.end(), other.begin() + std::min(kept, long(other.size())), other.end());
         }
     }
     input.resize(std::min(input.size(), largestInput));
@@ -140,19 +129,18 @@ int main(int argc, char** argv)
 {
     double seconds = 10;
     std::uint64_t seed = 1;
-    std::vector<std::string> places;
+    std::vector<Input> corpus;
     for (int i = 1; i < argc; ++i) {
         if (!std::strcmp(argv[i], "--seconds") && i + 1 < argc)
             seconds = std::atof(argv[++i]);
         else if (!std::strcmp(argv[i], "--seed") && i + 1 < argc)
             seed = std::strtoull(argv[++i], nullptr, 10);
         else
-            places.emplace_back(argv[i]);
+            corpus = readCorpus(argv[i]);
     }
     for (const int signal : { SIGABRT, SIGSEGV, SIGFPE, SIGILL, SIGBUS, SIGPROF })
         std::signal(signal, saveRunningInput);
 
-    const std::vector<Input> corpus = readCorpus(places);
     for (const Input& input : corpus)
         run(input);
 
@@ -161,7 +149,7 @@ int main(int argc, char** argv)
     const auto end = std::chrono::steady_clock::now() + std::chrono::duration<double>(seconds);
     for (; std::chrono::steady_clock::now() < end; ++tried) {
         const bool mutate = !corpus.empty() && random() % 2;
-        run(mutate ? mutated(corpus[random() % corpus.size()], corpus, random) : randomInput(random));
+        run(mutate ? mutated(corpus, random) : randomInput(random));
     }
     std::printf(
         "%zu kept and %zu random inputs, seed %llu\n", corpus.size(), tried, (unsigned long long)seed);

@@ -1,50 +1,32 @@
 // Path operations on random elements: nothing crashes or hangs, and what two routes can tell agrees.
 
+#include <tests/fuzz/FuzzInput.h>
 #include <vxr/geometry/PathAdditions.h>
 #include <vxr/geometry/VXRGeometry.h>
 #include <vxr/host/utility/VXULog.h>
 
-#include <algorithm>
 #include <cmath>
-#include <cstdint>
-#include <cstdio>
-#include <cstdlib>
-#include <cstring>
 
 using namespace vxr;
+using namespace vxr::testing;
 
 namespace {
 
 /// Area operations cost far more an element than the rest.
 constexpr std::size_t mostElementsForAreas = 40;
 
-/// How the bytes of a coordinate become a number.
-enum class Form { Lattice, Fine, Raw };
-
-class Reader {
+class Reader : public FuzzInput {
 public:
-    Reader(const std::uint8_t* data, std::size_t size)
-        : mData(data)
-        , mEnd(data + size)
-    {
-    }
-
-    bool isAtEnd() const { return mData == mEnd; }
-
-    std::uint8_t byte() { return mData < mEnd ? *mData++ : std::uint8_t {}; }
+    using FuzzInput::FuzzInput;
 
     float coordinate(Form form)
     {
         if (form == Form::Lattice)
             return byte();
-        if (form == Form::Fine)
-            return static_cast<float>(byte() * 256 + byte()) / 300 - 100;
-        std::uint8_t bytes[4];
-        for (auto& b : bytes)
-            b = byte();
-        float value;
-        std::memcpy(&value, bytes, sizeof value);
-        return value;
+        if (form == Form::Raw)
+            return next<float>();
+        const int high = byte();
+        return static_cast<float>(high * 256 + byte()) / 300 - 100;
     }
 
     Point point(Form form)
@@ -52,10 +34,6 @@ public:
         const float x = coordinate(form);
         return { x, coordinate(form) };
     }
-
-private:
-    const std::uint8_t* mData;
-    const std::uint8_t* mEnd;
 };
 
 LineStyle readStyle(Reader& reader, Form form)
@@ -77,7 +55,7 @@ Path readPath(Reader& reader, Form form)
     Path path;
     path.setLineStyle(readStyle(reader, form));
     path.setWindingRule(static_cast<WindingRule>(reader.byte() % 2));
-    while (!reader.isAtEnd()) {
+    while (reader.left()) {
         switch (reader.byte() % 8) {
         case 0:
             path.moveTo(reader.point(form));
@@ -108,14 +86,6 @@ float extentOf(const Path& path)
     for (const Point p : path.points())
         extent = std::max({ extent, std::isnan(p.x + p.y) ? INFINITY : 0, std::fabs(p.x), std::fabs(p.y) });
     return extent;
-}
-
-void expect(bool holds, const char* law)
-{
-    if (holds)
-        return;
-    std::fprintf(stderr, "%s does not hold\n", law);
-    std::abort();
 }
 
 bool holdsPoint(const Rect& r, Point p, float margin)
@@ -196,7 +166,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     (void)quiet;
     Reader reader(data, size);
     const std::uint8_t head = reader.byte();
-    const Form form = head % 4 == 3 ? Form::Raw : head % 4 == 2 ? Form::Fine : Form::Lattice;
+    const Form form = formOf(head);
     const std::size_t split = size / 2;
     Reader first(data + std::min<std::size_t>(size, 1), split > 1 ? split - 1 : 0);
     Reader second(data + split, size - split);

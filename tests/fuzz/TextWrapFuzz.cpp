@@ -1,52 +1,34 @@
 // Text wrap of random lines at random paths: nothing crashes or hangs, and a line's pieces are those
 // of clipping it with the whole polygon.
 
-#include <vxr/textwrap/VXRTextWrap.h>
-
-#include <cmath>
-#include <cstdint>
-#include <cstdio>
-#include <cstdlib>
+#include <tests/fuzz/FuzzInput.h>
+#include <tests/support/PlainWrap.h>
 
 using namespace vxr;
+using namespace vxr::testing;
 
 namespace {
 
-class Bytes {
-public:
-    Bytes(const std::uint8_t* data, std::size_t size)
-        : mData(data)
-        , mEnd(data + size)
-    {
-    }
+Point nextPoint(FuzzInput& bytes)
+{
+    const float x = bytes.byte();
+    return { x, float(bytes.byte()) };
+}
 
-    bool isAtEnd() const { return mData == mEnd; }
-    int next() { return isAtEnd() ? 0 : *mData++; }
-    Point nextPoint()
-    {
-        const int x = next(), y = next();
-        return { float(x), float(y) };
-    }
-
-private:
-    const std::uint8_t* mData;
-    const std::uint8_t* mEnd;
-};
-
-std::shared_ptr<Path> readPath(Bytes& bytes)
+std::shared_ptr<Path> readPath(FuzzInput& bytes)
 {
     auto path = Path::path();
-    while (!bytes.isAtEnd()) {
-        const int tag = bytes.next();
+    while (bytes.left()) {
+        const int tag = bytes.byte();
         if (tag % 8 == 0) {
             path->close();
         } else if (tag % 8 == 1) {
-            path->moveTo(bytes.nextPoint());
+            path->moveTo(nextPoint(bytes));
         } else if (tag % 8 == 2) {
-            const Point a = bytes.nextPoint(), b = bytes.nextPoint();
-            path->curveTo(a, b, bytes.nextPoint());
+            const Point a = nextPoint(bytes), b = nextPoint(bytes);
+            path->curveTo(a, b, nextPoint(bytes));
         } else {
-            path->lineTo(bytes.nextPoint());
+            path->lineTo(nextPoint(bytes));
         }
     }
     return path;
@@ -60,20 +42,13 @@ std::vector<Rect> withoutTouching(std::vector<Rect> pieces)
     return pieces;
 }
 
-std::vector<Rect> plainlyWrapped(const Rect& line, const Path& path, int type)
-{
-    const VXRPolygonOwner shape(polygonFromBezier(path)), rect(polygonFromRect(line)), result(emptyPolygon());
-    gpc_polygon_clip(type == 0 ? GPC_DIFF : GPC_INT, rect.get(), shape.get(), result.get());
-    return wrappedSubrectsFromPolygon(result.get(), line);
-}
-
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    Bytes bytes(data, size);
-    const float step = float(1 + bytes.next() % 40) / 2, left = float(bytes.next()) / 4,
-                width = float(20 + bytes.next());
+    FuzzInput bytes(data, size);
+    const float step = float(1 + bytes.byte() % 40) / 2, left = float(bytes.byte()) / 4,
+                width = float(20 + bytes.byte());
     const std::shared_ptr<const Path> path = readPath(bytes);
     if (path->elementCount() > 200)
         return 0;
@@ -84,11 +59,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             const auto pieces = withoutTouching(
                 VXRTextWrap::wrappedSubrectsForRectPathTypeSkipHint(line, path, type, skip));
             const auto expected = withoutTouching(plainlyWrapped(line, *path, type));
-            bool agree = skip >= 1 && pieces.size() == expected.size();
-            for (std::size_t i = 0; agree && i < pieces.size(); ++i)
-                agree = std::abs(pieces[i].minX() - expected[i].minX()) < 1e-3f
-                    && std::abs(pieces[i].maxX() - expected[i].maxX()) < 1e-3f;
-            if (!agree) {
+            if (skip < 1 || !samePieces(pieces, expected, 1e-3f)) {
                 std::fprintf(stderr, "line %g %g %g %g type %d: %zu pieces, %zu expected\n", double(left),
                     double(y), double(width), double(step), type, pieces.size(), expected.size());
                 std::abort();

@@ -47,17 +47,10 @@ void addCrossingHeights(const std::vector<Edge>& edges, std::vector<Real>& heigh
 
 bool holds(gpc_op operation, bool inSubject, bool inClip)
 {
-    switch (operation) {
-    case GPC_DIFF:
-        return inSubject && !inClip;
-    case GPC_INT:
-        return inSubject && inClip;
-    case GPC_XOR:
-        return inSubject != inClip;
-    case GPC_UNION:
-        break;
-    }
-    return inSubject || inClip;
+    return operation == GPC_DIFF ? inSubject && !inClip
+        : operation == GPC_INT   ? inSubject && inClip
+        : operation == GPC_XOR   ? inSubject != inClip
+                                 : inSubject || inClip;
 }
 
 } // namespace

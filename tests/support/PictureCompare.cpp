@@ -17,13 +17,12 @@ Pixel pixelOf(std::uint32_t value)
         static_cast<int>(value & 255), static_cast<int>(value >> 24) };
 }
 
-Picture pictureOf(
-    const std::uint8_t* data, int width, int height, std::size_t bytesPerRow, std::uint32_t fill)
+Picture pictureOf(const void* data, int width, int height, std::size_t bytesPerRow, std::uint32_t fill)
 {
     Picture picture { width, height, {} };
     for (int y = 0; y < height; ++y) {
-        const auto* row
-            = reinterpret_cast<const std::uint32_t*>(data + static_cast<std::size_t>(y) * bytesPerRow);
+        const auto* row = reinterpret_cast<const std::uint32_t*>(
+            static_cast<const std::uint8_t*>(data) + static_cast<std::size_t>(y) * bytesPerRow);
         for (int x = 0; x < width; ++x)
             picture.pixels.push_back(row[x] | fill);
     }
@@ -63,6 +62,22 @@ Pixel Picture::at(int x, int y) const
     }
     return pixelOf(pixels[static_cast<std::size_t>(height - 1 - y) * static_cast<std::size_t>(width)
         + static_cast<std::size_t>(x)]);
+}
+
+Pixel pixelAt(const CairoContext& context, int x, int y)
+{
+    if (x < 0 || y < 0 || x >= context.width() || y >= context.height()) {
+        ADD_FAILURE() << "no pixel at " << x << ", " << y;
+        return {};
+    }
+    const std::size_t wordsPerRow = context.bytesPerRow() / 4;
+    return pixelOf(context.pixels()[static_cast<std::size_t>(context.height() - 1 - y) * wordsPerRow
+        + static_cast<std::size_t>(x)]);
+}
+
+Picture pictureOf(const CairoContext& context)
+{
+    return pictureOf(context.pixels(), context.width(), context.height(), context.bytesPerRow(), 0);
 }
 
 Picture pictureOf(const Image& image)
@@ -117,6 +132,11 @@ PictureDifference compare(const Picture& a, const Picture& b, int tolerance)
         imageOf(differencePicture(picture, expected))->writePNG(shown);
     return ::testing::AssertionFailure() << off.pixelsAbove << " pixels differ from " << name << ".png, by "
                                          << off.largest << " levels at most; see " << actual;
+}
+
+::testing::AssertionResult matchesGolden(const CairoContext& context, const std::string& name, int tolerance)
+{
+    return matchesGolden(pictureOf(context), name, tolerance);
 }
 
 } // namespace vxr::test

@@ -15,6 +15,10 @@ public:
 
     TestPolygon() = default;
     TestPolygon(std::initializer_list<Contour> contours)
+        : TestPolygon(std::vector(contours))
+    {
+    }
+    explicit TestPolygon(const std::vector<Contour>& contours)
     {
         for (const Contour& c : contours)
             add(c);

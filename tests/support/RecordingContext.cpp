@@ -17,7 +17,7 @@ namespace {
 
 std::string rgbaText(const std::array<float, 4>& rgba)
 {
-    return fmt::format("{} {} {} {}", text(rgba[0]), text(rgba[1]), text(rgba[2]), text(rgba[3]));
+    return text(rgba[0]) + ' ' + text(rgba[1]) + ' ' + text(rgba[2]) + ' ' + text(rgba[3]);
 }
 
 std::string patternText(const Pattern& pattern, float alpha)
@@ -30,14 +30,9 @@ Rect boundsOf(const AffineTransform& transform, const Rect& r)
 {
     const Point corners[] = { transform.map(r.origin), transform.map(Point { r.maxX(), r.minY() }),
         transform.map(Point { r.minX(), r.maxY() }), transform.map(Point { r.maxX(), r.maxY() }) };
-    float left = corners[0].x, right = left, bottom = corners[0].y, top = bottom;
-    for (const Point& p : corners) {
-        left = std::min(left, p.x);
-        right = std::max(right, p.x);
-        bottom = std::min(bottom, p.y);
-        top = std::max(top, p.y);
-    }
-    return { left, bottom, right - left, top - bottom };
+    const auto [left, right] = std::ranges::minmax(corners, {}, &Point::x);
+    const auto [bottom, top] = std::ranges::minmax(corners, {}, &Point::y);
+    return { left.x, bottom.y, right.x - left.x, top.y - bottom.y };
 }
 
 const char* word(WindingRule rule) { return rule == WindingRule::EvenOdd ? "even-odd " : ""; }
@@ -125,20 +120,24 @@ std::string RecordingContext::recorded() const
 
 void RecordingContext::write(std::string line) { mLines.push_back(std::move(line)); }
 
-void RecordingContext::saveState()
+void RecordingContext::push(const char* line)
 {
-    write("save");
+    write(line);
     mSaved.push_back(mState);
 }
 
-void RecordingContext::restoreState()
+void RecordingContext::pop(const char* line)
 {
-    write("restore");
+    write(line);
     if (mSaved.empty())
         return;
     mState = mSaved.back();
     mSaved.pop_back();
 }
+
+void RecordingContext::saveState() { push("save"); }
+
+void RecordingContext::restoreState() { pop("restore"); }
 
 void RecordingContext::setBaseTransform(const AffineTransform& base)
 {
@@ -246,20 +245,9 @@ void RecordingContext::setShadow(Size offset, float blur, const ColorValue& colo
 
 void RecordingContext::clearShadow() { write("clear-shadow"); }
 
-void RecordingContext::beginTransparencyLayer()
-{
-    write("begin-layer");
-    mSaved.push_back(mState);
-}
+void RecordingContext::beginTransparencyLayer() { push("begin-layer"); }
 
-void RecordingContext::endTransparencyLayer()
-{
-    write("end-layer");
-    if (mSaved.empty())
-        return;
-    mState = mSaved.back();
-    mSaved.pop_back();
-}
+void RecordingContext::endTransparencyLayer() { pop("end-layer"); }
 
 void RecordingContext::drawImage(const Rect& rect, const Image& image)
 {

@@ -84,6 +84,8 @@ private:
     };
 
     void write(std::string line);
+    void push(const char* line);
+    void pop(const char* line);
     void clipToBounds(const Rect& userSpace);
 
     std::vector<std::string> mLines;
