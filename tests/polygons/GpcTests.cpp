@@ -42,26 +42,15 @@ const AreaCase areaCases[] = {
         { square(0, 0, 10) }, { 0, 0, 100, 100 }, { 0, 0, 1, 1 } },
 };
 
-TestPolygon polygonOf(const std::vector<Contour>& contours)
-{
-    TestPolygon polygon;
-    for (const Contour& c : contours)
-        polygon.add(c);
-    return polygon;
-}
-
 TEST(Gpc, AreasAndContoursOfSimpleOperands)
 {
     for (const AreaCase& c : areaCases) {
-        const TestPolygon a = polygonOf(c.a), b = polygonOf(c.b);
-        for (int number = 0; number < 4; ++number) {
-            SCOPED_TRACE(std::string(c.name) + " operation " + std::to_string(number));
-            const TestPolygon result = clip(gpc_op(number), a, b);
-            EXPECT_DOUBLE_EQ(evenOddArea(result.set()), c.areas[number]);
+        for (const gpc_op operation : allOperations) {
+            const TestPolygon result = clip(operation, TestPolygon(c.a), TestPolygon(c.b));
+            EXPECT_DOUBLE_EQ(evenOddArea(result.set()), c.areas[operation]) << c.name << operation;
             // Xor outlines may be cut apart at the points where they touch.
-            if (number != GPC_XOR) {
-                EXPECT_EQ(result.count(), c.contours[number]);
-            }
+            EXPECT_TRUE(operation == GPC_XOR || result.count() == c.contours[operation])
+                << c.name << operation << " has " << result.count();
         }
     }
 }
@@ -98,47 +87,35 @@ TestPolygon randomPolygon(Family family, std::mt19937& random)
     return polygon;
 }
 
-TEST(Gpc, AreasObeyTheAlgebraOfSetsAndAgreeWithASweepInTrapezoids)
+TEST(Gpc, AreasAgreeWithASweepInTrapezoids)
 {
     std::mt19937 random(7);
-    for (const Family family : { Family::Star, Family::Tangle, Family::Lattice, Family::TinyFarAway }) {
+    for (const Family family : { Family::Star, Family::Tangle, Family::Lattice, Family::TinyFarAway })
         for (int i = 0; i < 60; ++i) {
             const TestPolygon a = randomPolygon(family, random), b = randomPolygon(family, random);
             const double sum = evenOddArea(a.set()) + evenOddArea(b.set());
-            double areas[4];
-            for (const gpc_op operation : allOperations) {
-                areas[operation] = evenOddArea(clip(operation, a, b).set());
-                EXPECT_NEAR(areas[operation], areaOfOperation(operation, a.set(), b.set()), 1e-6 * sum)
+            for (const gpc_op operation : allOperations)
+                EXPECT_NEAR(evenOddArea(clip(operation, a, b).set()),
+                    areaOfOperation(operation, a.set(), b.set()), 1e-6 * sum)
                     << "family " << int(family) << " case " << i << " operation " << operation;
-            }
-            EXPECT_NEAR(areas[GPC_UNION] + areas[GPC_INT], sum, 1e-6 * sum);
-            EXPECT_NEAR(areas[GPC_XOR], areas[GPC_UNION] - areas[GPC_INT], 1e-6 * sum);
         }
-    }
 }
 
-TEST(Gpc, CoordinatesOnTheGridComeBackExactly)
+TEST(Gpc, CoordinatesOnTheGridComeBackExactlyAndCollinearOnesStay)
 {
     const double far = 1 << 20;
-    const TestPolygon a { { { -3.25, far }, { 1024.5, far + 0.125 }, { 7, far + 300 } } };
+    const TestPolygon a { { { -3.25, far }, { 512, far }, { 1024.5, far }, { 7, far + 300 } } };
     const TestPolygon b { square(-2000, -2000, 3) };
     const TestPolygon both = clip(GPC_UNION, a, b);
     ASSERT_EQ(both.count(), 2);
-    for (const TestPolygon* operand : { &a, &b }) {
+    for (const TestPolygon* operand : { &a, &b })
         for (const gpc_vertex& v : operand->contour(0)) {
             int found = 0;
             for (int i = 0; i < 2; ++i)
-                for (const gpc_vertex& r : both.contour(i))
-                    found += r.x == v.x && r.y == v.y;
+                found += std::ranges::count_if(
+                    both.contour(i), [&](const gpc_vertex& r) { return r.x == v.x && r.y == v.y; });
             EXPECT_EQ(found, 1) << v.x << ", " << v.y;
         }
-    }
-}
-
-TEST(Gpc, CollinearVerticesStay)
-{
-    const TestPolygon a { { { 0, 0 }, { 5, 0 }, { 10, 0 }, { 10, 10 }, { 0, 10 } } };
-    EXPECT_EQ(clip(GPC_UNION, a, {}).contour(0).size(), 5u);
 }
 
 TEST(Gpc, ExtremeSizesKeepTheirAreas)
@@ -198,9 +175,7 @@ TEST(Gpc, HoleFlagsAreTheParityOfTheContoursAround)
     const TestPolygon separate = clip(GPC_UNION, rings, { square(500, 0, 10) });
     ASSERT_EQ(separate.count(), 41);
     for (int i = 0; i < separate.count(); ++i) {
-        const auto contour = separate.contour(i);
-        const double left
-            = std::min_element(contour.begin(), contour.end(), [](auto& u, auto& v) { return u.x < v.x; })->x;
+        const double left = std::ranges::min(separate.contour(i), {}, &gpc_vertex::x).x;
         EXPECT_EQ(separate.set().hole[i], left == 500 ? 0 : int(left) % 2);
     }
 
@@ -213,15 +188,13 @@ TEST(Gpc, HoleFlagsAreTheParityOfTheContoursAround)
         for (int k = 0; k < result.count(); ++k) {
             const gpc_vertex u = result.contour(k)[0], v = result.contour(k)[1];
             int around = 0;
-            bool touches = false;
-            for (int other = 0; other < result.count(); ++other) {
+            for (int other = 0; other < result.count() && around >= 0; ++other) {
                 const int inside
                     = other == k ? 0 : pointInside(result.contour(other), (u.x + v.x) / 2, (u.y + v.y) / 2);
-                touches |= inside < 0;
-                around += inside;
+                around = inside < 0 ? -1 : around + inside;
             }
-            if (touches)
-                continue;
+            if (around < 0)
+                continue; // touches another
             EXPECT_EQ(result.set().hole[k], around % 2) << "case " << i << " contour " << k;
             ++judged;
             holes += around % 2;
@@ -231,20 +204,13 @@ TEST(Gpc, HoleFlagsAreTheParityOfTheContoursAround)
     EXPECT_GT(holes, 10);
 }
 
-TEST(Gpc, RecordsOwnTheirCopies)
+TEST(Gpc, TheResultMayBeAnOperandWhoseContentsAreTheCallersToFree)
 {
-    Contour contour = square(0, 0, 10);
-    TestPolygon a;
-    a.add(contour);
-    contour[0].x = 5;
-    EXPECT_EQ(a.contour(0)[0].x, 0);
-
-    // The result may be an operand: its old contents are the caller's to free.
+    TestPolygon a { square(0, 0, 10) };
     gpc_polygon before = a.set();
     gpc_polygon_clip(GPC_DIFF, &a.set(), &a.set(), &a.set());
     gpc_free_polygon(&before);
     EXPECT_EQ(a.count(), 0);
-    EXPECT_EQ(before.num_contours, 0);
     EXPECT_EQ(before.contour, nullptr);
 }
 
@@ -258,35 +224,27 @@ Contour tangle(int vertices)
     return contour;
 }
 
-/// Teeth as tall as the whole: every edge shares its height with every other, none cross.
-Contour comb(int teeth)
-{
-    Contour contour { { double(teeth), -1 }, { 0, -1 } };
-    for (int i = 0; i < teeth; ++i) {
-        contour.push_back({ double(i), 0 });
-        contour.push_back({ i + 0.5, 100 });
-    }
-    contour.push_back({ double(teeth), 0 });
-    return contour;
-}
-
 TEST(Gpc, RefusesWorkWithoutEndButNotLargePlainOutlines)
 {
     const TestPolygon box { square(0, 0, 1000) };
     EXPECT_EQ(clip(GPC_INT, { tangle(20000) }, box).count(), 0);
     EXPECT_GT(clip(GPC_INT, { tangle(300) }, box).count(), 0);
 
-    const TestPolygon teeth { comb(3000) };
-    EXPECT_NEAR(evenOddArea(clip(GPC_UNION, teeth, {}).set()), 3000 + 3000 * 50, 1e-3);
+    // Teeth as tall as the whole: every edge shares its height with every other, none cross.
+    Contour comb { { 3000, -1 }, { 0, -1 } }, circle;
+    for (int i = 0; i < 3000; ++i) {
+        comb.push_back({ double(i), 0 });
+        comb.push_back({ i + 0.5, 100 });
+    }
+    comb.push_back({ 3000, 0 });
+    EXPECT_NEAR(evenOddArea(clip(GPC_UNION, { comb }, {}).set()), 3000 + 3000 * 50, 1e-3);
 
-    Contour circle;
     constexpr int vertices = 200000;
     for (int i = 0; i < vertices; ++i) {
         const double angle = 2 * M_PI * i / vertices;
         circle.push_back({ 100 * std::cos(angle), 100 * std::sin(angle) });
     }
-    const TestPolygon half
-        = clip(GPC_INT, { circle }, { { { -200, 0 }, { 200, 0 }, { 200, 200 }, { -200, 200 } } });
+    const TestPolygon half = clip(GPC_INT, { circle }, { square(-200, 0, 400) });
     ASSERT_EQ(half.count(), 1);
     EXPECT_GT(half.contour(0).size(), 100000u);
 }

@@ -42,12 +42,8 @@ const PlainCase plainCases[] = {
 
 TEST(PlainCrossings, LeaveWhatIsNotPlainToTheClipper)
 {
-    for (const PlainCase& c : plainCases) {
-        TestPolygon polygon;
-        for (const Contour& contour : c.contours)
-            polygon.add(contour);
-        EXPECT_EQ(PlainCrossings().find(polygon.set(), line, clearance), c.isPlain) << c.name;
-    }
+    for (const PlainCase& c : plainCases)
+        EXPECT_EQ(PlainCrossings().find(TestPolygon(c.contours).set(), line, clearance), c.isPlain) << c.name;
 }
 
 std::vector<Rect> boxes(const TestPolygon& polygon, bool inside)

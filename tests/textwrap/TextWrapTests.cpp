@@ -1,6 +1,7 @@
 #include <vxr/textwrap/VXRTextWrap.h>
 
 #include <tests/support/EvenOddArea.h>
+#include <tests/support/PlainWrap.h>
 #include <tests/support/PolygonBuilder.h>
 
 #include <gmock/gmock.h>
@@ -14,7 +15,6 @@ namespace vxr::testing {
 namespace {
 
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 
 constexpr int inside = 0, around = 1;
 
@@ -40,32 +40,36 @@ int skip(const Rect& line, const std::shared_ptr<Path>& path, int type)
     return hint;
 }
 
+struct PieceCase {
+    const char* name;
+    std::shared_ptr<Path> path;
+    int type;
+    std::vector<Rect> pieces;
+};
+const Rect coverRect(-10, 0, 120, 100), midLine(0, 10, 100, 12);
+const auto post = rects({ { 40, 0, 20, 100 } }), elsewhere = rects({ { 40, 200, 20, 100 } });
+const auto twoPosts = rects({ { 70, 0, 50, 15 }, { 20, 0, 20, 100 } });
+const PieceCase pieceCases[] = {
+    { "AroundAPost", post, around, { { 0, 10, 40, 12 }, { 60, 10, 40, 12 } } },
+    { "AnyOtherTypeIsAround", post, -7, { { 0, 10, 40, 12 }, { 60, 10, 40, 12 } } },
+    { "InsideAPost", post, inside, { { 40, 10, 20, 12 } } },
+    { "AroundTwoPosts", twoPosts, around, { { 0, 10, 20, 12 }, { 40, 10, 30, 12 } } },
+    // The first post ends within the line: what is free below it hides its span.
+    { "InsideTwoPosts", twoPosts, inside, { { 20, 10, 20, 12 } } },
+    { "AroundWhatIsElsewhere", elsewhere, around, { midLine } },
+    { "InsideWhatIsElsewhere", elsewhere, inside, {} },
+    { "TouchingFromBelow", rects({ { 40, 22, 20, 100 } }), around, { midLine } },
+    { "AroundACover", rects({ coverRect }), around, {} },
+    { "InsideACover", rects({ coverRect }), inside, { midLine } },
+    { "AroundNothing", rects({}), around, { midLine } },
+    { "InsideNothing", rects({}), inside, {} },
+    { "InsideNoPath", nullptr, inside, {} },
+};
+
 TEST(TextWrap, PiecesAreTheGapsThatTheClipLeaves)
 {
-    const Rect line(0, 10, 100, 12);
-    const auto post = rects({ { 40, 0, 20, 100 } });
-    EXPECT_THAT(wrapped(line, post, around), ElementsAre(Rect(0, 10, 40, 12), Rect(60, 10, 40, 12)));
-    EXPECT_THAT(wrapped(line, post, -7), ElementsAre(Rect(0, 10, 40, 12), Rect(60, 10, 40, 12)));
-    EXPECT_THAT(wrapped(line, post, inside), ElementsAre(Rect(40, 10, 20, 12)));
-
-    const auto twoPosts = rects({ { 70, 0, 50, 15 }, { 20, 0, 20, 100 } });
-    EXPECT_THAT(wrapped(line, twoPosts, around), ElementsAre(Rect(0, 10, 20, 12), Rect(40, 10, 30, 12)));
-    // The second post ends within the line: what is free below it hides its span.
-    EXPECT_THAT(wrapped(line, twoPosts, inside), ElementsAre(Rect(20, 10, 20, 12)));
-
-    const auto elsewhere = rects({ { 40, 200, 20, 100 } });
-    EXPECT_THAT(wrapped(line, elsewhere, around), ElementsAre(line));
-    EXPECT_THAT(wrapped(line, elsewhere, inside), IsEmpty());
-    const auto touchingFromBelow = rects({ { 40, 22, 20, 100 } });
-    EXPECT_THAT(wrapped(line, touchingFromBelow, around), ElementsAre(line));
-
-    const auto cover = rects({ { -10, 0, 120, 100 } });
-    EXPECT_THAT(wrapped(line, cover, around), IsEmpty());
-    EXPECT_THAT(wrapped(line, cover, inside), ElementsAre(line));
-    const auto nothing = Path::path();
-    EXPECT_THAT(wrapped(line, nothing, around), ElementsAre(line));
-    EXPECT_THAT(wrapped(line, nothing, inside), IsEmpty());
-    EXPECT_EQ(skip(line, nullptr, inside), 1);
+    for (const PieceCase& c : pieceCases)
+        EXPECT_EQ(wrapped(midLine, c.path, c.type), c.pieces) << c.name;
 }
 
 struct SkipCase {
@@ -74,9 +78,9 @@ struct SkipCase {
     Rect line;
     int type, skip;
 };
-const Rect coverRect(-10, 0, 120, 100), midLine(0, 10, 100, 12);
 const SkipCase skipCases[] = {
-    { "SomethingIsFree", rects({ { 40, 0, 20, 100 } }), midLine, around, 1 },
+    { "NoPathAtFirst", nullptr, midLine, inside, 1 },
+    { "SomethingIsFree", post, midLine, around, 1 },
     { "ToTheEndOfTheShape", rects({ coverRect }), midLine, around, 78 },
     { "ToAHoleBelow", rects({ coverRect, { 20, 50, 30, 10 } }), midLine, around, 28 },
     { "WholePartOnly", rects({ coverRect, { 20, 50.75f, 30, 10 } }), midLine, around, 28 },
@@ -96,36 +100,26 @@ TEST(TextWrap, SkipReachesTheFirstFreeAreaBelowTheLine)
         EXPECT_EQ(skip(c.line, c.path, c.type), c.skip) << c.name;
 }
 
-TEST(TextWrap, TheLastPathIsKnownByIdentityInEachFormSeparately)
+TEST(TextWrap, TheLastPathIsRetainedAndKnownByIdentityInEachFormSeparately)
 {
-    const Rect line(0, 10, 100, 12);
-    const auto path = rects({ { 40, 0, 20, 100 } });
-    const Rect left(0, 10, 40, 12);
-    EXPECT_EQ(wrapped(line, path, around).front(), left);
-
+    auto path = rects({ { 40, 0, 20, 100 } });
+    const Rect before(0, 10, 40, 12), after(0, 10, 10, 12);
+    EXPECT_EQ(wrapped(midLine, path, around).front(), before);
     path->removeAllPoints();
     path->appendRect({ 10, 0, 20, 100 });
-    EXPECT_EQ(wrapped(line, path, around).front(), left) << "changed in place: still the old polygon";
+    EXPECT_EQ(wrapped(midLine, path, around).front(), before) << "changed in place: still the old polygon";
     int hint = 0;
-    EXPECT_EQ(VXRTextWrap::wrappedSubrectsForRectPathTypeSkipHint(line, path, around, hint).front(),
-        Rect(0, 10, 10, 12))
+    EXPECT_EQ(VXRTextWrap::wrappedSubrectsForRectPathTypeSkipHint(midLine, path, around, hint).front(), after)
         << "the other form sees it for the first time";
 
-    const auto copy = path->copy();
-    EXPECT_EQ(wrapped(line, copy, around).front(), Rect(0, 10, 10, 12));
-    EXPECT_EQ(wrapped(line, path, around).front(), Rect(0, 10, 10, 12)) << "replaced, so converted anew";
-}
+    EXPECT_EQ(wrapped(midLine, path->copy(), around).front(), after);
+    EXPECT_EQ(wrapped(midLine, path, around).front(), after) << "replaced, so converted anew";
 
-TEST(TextWrap, TheLastPathIsRetained)
-{
-    std::weak_ptr<Path> seen;
-    {
-        const auto path = rects({ { 40, 0, 20, 100 } });
-        seen = path;
-        wrapped({ 0, 10, 100, 12 }, path, around);
-    }
+    VXRTextWrap::wrappedSubrectsForRectPathTypeSkipHint(midLine, post, around, hint);
+    const std::weak_ptr<Path> seen = path;
+    path.reset();
     EXPECT_FALSE(seen.expired());
-    wrapped({ 0, 10, 100, 12 }, rects({ { 0, 0, 5, 5 } }), around);
+    wrapped(midLine, post, around);
     EXPECT_TRUE(seen.expired());
 }
 
@@ -136,9 +130,8 @@ TEST(TextWrap, ContoursOfOneVertexLeaveTheOthersAlone)
         path->moveTo({ 5, 200 });
         path->close();
     }
-    const Rect line(0, 10, 100, 12);
-    EXPECT_THAT(wrapped(line, path, around), ElementsAre(Rect(0, 10, 40, 12), Rect(60, 10, 40, 12)));
-    EXPECT_THAT(wrapped(line, path, inside), ElementsAre(Rect(40, 10, 20, 12)));
+    EXPECT_EQ(wrapped(midLine, path, around), wrapped(midLine, post, around));
+    EXPECT_EQ(wrapped(midLine, path, inside), wrapped(midLine, post, inside));
 }
 
 enum class Outline { Blob, Star, Tangle, Curves, Lattice };
@@ -170,14 +163,6 @@ std::shared_ptr<Path> randomPath(Outline outline, std::mt19937& random)
     return path;
 }
 
-/// The operation step by step on the whole polygon, nothing remembered.
-std::vector<Rect> plainlyWrapped(const Rect& line, const Path& path, int type)
-{
-    const VXRPolygonOwner shape(polygonFromBezier(path)), rect(polygonFromRect(line)), result(emptyPolygon());
-    gpc_polygon_clip(type == 0 ? GPC_DIFF : GPC_INT, rect.get(), shape.get(), result.get());
-    return wrappedSubrectsFromPolygon(result.get(), line);
-}
-
 TEST(TextWrap, AgreesWithClippingTheWholePolygon)
 {
     std::mt19937 random(5);
@@ -196,14 +181,9 @@ TEST(TextWrap, AgreesWithClippingTheWholePolygon)
                 for (const int type : { inside, around }) {
                     const auto expected = plainlyWrapped(line, *path, type);
                     const auto actual = wrapped(line, path, type);
-                    ASSERT_EQ(actual.size(), expected.size()) << "outline " << int(outline) << " case " << i
-                                                              << " line " << line << " type " << type;
-                    for (std::size_t p = 0; p < actual.size(); ++p) {
-                        EXPECT_NEAR(actual[p].origin.x, expected[p].origin.x, 1e-4);
-                        EXPECT_NEAR(actual[p].size.width, expected[p].size.width, 1e-4);
-                        EXPECT_EQ(actual[p].origin.y, line.origin.y);
-                        EXPECT_EQ(actual[p].size.height, line.size.height);
-                    }
+                    ASSERT_TRUE(samePieces(actual, expected, 1e-4f))
+                        << "outline " << int(outline) << " case " << i << " line " << line << " type "
+                        << type;
                     pieces += actual.size();
                 }
             }
@@ -223,8 +203,7 @@ TEST(TextWrap, LinesThatAreNotProperRectanglesAreFree)
     broken->moveTo({ 0, 500 });
     broken->lineTo({ NAN, 510 });
     broken->lineTo({ 50, 520 });
-    const Rect line(0, 10, 100, 12);
-    EXPECT_THAT(wrapped(line, broken, around), ElementsAre(line));
+    EXPECT_THAT(wrapped(midLine, broken, around), ElementsAre(midLine));
 }
 
 struct SpanCase {
@@ -245,31 +224,22 @@ const SpanCase spanCases[] = {
     { "AtTheContainersBottom", { 0, 38, 100, 12 }, 50, 51 },
 };
 
+float firstFree(const Path& path, const Rect& span, const Rect& container)
+{
+    return VXRTextWrap::unobstructedSpanForPathStartingSpanContainerBounds(path, span, container);
+}
+
 TEST(UnobstructedSpan, IsTheFirstFreePosition)
 {
     const auto obstacle = rects({ { 20, 10, 30, 40 } });
     for (const SpanCase& c : spanCases)
-        EXPECT_EQ(VXRTextWrap::unobstructedSpanForPathStartingSpanContainerBounds(
-                      *obstacle, c.span, { 0, 0, 100, c.containerHeight }),
-            c.y)
-            << c.name;
-}
+        EXPECT_EQ(firstFree(*obstacle, c.span, { 0, 0, 100, c.containerHeight }), c.y) << c.name;
 
-TEST(UnobstructedSpan, SeesAPathThatWasChangedInPlace)
-{
-    const auto path = rects({ { 0, 0, 100, 40 } });
-    const Rect span(0, 0, 100, 50), container(0, 0, 100, 200);
-    EXPECT_EQ(VXRTextWrap::unobstructedSpanForPathStartingSpanContainerBounds(*path, span, container), 41);
-    path->removeAllPoints();
-    EXPECT_EQ(VXRTextWrap::unobstructedSpanForPathStartingSpanContainerBounds(*path, span, container), 0);
-}
+    obstacle->removeAllPoints();
+    EXPECT_EQ(firstFree(*obstacle, { 0, 0, 100, 50 }, { 0, 0, 100, 200 }), 0) << "changed in place";
 
-TEST(UnobstructedSpan, EndsWhereTheStepIsLostInRounding)
-{
-    const auto obstacle = rects({ { 0, 0, 10, 2e9f } });
-    const Rect span(0, 1e8f, 10, 1), container(0, 0, 10, 1e9f);
-    EXPECT_EQ(
-        VXRTextWrap::unobstructedSpanForPathStartingSpanContainerBounds(*obstacle, span, container), 1e8f);
+    const auto tall = rects({ { 0, 0, 10, 2e9f } });
+    EXPECT_EQ(firstFree(*tall, { 0, 1e8f, 10, 1 }, { 0, 0, 10, 1e9f }), 1e8f) << "a step lost in rounding";
 }
 
 TEST(WrappedSubrects, SpansComeFromTheContoursBounds)
@@ -307,58 +277,34 @@ TEST(MergeRects, UnitesHorizontalOverlaps)
         EXPECT_EQ(mergeRects(c.sorted), c.merged) << c.name;
 }
 
-struct OverlapCase {
-    const char* name;
-    float ax, aWidth, bx, bWidth;
-    bool overlaps;
-};
-const OverlapCase overlapCases[] = {
-    { "Overlap", 0, 10, 9, 10, true },
-    { "Touch", 0, 10, 10, 10, false },
-    { "Same", 5, 10, 5, 10, true },
-    { "Contained", 0, 10, 4, 1, true },
-    { "NoWidthInside", 0, 10, 5, 0, false },
-    { "NegativeWidth", 0, 10, 5, -2, false },
-};
-
 TEST(OverlapsHorizontally, MeansASharedStretchWhateverTheHeights)
 {
-    for (const OverlapCase& c : overlapCases) {
-        const Rect a(c.ax, 0, c.aWidth, 1), b(c.bx, 500, c.bWidth, 0);
-        EXPECT_EQ(VXROverlapsRectHorizontally(a, b), c.overlaps) << c.name;
-        EXPECT_EQ(VXROverlapsRectHorizontally(b, a), c.overlaps) << c.name << " turned round";
+    const Rect a(0, 0, 10, 1);
+    const std::pair<Rect, bool> others[] = { { { 9, 500, 10, 0 }, true }, { { 10, 0, 10, 1 }, false },
+        { { 0, 0, 3, 1 }, true }, { { 5, 0, 0, 1 }, false }, { { 5, 0, -2, 1 }, false } };
+    for (const auto& [b, overlaps] : others) {
+        EXPECT_EQ(VXROverlapsRectHorizontally(a, b), overlaps) << b;
+        EXPECT_EQ(VXROverlapsRectHorizontally(b, a), overlaps) << b << " turned round";
     }
 }
 
-TEST(CompareRects, OrdersByXOnly)
+TEST(PolygonForSegment, IsTheWidenedSegmentWithARoundStart)
 {
-    EXPECT_EQ(compareRects({ 1, 9, 9, 9 }, { 2, 0, 0, 0 }), -1);
-    EXPECT_EQ(compareRects({ 2, 0, 0, 0 }, { 1, 9, 9, 9 }), 1);
-    EXPECT_EQ(compareRects({ 1, 0, 5, 0 }, { 1, 9, 9, 9 }), 0);
-}
-
-TEST(PolygonForSegment, IsTheWidenedSegment)
-{
-    const VXRPolygonOwner segment(_polygonForSegment({ 1, 2 }, { 1, 12 }, 4, false));
-    ASSERT_EQ(segment->num_contours, 1);
+    const VXRPolygonOwner plain(_polygonForSegment({ 1, 2 }, { 1, 12 }, 4, false));
+    ASSERT_EQ(plain->num_contours, 1);
     // Along +y the first corner lies on the side of -x.
-    const gpc_vertex expected[] = { { -1, 12 }, { 3, 12 }, { 3, 2 }, { -1, 2 } };
-    ASSERT_EQ(segment->contour[0].num_vertices, 4);
-    for (int i = 0; i < 4; ++i) {
-        EXPECT_EQ(segment->contour[0].vertex[i].x, expected[i].x) << i;
-        EXPECT_EQ(segment->contour[0].vertex[i].y, expected[i].y) << i;
-    }
+    const std::pair<double, double> expected[] = { { -1, 12 }, { 3, 12 }, { 3, 2 }, { -1, 2 } };
+    ASSERT_EQ(plain->contour[0].num_vertices, 4);
+    for (int i = 0; i < 4; ++i)
+        EXPECT_EQ(std::pair(plain->contour[0].vertex[i].x, plain->contour[0].vertex[i].y), expected[i]) << i;
     EXPECT_EQ(_polygonForSegment({ 3, 4 }, { 3, 4 }, 10, true), nullptr);
-}
 
-TEST(PolygonForSegment, RoundAddsADiscAtTheStartOnly)
-{
-    const VXRPolygonOwner segment(_polygonForSegment({ 0, 0 }, { 100, 0 }, 40, true));
-    ASSERT_EQ(segment->num_contours, 1);
-    const Rect bounds = boundsForVertexList(segment->contour[0]);
+    const VXRPolygonOwner rounded(_polygonForSegment({ 0, 0 }, { 100, 0 }, 40, true));
+    ASSERT_EQ(rounded->num_contours, 1);
+    const Rect bounds = boundsForVertexList(rounded->contour[0]);
     EXPECT_NEAR(bounds.minX(), -20, 0.7);
     EXPECT_EQ(bounds.maxX(), 100);
-    EXPECT_NEAR(evenOddArea(*segment), 100 * 40 + M_PI * 20 * 20 / 2, 40);
+    EXPECT_NEAR(evenOddArea(*rounded), 100 * 40 + M_PI * 20 * 20 / 2, 40);
 }
 
 } // namespace
