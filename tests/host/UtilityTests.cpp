@@ -12,33 +12,21 @@
 using namespace vxr;
 using ::testing::ElementsAre;
 
-TEST(Log, ReplacedSinkGetsMessagesUntilThePreviousOneIsPutBack)
+TEST(Log, SinkGetsMessagesUntilItIsReplacedWhichItMayDoItself)
 {
     std::vector<std::string> lines;
-    const VXULogSink previous
-        = VXUSetLogSink([&](int level, std::string_view file, std::string_view message) {
-              lines.push_back(std::to_string(level) + ' ' + std::string(file) + ' ' + std::string(message));
-          });
+    const VXULogSink previous = VXUSetLogSink(
+        [&lines, mark = std::string(30, '*')](int level, std::string_view file, std::string_view text) {
+            VXUSetLogSink(nullptr);
+            // Reads the closure after the replacement.
+            lines.push_back(mark + std::to_string(level) + ' ' + std::string(file) + ' ' + std::string(text));
+        });
     VXULog_Fn(VXULogLevelWarning, "Path.cpp", "Warning: odd");
-    const VXULogSink ours = VXUSetLogSink(previous);
+    EXPECT_THAT(lines, ElementsAre(std::string(30, '*') + "10 Path.cpp Warning: odd"));
     ::testing::internal::CaptureStderr();
     VXULog_Fn(3, "Path.cpp", "not for us");
     EXPECT_EQ(::testing::internal::GetCapturedStderr(), "Path.cpp: not for us\n");
-    EXPECT_THAT(lines, ElementsAre("10 Path.cpp Warning: odd"));
-    EXPECT_TRUE(ours);
-}
-
-TEST(Log, SinkMayReplaceItselfWhileItRuns)
-{
-    int calls = 0;
-    const VXULogSink previous = VXUSetLogSink([&calls, big = std::string(100, 'x')](int, auto, auto) {
-        VXUSetLogSink([](int, auto, auto) {});
-        calls += static_cast<int>(big.size()); // reads the closure after the replacement
-    });
-    VXULog_Fn(1, "a", "b");
-    VXULog_Fn(1, "a", "b");
     VXUSetLogSink(previous);
-    EXPECT_EQ(calls, 100);
 }
 
 TEST(AssertionHandler, RecordsFailuresAndForgetsTheOldestBeyondItsCapacity)
@@ -54,11 +42,10 @@ TEST(AssertionHandler, RecordsFailuresAndForgetsTheOldestBeyondItsCapacity)
 
 TEST(SystemVersion, TakesTheNewerBranchesUntilToldOtherwise)
 {
-    EXPECT_GE(GetSystemVersion(), 0x1040);
     const int previous = VXUSetSystemVersion(0x1029);
+    EXPECT_GE(previous, 0x1040);
     EXPECT_EQ(GetSystemVersion(), 0x1029);
     VXUSetSystemVersion(previous);
-    EXPECT_GE(GetSystemVersion(), 0x1040);
 }
 
 TEST(MutableDictionary, TellsEqualKeysApartByIdentity)
@@ -88,10 +75,8 @@ TEST(MutablePointerSet, KeepsTheOrderOfAddingThroughRemovals)
         EXPECT_TRUE(set.removeObject(objects[i]));
     EXPECT_FALSE(set.removeObject(objects[5]));
     EXPECT_TRUE(set.addObject(objects[5]));
-    EXPECT_THAT(set.allObjects(), ElementsAre(&objects[97], &objects[98], &objects[99], &objects[5]));
     EXPECT_TRUE(set.removeObject(objects[98]));
     EXPECT_FALSE(set.containsObject(objects[98]));
-    EXPECT_TRUE(set.containsObject(objects[99]));
     EXPECT_THAT(set.allObjects(), ElementsAre(&objects[97], &objects[99], &objects[5]));
     EXPECT_EQ(set.count(), 3u);
 }

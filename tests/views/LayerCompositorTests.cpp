@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <pixman.h>
 
+#include <list>
 #include <memory>
 #include <random>
 #include <sys/mman.h>
@@ -13,28 +14,30 @@ using namespace vxr;
 
 namespace {
 
-/// pixman's own source-over, the judge of every result here.
+/// An image of pixman, whose own source-over judges every result here.
 struct Reference {
-    static pixman_image_t* image(pixman_format_code_t format, void* bits, int width, int height, int stride)
+    std::shared_ptr<pixman_image_t> image;
+
+    explicit Reference(pixman_image_t* made)
+        : image(made, pixman_image_unref)
     {
-        return pixman_image_create_bits_no_clear(
-            format, width, height, static_cast<std::uint32_t*>(bits), stride);
     }
-    static pixman_image_t* solid(std::uint32_t argb)
+    Reference(pixman_format_code_t format, void* bits, int width, int height, int stride)
+        : Reference(pixman_image_create_bits_no_clear(
+            format, width, height, static_cast<std::uint32_t*>(bits), stride))
+    {
+    }
+    static Reference solid(std::uint32_t argb)
     {
         const auto channel = [&](int shift) { return std::uint16_t((argb >> shift & 0xff) * 0x101); };
         const pixman_color_t color { channel(16), channel(8), channel(0), channel(24) };
-        return pixman_image_create_solid_fill(&color);
+        return Reference(pixman_image_create_solid_fill(&color));
     }
-    static void over(pixman_image_t* source, pixman_image_t* mask, pixman_image_t* destination, int sx,
-        int sy, int x, int y, int width, int height)
+    void over(const Reference& destination, const Reference* mask = nullptr) const
     {
-        pixman_image_composite32(
-            PIXMAN_OP_OVER, source, mask, destination, sx, sy, sx, sy, x, y, width, height);
-        pixman_image_unref(source);
-        if (mask)
-            pixman_image_unref(mask);
-        pixman_image_unref(destination);
+        pixman_image_t* to = destination.image.get();
+        pixman_image_composite32(PIXMAN_OP_OVER, image.get(), mask ? mask->image.get() : nullptr, to, 0, 0, 0,
+            0, 0, 0, pixman_image_get_width(to), pixman_image_get_height(to));
     }
 };
 
@@ -47,22 +50,17 @@ std::uint32_t premultiplied(std::uint32_t argb)
     return result;
 }
 
-class LayerBlendTest : public ::testing::Test {
-protected:
-    std::mt19937 mRandom { 7 };
-
-    std::vector<std::uint32_t> randomPixels(std::size_t count)
-    {
-        std::vector<std::uint32_t> pixels(count);
-        for (auto& pixel : pixels)
-            pixel = std::uint32_t(mRandom());
-        return pixels;
-    }
-};
+template <class T> std::vector<T> randomValues(std::size_t count, std::mt19937& random)
+{
+    std::vector<T> values(count);
+    for (auto& value : values)
+        value = T(random());
+    return values;
+}
 
 } // namespace
 
-TEST_F(LayerBlendTest, OverEqualsPixmanForEveryAlphaColourAndDestination)
+TEST(LayerBlend, OverEqualsPixmanForEveryAlphaColourAndDestination)
 {
     std::vector<std::uint32_t> source(65536), start(65536);
     for (unsigned alpha = 0; alpha < 256; ++alpha) {
@@ -71,8 +69,8 @@ TEST_F(LayerBlendTest, OverEqualsPixmanForEveryAlphaColourAndDestination)
             start[i] = (i & 0xff) * 0x01010101u;
         }
         std::vector<std::uint32_t> expected = start;
-        Reference::over(Reference::image(PIXMAN_a8r8g8b8, source.data(), 256, 256, 1024), nullptr,
-            Reference::image(PIXMAN_a8r8g8b8, expected.data(), 256, 256, 1024), 0, 0, 0, 0, 256, 256);
+        Reference(PIXMAN_a8r8g8b8, source.data(), 256, 256, 1024)
+            .over({ PIXMAN_a8r8g8b8, expected.data(), 256, 256, 1024 });
         for (const LayerBlendLoops* loops : availableLayerBlendLoops()) {
             std::vector<std::uint32_t> actual = start;
             loops->over(actual.data(), source.data(), actual.size());
@@ -81,40 +79,37 @@ TEST_F(LayerBlendTest, OverEqualsPixmanForEveryAlphaColourAndDestination)
     }
 }
 
-TEST_F(LayerBlendTest, LayersMasksAndColoursEqualPixmanAtEveryLength)
+TEST(LayerBlend, LayersMasksAndColoursEqualPixmanAtEveryLength)
 {
+    std::mt19937 random(7);
     for (unsigned level = 0; level < 256; ++level) {
-        const int count = 1 + int(level) % 97;
-        std::vector<std::uint32_t> source = randomPixels(std::size_t(count));
+        const int width = 1 + int(level) % 97;
+        const auto count = std::size_t(width);
+        auto source = randomValues<std::uint32_t>(count, random);
         // Runs that are opaque or empty, as in most layers.
-        for (std::size_t i = 0; i < source.size(); ++i)
+        for (std::size_t i = 0; i < count; ++i)
             source[i] = i / 19 % 3 == 1 ? source[i] | 0xff000000 : i / 19 % 3 == 2 ? 0 : source[i];
-        const std::vector<std::uint32_t> start = randomPixels(std::size_t(count) + 1);
-        std::vector<std::uint8_t> coverage(std::size_t(count) + 3);
+        const auto start = randomValues<std::uint32_t>(count + 1, random);
+        auto coverage = randomValues<std::uint8_t>(count + 3, random);
         for (auto& value : coverage)
-            value = mRandom() % 3 ? std::uint8_t(mRandom()) : 0;
-        const std::uint32_t color = premultiplied(level << 24 | (mRandom() & 0xffffff));
+            value = random() % 3 ? value : 0;
+        const std::uint32_t color = premultiplied(level << 24 | (random() & 0xffffff));
+        const Reference image(PIXMAN_a8r8g8b8, source.data(), width, 1, width * 4),
+            fill = Reference::solid(color), fade = Reference::solid(level << 24),
+            mask(PIXMAN_a8, coverage.data(), width, 1, (width + 3) & ~3);
 
-        const auto destination = [&](std::vector<std::uint32_t>& pixels) {
-            return Reference::image(PIXMAN_a8r8g8b8, pixels.data(), count, 1, count * 4);
-        };
-        auto over = start, faded = start, masked = start, colored = start;
-        Reference::over(Reference::image(PIXMAN_a8r8g8b8, source.data(), count, 1, count * 4), nullptr,
-            destination(over), 0, 0, 0, 0, count, 1);
-        Reference::over(Reference::image(PIXMAN_a8r8g8b8, source.data(), count, 1, count * 4),
-            Reference::solid(level << 24), destination(faded), 0, 0, 0, 0, count, 1);
-        Reference::over(Reference::solid(color),
-            Reference::image(PIXMAN_a8, coverage.data(), count, 1, (count + 3) & ~3), destination(masked), 0,
-            0, 0, 0, count, 1);
-        Reference::over(Reference::solid(color), nullptr, destination(colored), 0, 0, 0, 0, count, 1);
-
+        auto plain = start, faded = start, masked = start, colored = start;
+        image.over({ PIXMAN_a8r8g8b8, plain.data(), width, 1, width * 4 });
+        image.over({ PIXMAN_a8r8g8b8, faded.data(), width, 1, width * 4 }, &fade);
+        fill.over({ PIXMAN_a8r8g8b8, masked.data(), width, 1, width * 4 }, &mask);
+        fill.over({ PIXMAN_a8r8g8b8, colored.data(), width, 1, width * 4 });
         for (const LayerBlendLoops* loops : availableLayerBlendLoops()) {
-            auto plain = start, a = start, b = start, c = start;
-            loops->over(plain.data(), source.data(), std::size_t(count));
-            loops->overFaded(a.data(), source.data(), std::size_t(count), std::uint8_t(level));
-            loops->overMask(b.data(), coverage.data(), color, std::size_t(count));
-            loops->overColor(c.data(), color, std::size_t(count));
-            ASSERT_EQ(plain, over) << loops->name << " count " << count;
+            auto over = start, a = start, b = start, c = start;
+            loops->over(over.data(), source.data(), count);
+            loops->overFaded(a.data(), source.data(), count, std::uint8_t(level));
+            loops->overMask(b.data(), coverage.data(), color, count);
+            loops->overColor(c.data(), color, count);
+            ASSERT_EQ(over, plain) << loops->name << " count " << count;
             ASSERT_EQ(a, faded) << loops->name << " fade " << level;
             ASSERT_EQ(b, masked) << loops->name << " alpha " << level;
             ASSERT_EQ(c, colored) << loops->name << " alpha " << level;
@@ -152,12 +147,10 @@ struct TestLayer {
         info.clipMaxX = info.frameMaxX - 1 - between(-2, 6);
         info.clipMaxY = info.frameMaxY - 1 - between(-2, 6);
 
-        colors.resize(std::size_t(width * height));
+        colors = randomValues<std::uint32_t>(std::size_t(width * height), random);
         for (auto& pixel : colors)
-            pixel = premultiplied(std::uint32_t(random()));
-        coverage.resize(std::size_t((width + 3) * height));
-        for (auto& value : coverage)
-            value = std::uint8_t(random());
+            pixel = premultiplied(pixel);
+        coverage = randomValues<std::uint8_t>(std::size_t((width + 3) * height), random);
         info.colorBytesPerRow = width * 4;
         info.alphaBytesPerRow = width + 3;
         if (info.bitmapType == LayerBitmap32)
@@ -176,9 +169,10 @@ struct TestLayer {
     }
 
     /// The same layer through pixman, one row at a time, with no thought of what is hidden.
-    void drawByReference(pixman_format_code_t format, std::uint8_t* pixels, int stride, int bytesPerPixel,
-        const LayerInfo& destination)
+    void drawByReference(
+        pixman_format_code_t format, std::uint8_t* pixels, int stride, const LayerInfo& destination)
     {
+        const int bytesPerPixel = PIXMAN_FORMAT_BPP(format) / 8;
         const int x0 = std::max({ info.frameMinX, info.clipMinX, destination.clipMinX });
         const int x1 = std::min({ info.frameMaxX - 1, info.clipMaxX, destination.clipMaxX }) + 1;
         const int y0 = std::max({ info.frameMinY, info.clipMinY, destination.clipMinY });
@@ -189,44 +183,34 @@ struct TestLayer {
         std::uint32_t color = upperByte(alpha) << 24;
         for (int shift : { 8, 16, 24 })
             color |= upperByte(double(info.constantColor >> shift & 0xff) / 255 * alpha) << (shift - 8);
-        for (int y = y0; y < y1 && x0 < x1; ++y) {
-            pixman_image_t *source, *mask = nullptr;
+        const int width = x1 - x0;
+        for (int y = y0; y < y1 && width > 0; ++y) {
             const int row = y - info.frameMinY, column = x0 - info.frameMinX;
+            const Reference to(
+                format, pixels + y * stride + x0 * bytesPerPixel, width, 1, (width * bytesPerPixel + 3) & ~3);
             if (info.bitmapType == LayerBitmap32) {
-                const int width = info.frameMaxX - info.frameMinX;
-                source = Reference::image(
-                    PIXMAN_a8r8g8b8, colors.data() + row * width + column, x1 - x0, 1, width * 4);
-                mask = Reference::solid(fade << 24);
+                const Reference mask = Reference::solid(fade << 24);
+                std::uint32_t* from = colors.data() + row * (info.frameMaxX - info.frameMinX) + column;
+                Reference(PIXMAN_a8r8g8b8, from, width, 1, width * 4).over(to, &mask);
+            } else if (info.bitmapType == LayerBitmapMask) {
+                std::uint8_t* from = coverage.data() + row * info.alphaBytesPerRow + column;
+                const Reference mask(PIXMAN_a8, from, width, 1, (width + 3) & ~3);
+                Reference::solid(color).over(to, &mask);
             } else {
-                source = Reference::solid(color);
+                Reference::solid(color).over(to);
             }
-            if (info.bitmapType == LayerBitmapMask)
-                mask = Reference::image(PIXMAN_a8, coverage.data() + row * info.alphaBytesPerRow + column,
-                    x1 - x0, 1, (x1 - x0 + 3) & ~3);
-            Reference::over(source, mask,
-                Reference::image(format, pixels + y * stride + x0 * bytesPerPixel, x1 - x0, 1, (x1 - x0) * 4),
-                0, 0, 0, 0, x1 - x0, 1);
         }
     }
 };
 
-struct DepthCase {
-    const char* name;
-    int bitmapType;
-    int bytesPerPixel;
-    pixman_format_code_t format;
-};
-
-class LayerCompositorDepths : public ::testing::TestWithParam<DepthCase> { };
-
-LayerInfo pageRecord(std::vector<std::uint8_t>& pixels, const DepthCase& depth)
+LayerInfo pageRecord(std::vector<std::uint8_t>& pixels, bool deep)
 {
     LayerInfo page;
     page.layerInfoVersion = 1;
-    page.bitmapType = depth.bitmapType;
+    page.bitmapType = deep ? LayerBitmap32 : LayerBitmap16;
     page.fade = 1;
     page.colorData = pixels.data();
-    page.colorBytesPerRow = pageWidth * depth.bytesPerPixel;
+    page.colorBytesPerRow = pageWidth * (deep ? 4 : 2);
     page.frameMaxX = pageWidth;
     page.frameMaxY = pageHeight;
     page.clipMaxX = pageWidth - 1;
@@ -234,31 +218,24 @@ LayerInfo pageRecord(std::vector<std::uint8_t>& pixels, const DepthCase& depth)
     return page;
 }
 
-const LayerInfo* chained(std::vector<std::unique_ptr<TestLayer>>& layers)
-{
-    for (std::size_t i = 0; i < layers.size(); ++i)
-        layers[i]->info.next = i + 1 < layers.size() ? &layers[i + 1]->info : nullptr;
-    return layers.empty() ? nullptr : &layers.front()->info;
-}
-
 } // namespace
 
-TEST_P(LayerCompositorDepths, ChainEqualsPixmanFromTheBottomUpAndStaysInTheClip)
+TEST(LayerCompositor, ChainEqualsPixmanFromTheBottomUpAndStaysInTheClip)
 {
     std::mt19937 random(11);
-    for (int round = 0; round < 400; ++round) {
-        std::vector<std::unique_ptr<TestLayer>> layers;
-        for (unsigned count = random() % 12; count; --count)
-            layers.push_back(std::make_unique<TestLayer>(random));
-
-        std::vector<std::uint8_t> expected(std::size_t(pageWidth * pageHeight * GetParam().bytesPerPixel));
-        for (auto& byte : expected)
-            byte = std::uint8_t(random());
-        if (GetParam().bitmapType == LayerBitmap16) // pixman clears the unused bit of what it touches
-            for (std::size_t i = 1; i < expected.size(); i += 2)
-                expected[i] &= 0x7f;
+    for (int round = 0; round < 800; ++round) {
+        const bool deep = round % 2;
+        std::list<TestLayer> layers; // the top first
+        for (unsigned count = random() % 12; count; --count) {
+            LayerInfo* below = layers.empty() ? nullptr : &layers.front().info;
+            layers.emplace_front(random).info.next = below;
+        }
+        auto expected
+            = randomValues<std::uint8_t>(std::size_t(pageWidth * pageHeight * (deep ? 4 : 2)), random);
+        for (std::size_t i = 1; !deep && i < expected.size(); i += 2)
+            expected[i] &= 0x7f; // pixman clears the unused bit of what it touches
         std::vector<std::uint8_t> actual = expected;
-        LayerInfo page = pageRecord(actual, GetParam());
+        LayerInfo page = pageRecord(actual, deep);
         page.clipMinX = int(random() % 40);
         page.clipMinY = int(random() % 40);
         page.clipMaxX = page.clipMinX + int(random() % 60) - 2;
@@ -267,24 +244,19 @@ TEST_P(LayerCompositorDepths, ChainEqualsPixmanFromTheBottomUpAndStaysInTheClip)
         LayerInfo limits = page; // a clip may reach past the frame
         limits.clipMaxX = std::min(page.clipMaxX, pageWidth - 1);
         for (auto layer = layers.rbegin(); layer != layers.rend(); ++layer)
-            (*layer)->drawByReference(
-                GetParam().format, expected.data(), page.colorBytesPerRow, GetParam().bytesPerPixel, limits);
-        LayerCompositor::composite(page, chained(layers));
+            layer->drawByReference(
+                deep ? PIXMAN_a8r8g8b8 : PIXMAN_x1r5g5b5, expected.data(), page.colorBytesPerRow, limits);
+        LayerCompositor::composite(page, layers.empty() ? nullptr : &layers.front().info);
         ASSERT_EQ(actual, expected) << "round " << round;
     }
 }
-
-INSTANTIATE_TEST_SUITE_P(Depths, LayerCompositorDepths,
-    ::testing::Values(DepthCase { "Bits32", LayerBitmap32, 4, PIXMAN_a8r8g8b8 },
-        DepthCase { "Bits16", LayerBitmap16, 2, PIXMAN_x1r5g5b5 }),
-    [](const auto& one) { return one.param.name; });
 
 TEST(LayerCompositor, PixelsBehindOpaqueBoundsAreNeverRead)
 {
     void* forbidden = mmap(nullptr, 1 << 20, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     ASSERT_NE(forbidden, MAP_FAILED);
     std::vector<std::uint8_t> pixels(pageWidth * pageHeight * 4, 0x55);
-    const LayerInfo page = pageRecord(pixels, { "", LayerBitmap32, 4, PIXMAN_a8r8g8b8 });
+    const LayerInfo page = pageRecord(pixels, true);
 
     // Two opaque halves on top hide what lies below only together.
     std::vector<std::uint32_t> half(pageWidth * pageHeight, 0xff102030);

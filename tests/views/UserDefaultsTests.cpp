@@ -6,33 +6,20 @@
 
 using namespace vxr;
 
-namespace {
-
-struct ValueCase {
-    const char* text;
-    int integer;
-    bool boolean;
-};
-const ValueCase valueCases[] = {
-    { "12", 12, true },
-    { "  +7 px", 7, true },
-    { "-3", -3, true },
-    { "0", 0, false },
-    { "", 0, false },
-    { "YES", 0, true },
-    { "true", 0, true },
-    { "no", 0, false },
-    { "99999999999", 0, false },
-};
-
-} // namespace
-
 TEST(UserDefaults, ValuesReadAsNumbersAndTruths)
 {
-    for (const ValueCase& one : valueCases) {
-        const UserDefaults defaults(std::string("Key = ") + one.text + "\n");
-        EXPECT_EQ(defaults.integerForKey("Key"), one.integer) << one.text;
-        EXPECT_EQ(defaults.boolForKey("Key"), one.boolean) << one.text;
+    struct Case {
+        const char* text;
+        int integer;
+        bool boolean;
+    };
+    const Case cases[] = { { "12", 12, true }, { "  +7 px", 7, true }, { "-3", -3, true }, { "0", 0, false },
+        { "", 0, false }, { "YES", 0, true }, { "true", 0, true }, { "no", 0, false },
+        { "99999999999", 0, false } };
+    for (const Case& c : cases) {
+        const UserDefaults defaults(std::string("Key = ") + c.text + "\n");
+        EXPECT_EQ(defaults.integerForKey("Key"), c.integer) << c.text;
+        EXPECT_EQ(defaults.boolForKey("Key"), c.boolean) << c.text;
     }
 }
 

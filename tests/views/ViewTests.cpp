@@ -45,6 +45,15 @@ std::vector<std::uint32_t> allPixels(const Window& window)
     return { window.pixels(), window.pixels() + window.width() * window.height() };
 }
 
+/// The pixels with a box of one value, in rows from the top.
+std::vector<std::uint32_t> withBox(
+    std::vector<std::uint32_t> pixels, int rowLength, const Rect& box, std::uint32_t value)
+{
+    for (int y = int(box.minY()); y < int(box.maxY()); ++y)
+        std::fill_n(pixels.begin() + y * rowLength + int(box.minX()), int(box.size.width), value);
+    return pixels;
+}
+
 /// A window that shows a document of stripes, which differ at every place.
 struct ScrollingScene {
     Window window { { 0, 0, 60, 40 } };
@@ -91,54 +100,33 @@ TEST(View, ConversionsFollowFramesFlipsScrollAndScale)
     EXPECT_EQ(inner->convertPointToView({ 3, 5 }, nullptr), (Point { 40, 110 }));
 }
 
-TEST(View, VisibleRectIsWhatAncestorsLeave)
+TEST(Window, DrawsOnlyWholePixelsOfDirtyAreasAndOnlyOnce)
 {
-    ScrollingScene scene;
-    scene.scrollView->contentView().scrollToPoint({ 180, 20 });
-    EXPECT_EQ(scene.document->visibleRect(), Rect(180, 20, 20, 30));
-    scene.document->scaleUnitSquareToSize({ 2, 2 });
-    EXPECT_EQ(scene.document->visibleRect(), Rect(90, 10, 10, 15));
-    scene.scrollView->setHidden(true);
-    EXPECT_TRUE(scene.document->visibleRect().isEmpty());
-}
-
-TEST(Window, DrawsOnlyDirtyAreasAndOnlyOnce)
-{
-    ScrollingScene scene;
-    const auto before = allPixels(scene.window);
-    scene.document->paint = [](const Rect& r) { fill(insetRect(r, -20, -20), 1, 1, 1); };
-    scene.document->setNeedsDisplayInRect({ 10, 10, 4, 3 });
-    scene.document->setNeedsDisplayInRect({ 11, 11, 2, 1 });
-    scene.document->setNeedsDisplayInRect({ 100, 10, 4, 3 }); // out of sight
-    scene.window.takeDamage();
-    scene.window.displayIfNeeded();
-    EXPECT_THAT(scene.document->drawn, ElementsAre(Rect(10, 10, 4, 3)));
-    EXPECT_THAT(scene.window.takeDamage(), ElementsAre(Rect(15, 15, 4, 3)));
-    for (int y = 0; y < 40; ++y)
-        for (int x = 0; x < 60; ++x) {
-            const bool dirty = x >= 15 && x < 19 && y >= 15 && y < 18;
-            ASSERT_EQ(pixelAt(scene.window, x, y), dirty ? 0xffffffffu : before[std::size_t(y * 60 + x)]);
-        }
-    scene.document->drawn.clear();
-    scene.window.displayIfNeeded();
-    EXPECT_TRUE(scene.document->drawn.empty());
-}
-
-TEST(Window, FractionalDirtyAreasTakeWholePixels)
-{
-    Window window({ 0, 0, 30, 30 });
-    auto view = std::make_shared<PictureView>(Rect { 0, 0, 30, 30 });
-    window.contentView()->addSubview(view);
-    view->scaleUnitSquareToSize({ 1.37f, 1.37f });
-    view->paint = [](const Rect&) { fill({ 0, 0, 30, 30 }, 0, 0, 1); };
-    window.displayIfNeeded();
-    view->paint = [](const Rect&) { fill({ 0, 0, 30, 30 }, 1, 0, 0); };
-    view->setNeedsDisplayInRect({ 5.2f, 7.1f, 2, 1 }); // pixels 7.12 to 9.86 and 9.73 to 11.10
-    window.displayIfNeeded();
-    for (int y = 0; y < 30; ++y)
-        for (int x = 0; x < 30; ++x)
-            ASSERT_EQ(pixelAt(window, x, y), x >= 7 && x < 10 && y >= 9 && y < 12 ? 0xffff0000u : 0xff0000ffu)
-                << x << " " << y;
+    struct Case {
+        float unit;
+        Rect dirty, pixels;
+    };
+    // The document's upper left corner is pixel (5, 5): with a unit of 1.37 the area goes from pixel 12.12 to
+    // 14.86 and from 14.73 to 16.10.
+    for (const Case& c : { Case { 1, { 10, 10, 4, 3 }, { 15, 15, 4, 3 } },
+             { 1.37f, { 5.2f, 7.1f, 2, 1 }, { 12, 14, 3, 3 } } }) {
+        ScrollingScene scene;
+        scene.document->scaleUnitSquareToSize({ c.unit, c.unit });
+        scene.window.displayIfNeeded();
+        const auto before = allPixels(scene.window);
+        scene.document->paint = [](const Rect& r) { fill(insetRect(r, -20, -20), 1, 1, 1); };
+        scene.document->setNeedsDisplayInRect(c.dirty);
+        scene.document->setNeedsDisplayInRect(insetRect(c.dirty, 0.25f, 0.25f));
+        scene.document->setNeedsDisplayInRect({ 100, 10, 4, 3 }); // out of sight
+        scene.window.takeDamage();
+        scene.document->drawn.clear();
+        scene.window.displayIfNeeded();
+        scene.window.displayIfNeeded();
+        ASSERT_EQ(scene.document->drawn.size(), 1u);
+        EXPECT_TRUE(rectContainsRect(scene.document->drawn[0], c.dirty));
+        EXPECT_THAT(scene.window.takeDamage(), ElementsAre(c.pixels));
+        EXPECT_EQ(allPixels(scene.window), withBox(before, 60, c.pixels, 0xffffffff)) << c.unit;
+    }
 }
 
 TEST(ClipView, CopyingOnScrollEqualsRedrawingAndDrawsOnlyWhatIsNew)
@@ -171,12 +159,20 @@ TEST(ClipView, CopyingOnScrollEqualsRedrawingAndDrawsOnlyWhatIsNew)
 TEST(ClipView, ScrollPointStaysOnTheDocumentAndOnWholePixels)
 {
     ScrollingScene scene;
-    scene.document->scrollPoint({ 20.4f, 31.6f });
+    View& document = *scene.document;
+    document.scrollPoint({ 20.4f, 31.6f });
     EXPECT_EQ(scene.scrollView->documentVisibleRect(), Rect(20, 32, 50, 30));
-    scene.document->scrollPoint({ 1000, -5 });
+    document.scrollPoint({ 1000, -5 });
     EXPECT_EQ(scene.scrollView->documentVisibleRect(), Rect(150, 0, 50, 30));
-    EXPECT_TRUE(scene.document->scrollRectToVisible({ 0, 140, 10, 10 }));
+    EXPECT_TRUE(document.scrollRectToVisible({ 0, 140, 10, 10 }));
     EXPECT_EQ(scene.scrollView->documentVisibleRect(), Rect(0, 120, 50, 30));
+
+    scene.scrollView->contentView().scrollToPoint({ 180, 20 }); // beyond the document
+    EXPECT_EQ(document.visibleRect(), Rect(180, 20, 20, 30));
+    document.scaleUnitSquareToSize({ 2, 2 });
+    EXPECT_EQ(document.visibleRect(), Rect(90, 10, 10, 15));
+    scene.scrollView->setHidden(true);
+    EXPECT_TRUE(document.visibleRect().isEmpty());
 }
 
 TEST(Window, AFailingRedrawLeavesNothingOpenAndTheRestDrawn)
@@ -212,13 +208,11 @@ TEST(Window, BitsAreThereOnlyWithANumber)
 {
     Window deferred({ 0, 0, 8, 8 }, true);
     EXPECT_FALSE(deferred.lockBits({ 0, 0, 8, 8 }));
-    EXPECT_FALSE(deferred.isLocked());
     deferred.orderFront();
     const auto bits = deferred.lockBits({ 0, 0, 8, 8 });
-    ASSERT_TRUE(bits);
+    ASSERT_TRUE(bits && deferred.isLocked());
     EXPECT_EQ(bits->depthCode, 4);
     EXPECT_EQ(bits->colorBytesPerRow, 32);
-    EXPECT_TRUE(deferred.isLocked());
     deferred.unlockBits();
     EXPECT_FALSE(deferred.isLocked());
 }
