@@ -1,10 +1,9 @@
 #pragma once
 
-#include <vxr/platform/graphics/Path.h>
+#include <tests/support/PathBuilder.h>
 
 #include <cmath>
 #include <random>
-#include <string>
 
 namespace vxr::test {
 
@@ -46,45 +45,6 @@ public:
 private:
     std::mt19937 mEngine;
 };
-
-/// A path from its letters: `M x y`, `L x y`, `C x y x y x y`, `Z`.
-inline Path pathFrom(const std::string& text)
-{
-    Path path;
-    std::string spaced;
-    for (char c : text)
-        spaced += std::string("MLCZ").find(c) == std::string::npos ? std::string(1, c)
-                                                                   : std::string(" ") + c + ' ';
-    const char* at = spaced.c_str();
-    const auto number = [&] {
-        char* end = nullptr;
-        const float value = std::strtof(at, &end);
-        at = end;
-        return value;
-    };
-    const auto point = [&] {
-        const float x = number();
-        return Point { x, number() };
-    };
-    for (; *at; ++at) {
-        if (*at == 'M') {
-            ++at;
-            path.moveTo(point());
-        } else if (*at == 'L') {
-            ++at;
-            path.lineTo(point());
-        } else if (*at == 'C') {
-            ++at;
-            const Point control1 = point(), control2 = point();
-            path.curveTo(control1, control2, point());
-        } else if (*at == 'Z') {
-            path.close();
-        }
-        if (!*at)
-            break;
-    }
-    return path;
-}
 
 inline Point pointOnCurve(Point a, Point b, Point c, Point d, double t)
 {
