@@ -1,36 +1,20 @@
 #include <tests/platform/ContextTestSupport.h>
+#include <tests/support/PathBuilder.h>
 #include <vxr/platform/graphics/Pattern.h>
-#include <vxr/platform/graphics/Shading.h>
 
 namespace vxr::test {
 
 namespace {
 
-std::shared_ptr<CairoContext> page(int width = 128, int height = 96)
-{
-    const auto context = CairoContext::createBitmap(width, height);
-    paint(*context, ColorValue::gray(1), { 0, 0, static_cast<float>(width), static_cast<float>(height) });
-    return context;
-}
-
-std::shared_ptr<Path> wave()
-{
-    const auto path = Path::path();
-    path->moveTo({ 10, 20 });
-    path->curveTo({ 40, 100 }, { 60, -60 }, { 80, 40 });
-    path->lineTo({ 60, 50 });
-    return path;
-}
-
 TEST(ContextGolden, StrokesWithCapsJoinsAndDashes)
 {
-    const auto context = page();
+    const auto context = whitePage(128, 96);
     context->scale(0.75f, 0.5f);
     const LineStyle styles[]
         = { { .width = 6 }, { .width = 6, .cap = LineCap::Round, .join = LineJoin::Round, .dash = { 10, 9 } },
               { .width = 6, .cap = LineCap::Square, .join = LineJoin::Bevel } };
     for (const LineStyle& style : styles) {
-        context->strokePath(*wave(), style);
+        context->strokePath(pathOf("M10 20 C40 100 60 -60 80 40 L60 50"), style);
         context->translate(35, 55);
     }
     EXPECT_TRUE(matchesGolden(*context, "context-strokes"));
@@ -39,7 +23,7 @@ TEST(ContextGolden, StrokesWithCapsJoinsAndDashes)
 // Under a turned and stretched transform the shadows still fall to the lower right.
 TEST(ContextGolden, LayersCastOneShadowToTheLowerRight)
 {
-    const auto context = page();
+    const auto context = whitePage(128, 96);
     context->setShadow({ 6, -6 }, 8, ColorValue::gray(0, 0.6f));
     context->rotate(0.3f);
     context->scale(1.4f, 0.8f);
@@ -57,7 +41,7 @@ TEST(ContextGolden, LayersCastOneShadowToTheLowerRight)
 // Tiles of a picture-like cell at fractional steps, turned, in an even-odd ring.
 TEST(ContextGolden, PatternsFillInBaseSpace)
 {
-    const auto context = page();
+    const auto context = whitePage(128, 96);
     AffineTransform matrix = AffineTransform::makeTranslation(64, 48);
     matrix.rotate(0.4f).scale(1.3f, 1.1f);
     const auto pattern = std::make_shared<Pattern>(Rect(0, 0, 9, 7), matrix, 10.5f, 8.25f, [](Context& c) {
@@ -77,16 +61,13 @@ TEST(ContextGolden, PatternsFillInBaseSpace)
 
 TEST(ContextGolden, ShadingsBlendAndExtend)
 {
-    const auto context = page();
-    const auto function = std::make_shared<ShadingFunction>(
-        nullptr,
-        [](void*, const float* t, float* out) {
-            out[0] = *t < 0.5f ? 1 : 0.2f; // jumps in the middle
-            out[1] = *t;
-            out[2] = 1 - *t;
-            out[3] = 1;
-        },
-        nullptr);
+    const auto context = whitePage(128, 96);
+    const auto function = functionOf([](void*, const float* t, float* out) {
+        out[0] = *t < 0.5f ? 1 : 0.2f; // jumps in the middle
+        out[1] = *t;
+        out[2] = 1 - *t;
+        out[3] = 1;
+    });
     const float hints[] = { 0.5f };
     const auto rgb = ColorSpace::deviceRGB();
     const std::shared_ptr<const Shading> shadings[] = {

@@ -2,6 +2,7 @@
 
 #include <tests/support/PictureCompare.h>
 #include <vxr/platform/graphics/CairoContext.h>
+#include <vxr/platform/graphics/Shading.h>
 
 namespace vxr::test {
 
@@ -22,6 +23,24 @@ inline void paint(Context& context, const ColorValue& color, const Rect& rect)
     context.fillRect(rect);
 }
 
+inline std::shared_ptr<CairoContext> bitmap(int width = 20, int height = 10)
+{
+    return CairoContext::createBitmap(width, height);
+}
+
+/// Opaque, so that a shadow's darkness can be read from any channel.
+inline std::shared_ptr<CairoContext> whitePage(int width = 60, int height = 40)
+{
+    const auto context = bitmap(width, height);
+    paint(*context, ColorValue::gray(1), { 0, 0, static_cast<float>(width), static_cast<float>(height) });
+    return context;
+}
+
+inline std::shared_ptr<const ShadingFunction> functionOf(ShadingFunction::Evaluate evaluate)
+{
+    return std::make_shared<ShadingFunction>(nullptr, evaluate, nullptr);
+}
+
 /// Whether two bitmaps of one size hold the same pixels.
 inline bool samePixels(const CairoContext& a, const CairoContext& b)
 {
@@ -30,7 +49,7 @@ inline bool samePixels(const CairoContext& a, const CairoContext& b)
 
 inline bool isBlank(const CairoContext& context)
 {
-    return samePixels(context, *CairoContext::createBitmap(context.width(), context.height()));
+    return samePixels(context, *bitmap(context.width(), context.height()));
 }
 
 } // namespace vxr::test

@@ -12,12 +12,11 @@
 #include <filesystem>
 #include <fstream>
 #include <random>
+#include <unistd.h>
 
 using namespace vxr;
 using namespace vxr::test;
 using ::testing::HasSubstr;
-using ::testing::IsEmpty;
-using ::testing::Not;
 
 namespace {
 
@@ -30,38 +29,36 @@ std::shared_ptr<const Image> imageOf(ImageLayout layout, const Bytes& pixels)
     return Image::createWithCopy(layout, pixels.data(), pixels.size());
 }
 
-/// A folder of this test's own, gone at the end.
-class Folder {
-public:
-    Folder()
-        : mPath(std::filesystem::path(::testing::TempDir())
-            / ("vxr-" + std::string(::testing::UnitTest::GetInstance()->current_test_info()->name())))
-    {
-        std::filesystem::remove_all(mPath);
-        std::filesystem::create_directories(mPath);
-    }
-    ~Folder() { std::filesystem::remove_all(mPath); }
-    std::string operator/(const std::string& name) const { return mPath / name; }
+/// Files in a folder of the test's own, gone at the end.
+class ImagePNG : public ::testing::Test {
+protected:
+    const std::filesystem::path folder
+        = std::filesystem::path(::testing::TempDir()) / ("vxr-png-" + std::to_string(getpid()));
+
+    ImagePNG() { std::filesystem::create_directories(folder); }
+    ~ImagePNG() override { std::filesystem::remove_all(folder); }
     std::ptrdiff_t fileCount() const
     {
-        return std::distance(
-            std::filesystem::directory_iterator(mPath), std::filesystem::directory_iterator());
+        return std::distance(std::filesystem::directory_iterator(folder), {});
     }
-
-private:
-    std::filesystem::path mPath;
 };
 
-Bytes readFile(const std::string& path)
+/// A file's bytes of an image of so many equal pixels on a side.
+Bytes fileOfSquare(int side, const std::string& path)
 {
+    const Bytes pixels(static_cast<std::size_t>(4 * side * side), 90);
+    imageOf({ side, side, 0, AlphaFormat::Last, false, nullptr }, pixels)->writePNG(path);
     std::ifstream file(path, std::ios::binary);
     return { std::istreambuf_iterator<char>(file), {} };
 }
 
-void writeFile(const std::string& path, const Bytes& bytes)
+/// The error of reading a file of these bytes; empty when it can be read.
+std::string errorOf(const Bytes& bytes, const std::string& path)
 {
     std::ofstream(path, std::ios::binary)
         .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+    std::string error;
+    return Image::createWithPNGFile(path, &error) ? "" : error.empty() ? "no reason" : error;
 }
 
 struct PixelCase {
@@ -109,12 +106,15 @@ TEST(Image, EveryLayoutGivesThePixelItMeans)
 TEST(Image, NativeOrderReadsPixelsAsNumbers)
 {
     const std::uint32_t number = 0x33281e14; // alpha 51, then 40, 30, 20
-    ImageLayout layout = ImageLayout::nativeARGB(1, 1, 4);
-    EXPECT_EQ(pictureOf(*Image::createWithCopy(layout, &number, 4)).at(0, 0), (Pixel { 40, 30, 20, 51 }));
-    layout.alpha = AlphaFormat::NoneSkipFirst;
-    EXPECT_EQ(pictureOf(*Image::createWithCopy(layout, &number, 4)).at(0, 0), (Pixel { 40, 30, 20, 255 }));
-    layout.alpha = AlphaFormat::Last; // 0x33, 0x28, 0x1e with alpha 20: 51 * 20 / 255 = 4, 3.1, 2.4
-    EXPECT_EQ(pictureOf(*Image::createWithCopy(layout, &number, 4)).at(0, 0), (Pixel { 4, 3, 2, 20 }));
+    const auto drawn = [&](AlphaFormat alpha) {
+        ImageLayout layout = ImageLayout::nativeARGB(1, 1, 4);
+        layout.alpha = alpha;
+        return pictureOf(*Image::createWithCopy(layout, &number, 4)).at(0, 0);
+    };
+    EXPECT_EQ(drawn(AlphaFormat::PremultipliedFirst), (Pixel { 40, 30, 20, 51 }));
+    EXPECT_EQ(drawn(AlphaFormat::NoneSkipFirst), (Pixel { 40, 30, 20, 255 }));
+    // 0x33, 0x28, 0x1e with alpha 20: 51 * 20 / 255 = 4, 3.1, 2.4
+    EXPECT_EQ(drawn(AlphaFormat::Last), (Pixel { 4, 3, 2, 20 }));
 }
 
 TEST(Image, PremultiplicationRoundsCorrectlyForEveryValueAndAlpha)
@@ -145,31 +145,24 @@ TEST(Image, ProfileColoursAreConvertedStraightAndThenPremultiplied)
 TEST(Image, RefusesImpossibleLayouts)
 {
     const Bytes pixels(64);
-    const ImageLayout good { 4, 4, 16, AlphaFormat::Last, false, nullptr };
-    const auto accepts = [&](const ImageLayout& layout, std::size_t size) {
+    const auto possible = [&](int width, int height, std::size_t bytesPerRow, std::size_t size,
+                              AlphaFormat alpha = AlphaFormat::Last) {
+        const ImageLayout layout { width, height, bytesPerRow, alpha, false, nullptr };
         return Image::createWithCopy(layout, pixels.data(), size) != nullptr;
     };
-    const auto with = [&](auto change) {
-        ImageLayout layout = good;
-        change(layout);
-        return layout;
-    };
-    EXPECT_TRUE(accepts(good, 64));
-    EXPECT_FALSE(accepts(good, 63));
-    EXPECT_FALSE(accepts(with([](auto& l) { l.width = 0; }), 64));
-    EXPECT_FALSE(accepts(with([](auto& l) { l.height = -1; }), 64));
-    EXPECT_FALSE(accepts(with([](auto& l) { l.bytesPerRow = 15; }), 64));
-    EXPECT_FALSE(accepts(with([](auto& l) { l.bytesPerRow = std::size_t(-1) / 2; }), 64));
-    EXPECT_FALSE(accepts(with([](auto& l) { l.height = 32768; }), 64));
-    EXPECT_FALSE(accepts(with([](auto& l) { l.alpha = static_cast<AlphaFormat>(7); }), 64));
-    EXPECT_FALSE(
-        accepts(with([](auto& l) { l.space = ColorSpace::deviceCMYK(), l.nativeOrder = true; }), 64));
-    EXPECT_FALSE(Image::createWithCopy(good, nullptr, 64));
-
-    // The last row may lack its padding.
-    const auto padded = with([](auto& l) { l.bytesPerRow = 16, l.width = 3; });
-    EXPECT_TRUE(accepts(padded, 60));
-    EXPECT_FALSE(accepts(padded, 59));
+    EXPECT_TRUE(possible(4, 4, 16, 64));
+    EXPECT_FALSE(possible(4, 4, 16, 63));
+    EXPECT_TRUE(possible(3, 4, 16, 60)) << "the last row may lack its padding";
+    EXPECT_FALSE(possible(3, 4, 16, 59));
+    EXPECT_FALSE(possible(0, 4, 16, 64));
+    EXPECT_FALSE(possible(4, -1, 16, 64));
+    EXPECT_FALSE(possible(4, 32768, 16, 64));
+    EXPECT_FALSE(possible(4, 4, 15, 64));
+    EXPECT_FALSE(possible(4, 4, std::size_t(-1) / 2, 64));
+    EXPECT_FALSE(possible(4, 4, 16, 64, static_cast<AlphaFormat>(7)));
+    const ImageLayout fiveBytes { 2, 2, 16, AlphaFormat::Last, true, ColorSpace::deviceCMYK() };
+    EXPECT_FALSE(Image::createWithCopy(fiveBytes, pixels.data(), 64)) << "no number has five bytes";
+    EXPECT_FALSE(Image::createWithCopy(ImageLayout::nativeARGB(4, 4, 16), nullptr, 64));
 }
 
 TEST(Image, NativePixelsAreDrawnWhereTheyLieAndKeepTheirOwner)
@@ -202,98 +195,76 @@ TEST(Image, SmoothImagesLookTheSameWhenTheyAreDrawnTheFastWay)
     const auto smooth = imageOf(layout, pixels);
     for (const Size size :
         { Size { 20, 11 }, { 90, 60 }, { 60, 90 }, { 280, 120 }, { 301, 97 }, { 900, 40 } }) {
-        Picture pictures[2];
-        for (int i = 0; i < 2; ++i) {
+        const auto drawn = [&](const Image& image) {
             const auto context = CairoContext::createBitmap(160, 160);
             context->translate(80, 80);
             context->rotate(0.4f);
             context->setInterpolationQuality(InterpolationQuality::High);
-            context->drawImage(
-                { -size.width / 2, -size.height / 2, size.width, size.height }, i == 0 ? *averaged : *smooth);
-            pictures[i] = pictureOf(*context);
-        }
+            context->drawImage({ -size.width / 2, -size.height / 2, size.width, size.height }, image);
+            return pictureOf(*context);
+        };
         // Half a pixel of the device is what leaving out may shift.
         const double step = 255 / std::min(size.width, size.height);
-        EXPECT_LE(compare(pictures[0], pictures[1]).largest, step + 2) << size;
+        EXPECT_LE(compare(drawn(*averaged), drawn(*smooth)).largest, step + 2) << size;
     }
 }
 
-TEST(ImagePNG, KeepsEveryStraightPixel)
+TEST_F(ImagePNG, KeepsEveryPixel)
 {
-    const Folder folder;
-    Bytes pixels(std::size_t { 37 } * 19 * 4);
+    Bytes straight(std::size_t { 37 } * 19 * 4);
     std::mt19937 random(5);
-    for (auto& byte : pixels)
+    for (auto& byte : straight)
         byte = static_cast<std::uint8_t>(random());
-    const auto image = imageOf({ 37, 19, 0, AlphaFormat::Last, false, nullptr }, pixels);
+    const auto image = imageOf({ 37, 19, 0, AlphaFormat::Last, false, nullptr }, straight);
     std::string error;
     ASSERT_TRUE(image->writePNG(folder / "a.png", &error)) << error;
     const auto read = Image::createWithPNGFile(folder / "a.png", &error);
     ASSERT_TRUE(read) << error;
     EXPECT_EQ(read->layout().alpha, AlphaFormat::Last);
-    EXPECT_EQ(Bytes(read->pixels(), read->pixels() + pixels.size()), pixels);
-    EXPECT_EQ(folder.fileCount(), 1);
-}
+    EXPECT_EQ(Bytes(read->pixels(), read->pixels() + straight.size()), straight);
+    EXPECT_EQ(fileCount(), 1);
 
-TEST(ImagePNG, KeepsEveryPremultipliedPixel)
-{
-    const Folder folder;
-    Picture all { 256, 256, {} };
+    Picture premultiplied { 256, 256, {} };
     for (std::uint32_t alpha = 0; alpha < 256; ++alpha)
         for (std::uint32_t value = 0; value < 256; ++value)
-            all.pixels.push_back(alpha << 24 | std::min(value, alpha) * 0x010101u);
-    ASSERT_TRUE(vxr::test::imageOf(all)->writePNG(folder / "a.png"));
-    EXPECT_EQ(compare(pictureOf(*Image::createWithPNGFile(folder / "a.png")), all).largest, 0);
+            premultiplied.pixels.push_back(alpha << 24 | std::min(value, alpha) * 0x010101u);
+    ASSERT_TRUE(vxr::test::imageOf(premultiplied)->writePNG(folder / "b.png"));
+    EXPECT_EQ(compare(pictureOf(*Image::createWithPNGFile(folder / "b.png")), premultiplied).largest, 0);
 }
 
-TEST(ImagePNG, FailsWithAReasonAndLeavesNoPartialFile)
+TEST_F(ImagePNG, FailsWithAReasonAndLeavesNoPartialFile)
 {
-    const Folder folder;
     const auto image = imageOf({ 1, 1, 0, AlphaFormat::Last, false, nullptr }, { 1, 2, 3, 4 });
     std::string error;
     EXPECT_FALSE(image->writePNG(folder / "no/such/folder.png", &error));
     EXPECT_THAT(error, HasSubstr("No such file"));
     std::filesystem::create_directories(folder / "taken.png/inside");
     EXPECT_FALSE(image->writePNG(folder / "taken.png", &error));
-    EXPECT_EQ(folder.fileCount(), 1);
+    EXPECT_EQ(fileCount(), 1);
 
     error.clear();
     EXPECT_FALSE(Image::createWithPNGFile(folder / "none.png", &error));
     EXPECT_THAT(error, HasSubstr("none.png: No such file"));
-    EXPECT_FALSE(Image::createWithPNGFile(folder / "taken.png", &error));
-    EXPECT_FALSE(Image::createWithPNGFile(folder / "none.png"));
+    EXPECT_FALSE(Image::createWithPNGFile(folder / "taken.png"));
 }
 
-TEST(ImagePNG, DamagedFilesAreRefusedOrReadButNeverCrash)
+TEST_F(ImagePNG, DamagedFilesAreRefusedOrReadButNeverCrash)
 {
-    const Folder folder;
-    Bytes pixels(std::size_t { 24 } * 24 * 4, 90);
-    ASSERT_TRUE(
-        imageOf({ 24, 24, 0, AlphaFormat::Last, false, nullptr }, pixels)->writePNG(folder / "a.png"));
-    const Bytes good = readFile(folder / "a.png");
-    const std::string path = folder / "b.png";
-    for (std::size_t size = 0; size < good.size() - 12; ++size) { // all but the end chunk
-        writeFile(path, Bytes(good.begin(), good.begin() + static_cast<std::ptrdiff_t>(size)));
-        std::string error;
-        EXPECT_FALSE(Image::createWithPNGFile(path, &error)) << size;
-        EXPECT_THAT(error, Not(IsEmpty())) << size;
-    }
+    const Bytes good = fileOfSquare(24, folder / "a.png");
+    for (std::size_t size = 0; size < good.size() - 12; ++size) // all but the end chunk
+        EXPECT_NE(errorOf({ good.data(), good.data() + size }, folder / "b.png"), "") << size;
     std::mt19937 random(9);
     for (int round = 0; round < 300; ++round) {
         Bytes bad = good;
         for (int k = 0; k < 4; ++k)
             bad[random() % bad.size()] = static_cast<std::uint8_t>(random());
-        writeFile(path, bad);
-        Image::createWithPNGFile(path);
+        errorOf(bad, folder / "b.png");
     }
 }
 
-TEST(ImagePNG, AHeaderThatPromisesTooMuchTakesNoMemory)
+TEST_F(ImagePNG, AHeaderThatPromisesTooMuchTakesNoMemory)
 {
-    const Folder folder;
-    ASSERT_TRUE(
-        imageOf({ 1, 1, 0, AlphaFormat::Last, false, nullptr }, { 1, 2, 3, 4 })->writePNG(folder / "a.png"));
-    Bytes file = readFile(folder / "a.png");
+    Bytes file = fileOfSquare(1, folder / "a.png");
     const Bytes header { 0, 0, 0x70, 0, 0, 0, 0x70, 0, 8, 6, 0, 0, 0 }; // 28672 x 28672
     std::copy(header.begin(), header.end(), file.begin() + 16);
     std::uint32_t crc = 0xffffffff; // of the chunk's name and body
@@ -304,10 +275,7 @@ TEST(ImagePNG, AHeaderThatPromisesTooMuchTakesNoMemory)
     }
     for (int i = 0; i < 4; ++i)
         file[29 + static_cast<std::size_t>(i)] = static_cast<std::uint8_t>(~crc >> (24 - 8 * i));
-    writeFile(folder / "b.png", file);
-    std::string error;
-    EXPECT_FALSE(Image::createWithPNGFile(folder / "b.png", &error));
-    EXPECT_THAT(error, HasSubstr("impossible size"));
+    EXPECT_THAT(errorOf(file, folder / "b.png"), HasSubstr("impossible size"));
 }
 
 } // namespace

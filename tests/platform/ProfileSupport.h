@@ -19,35 +19,34 @@ inline std::vector<std::byte> savedProfile(cmsHPROFILE profile)
     return bytes;
 }
 
+/// A profile made by `make` of three curves that change nothing: linear light.
+template <class Make> std::vector<std::byte> linearProfile(Make make)
+{
+    cmsToneCurve* linear = cmsBuildGamma(nullptr, 1);
+    cmsToneCurve* curves[] = { linear, linear, linear };
+    const cmsHPROFILE profile = make(curves);
+    cmsFreeToneCurve(linear);
+    return savedProfile(profile);
+}
+
 /// sRGB's primaries with values in linear light.
 inline std::vector<std::byte> linearRGBProfile()
 {
     const cmsCIExyY d65 { 0.3127, 0.3290, 1 };
     const cmsCIExyYTRIPLE primaries { { 0.64, 0.33, 1 }, { 0.30, 0.60, 1 }, { 0.15, 0.06, 1 } };
-    cmsToneCurve* linear = cmsBuildGamma(nullptr, 1);
-    cmsToneCurve* curves[] = { linear, linear, linear };
-    const cmsHPROFILE profile = cmsCreateRGBProfile(&d65, &primaries, curves);
-    cmsFreeToneCurve(linear);
-    return savedProfile(profile);
+    return linearProfile([&](cmsToneCurve** c) { return cmsCreateRGBProfile(&d65, &primaries, c); });
 }
 
 /// Grey in linear light.
 inline std::vector<std::byte> gamma1GrayProfile()
 {
-    cmsToneCurve* linear = cmsBuildGamma(nullptr, 1);
-    const cmsHPROFILE profile = cmsCreateGrayProfile(cmsD50_xyY(), linear);
-    cmsFreeToneCurve(linear);
-    return savedProfile(profile);
+    return linearProfile([](cmsToneCurve** c) { return cmsCreateGrayProfile(cmsD50_xyY(), *c); });
 }
 
 /// A device link, which leads from one space to another and describes none.
 inline std::vector<std::byte> linkProfile()
 {
-    cmsToneCurve* linear = cmsBuildGamma(nullptr, 1);
-    cmsToneCurve* curves[] = { linear, linear, linear };
-    const cmsHPROFILE profile = cmsCreateLinearizationDeviceLink(cmsSigRgbData, curves);
-    cmsFreeToneCurve(linear);
-    return savedProfile(profile);
+    return linearProfile([](cmsToneCurve** c) { return cmsCreateLinearizationDeviceLink(cmsSigRgbData, c); });
 }
 
 /// A neutral of one byte value sent through a grey or RGB profile to sRGB; the green byte.
