@@ -142,12 +142,11 @@ TEST(SvgOutline, GivesDotsALengthAndLeavesTheRestAlone)
 
 TEST(SvgOutline, ReversedAndSignedAreaTellTheSenseOfRotation)
 {
-    const auto outline = [](const char* data) { return parsePathData(data).outline; };
-    EXPECT_EQ(outline("M0 0H2V3H0Z").signedArea(), 12);
-    EXPECT_EQ(outline("M0 0H2V3H0ZM1 1V2H2").signedArea(), 11); // a hole of 1 / 2, left open
-    EXPECT_EQ(
-        textOf(outline("M0 0C1 0 2 1 2 2L0 2ZM5 5L6 5").reversed()), "M0 2 L2 2 C2 1 1 0 0 0 Z M6 5 L5 5");
-    EXPECT_EQ(outline("M0 0H2V3H0Z").reversed().signedArea(), -12);
+    const Outline outline = parsePathData("M0 0H2V3H0ZM1 1V2H2").outline; // a hole of 1 / 2, left open
+    EXPECT_EQ(outline.signedArea(), 11);
+    EXPECT_EQ(outline.reversed().signedArea(), -11);
+    EXPECT_EQ(textOf(parsePathData("M0 0C1 0 2 1 2 2L0 2ZM5 5L6 5").outline.reversed()),
+        "M0 2 L2 2 C2 1 1 0 0 0 Z M6 5 L5 5");
 }
 
 TEST(SvgOutline, RoundedRectanglesLimitTheirRadii)

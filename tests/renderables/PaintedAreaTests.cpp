@@ -36,17 +36,13 @@ public:
         shape->setFill(chance(2) ? Color::colorWithCalibratedRGB(1, 0, 0) : nullptr);
         shape->setStroke(chance(5) ? nullptr : stroke());
         shape->setWantsInteriorStroke(chance(5));
-        if (chance(2))
-            shape->setHeadLineEnd(lineEnd());
-        if (chance(2))
-            shape->setTailLineEnd(lineEnd());
+        shape->setHeadLineEnd(lineEnd());
+        shape->setTailLineEnd(lineEnd());
         if (chance(3)) {
             // Whole angles of 90 degrees and a whole distance: a bitmap moves its shadow by whole pixels.
             shape->setShadow(VXRShadow::shadowWithAngleOffsetRadiusOpacityColor(
                 90 * below(4), below(15), static_cast<int>(below(12)), 1, Color::blackColor()));
         }
-        if (chance(2))
-            shape->setOpacity(0.6f);
         shape->rotateByRadiansPivot(between(-4, 4), { 0, 0 });
         shape->scaleXByYByPivot(between(-1.2f, 1.2f), between(0.2f, 1.2f), { 0, 0 });
         const Point center = shape->center();
@@ -62,8 +58,6 @@ private:
 
     std::shared_ptr<Path> path()
     {
-        if (chance(8))
-            return Path::pathWithOvalInRect({ 0, 0, between(1, 70), between(1, 70) });
         auto path = Path::path();
         const int subpaths = chance(6) ? 2 : 1;
         for (int k = 0; k < subpaths; ++k) {
@@ -94,11 +88,10 @@ private:
 
     std::shared_ptr<VXRLineEnd> lineEnd()
     {
-        using Make = std::shared_ptr<VXRLineEnd> (*)();
-        static constexpr Make kinds[]
-            = { VXRLineEnd::simpleArrow, VXRLineEnd::openArrow, VXRLineEnd::filledArrow,
-                  VXRLineEnd::filledDiamond, VXRLineEnd::filledCircle, VXRLineEnd::filledSquare };
-        return kinds[mRandom() % 6]();
+        static const std::shared_ptr<VXRLineEnd> kinds[]
+            = { VXRLineEnd::simpleArrow(), VXRLineEnd::openArrow(), VXRLineEnd::filledArrow(),
+                  VXRLineEnd::filledDiamond(), VXRLineEnd::filledCircle(), nullptr };
+        return kinds[mRandom() % 6];
     }
 
     std::mt19937 mRandom;

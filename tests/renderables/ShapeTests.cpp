@@ -148,6 +148,8 @@ TEST(Shape, BlackAndWhiteFillsWhiteAndOutlinesWhereAsked)
     EXPECT_EQ(drawn(*shape), fill + "restore\n");
     shape->setAlwaysStrokesWhenBlackAndWhite(true);
     EXPECT_EQ(drawn(*shape), fill + hairline + "restore\n");
+    shape->setStroke(VXRStroke::emptyStroke());
+    EXPECT_EQ(drawn(*shape), fill + hairline + "restore\n");
     shape->setStroke(VXRStroke::strokeWithColorWidth(Color::whiteColor(), 3));
     EXPECT_EQ(drawn(*shape),
         fill + "set-color 0 0 0 1\nstroke width=3 miter=4 [M0 0 L10 0 L10 10 L0 10 Z]\nrestore\n");

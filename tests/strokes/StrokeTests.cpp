@@ -112,6 +112,7 @@ const PaintCase paintCases[] = {
         CLIP STROKE("4", RED) },
     { "DirectClipsDespiteCompositor", 2, 1, true, true, true, false, 0, CLIP STROKE("4", RED),
         CLIP STROKE("4", RED) },
+    { "CompositorOffClips", 2, 1, true, true, false, false, 1, CLIP STROKE("4", RED), CLIP STROKE("4", RED) },
     { "CompositorLeavesHalfAPoint", 0.5f, 1, true, true, true, false, 1, STROKE("1", RED),
         CLIP STROKE("1", RED) },
     // Everything within 0.6 + 10 of the bounds, except the inside.
