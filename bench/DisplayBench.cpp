@@ -150,7 +150,7 @@ void pan(Scene& scene)
     }
 }
 
-std::shared_ptr<Scene> gradientPage(bool compositor)
+std::shared_ptr<Scene> gradientPage(bool compositor, int shadowRadius)
 {
     auto scene = std::make_shared<Scene>(Size { 1600, 3200 }, compositor);
     for (int i = 0; i < 400; ++i) {
@@ -159,7 +159,7 @@ std::shared_ptr<Scene> gradientPage(bool compositor)
         shape->setFill(VXRAngleGradient::linearGradientWithStartColorEndColor(
             Color::colorWithCalibratedRGB(1, 0.5f, float(i % 16) / 16),
             Color::colorWithCalibratedRGB(0, 0.2f, 0.9f)));
-        shape->setShadow(softShadow(6));
+        shape->setShadow(softShadow(shadowRadius));
         shape->setCanvas(scene->canvas.get());
         scene->canvas->page.push_back(shape);
     }
@@ -167,20 +167,22 @@ std::shared_ptr<Scene> gradientPage(bool compositor)
     return scene;
 }
 
-/// The direct road copies what stays in sight and draws what comes into it.
-[[maybe_unused]] const int panning
-    = compare("DISPLAY/pan-400-gradients-against-copying-direct", atLeast(1), [] {
-          const auto layered = gradientPage(true), direct = gradientPage(false);
-          return Pair { [layered] { pan(*layered); }, [direct] { pan(*direct); } };
-      });
+Pair panning(int shadowRadius, bool directCopies)
+{
+    const auto layered = gradientPage(true, shadowRadius), direct = gradientPage(false, shadowRadius);
+    direct->scrollView->contentView().setCopiesOnScroll(directCopies);
+    return { [layered] { pan(*layered); }, [direct] { pan(*direct); } };
+}
 
-/// Both roads draw all that is in sight.
+// Both roads move what stays in sight; they differ in how they come by what comes into it. The wider the
+// shadows, the more the direct road has to do for it.
+[[maybe_unused]] const int panningSoft
+    = compare("DISPLAY/pan-400-gradients-with-soft-shadows", atLeast(5), [] { return panning(20, true); });
+[[maybe_unused]] const int panningNarrow
+    = compare("DISPLAY/pan-400-gradients-with-narrow-shadows", atLeast(4), [] { return panning(6, true); });
+/// Against a direct road that draws all that is in sight.
 [[maybe_unused]] const int panningWhole
-    = compare("DISPLAY/pan-400-gradients-against-drawing-direct", atLeast(5), [] {
-          const auto layered = gradientPage(true), direct = gradientPage(false);
-          direct->scrollView->contentView().setCopiesOnScroll(false);
-          return Pair { [layered] { pan(*layered); }, [direct] { pan(*direct); } };
-      });
+    = compare("DISPLAY/pan-400-gradients-against-drawing-all", atLeast(5), [] { return panning(6, false); });
 
 /// Most bytes of a large page's tiles while it is scrolled across, over what the number of tiles that are
 /// kept allows.

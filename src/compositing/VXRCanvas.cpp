@@ -2,6 +2,7 @@
 
 #include <vxr/compositing/CanvasDamage.h>
 #include <vxr/compositing/VXRBitmapRenderingQualityInfo.h>
+#include <vxr/compositing/VXRCompositorLayer.h>
 #include <vxr/compositing/VXRTransformableViewRenderable.h>
 #include <vxr/geometry/Color.h>
 #include <vxr/geometry/TransformAdditions.h>
@@ -136,6 +137,27 @@ Rect VXRCanvas::rectToDrawForDirtyRect(const Rect& dirty) const
 {
     const float slack = erasingSlack + placementSlack / _scale;
     return insetRect(dirty, -slack, -slack);
+}
+
+/// A composite needs no more than what comes into sight: every layer is put at whole pixels from the corner
+/// of what is seen. One whose place now rounds the other way is composited anew.
+bool VXRCanvas::keepsPixelsOnScroll(const Rect& seenBefore)
+{
+    if (!usesCompositor())
+        return false;
+    const Rect seen = clipViewVisibleRect();
+    const float slack = placementSlack / _scale;
+    const float dx = VXRRound((seenBefore.origin.x - seen.origin.x) * _scale);
+    const float dy = VXRRound((seenBefore.origin.y - seen.origin.y) * _scale);
+    for (const auto& renderable : objectsToRender()) {
+        const Rect bounds = renderable->alignmentBounds();
+        const Point before = VXRCompositorLayer::placeOfLayer(bounds, seenBefore, _scale, isFlipped());
+        const Point now = VXRCompositorLayer::placeOfLayer(bounds, seen, _scale, isFlipped());
+        if (now == Point { before.x + dx, before.y + dy })
+            continue;
+        View::setNeedsDisplayInRect(insetRect(renderable->erasableBounds(), -slack, -slack));
+    }
+    return true;
 }
 
 void VXRCanvas::_propagateDirtyRectsToOpaqueAncestors()

@@ -103,6 +103,7 @@ public:
 protected:
     void _propagateDirtyRectsToOpaqueAncestors() override;
     Rect rectToDrawForDirtyRect(const Rect&) const override;
+    bool keepsPixelsOnScroll(const Rect& seenBefore) override;
     void viewWillMoveToWindow(Window*) override;
     void viewDidMoveToWindow() override;
 

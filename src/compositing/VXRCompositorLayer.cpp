@@ -252,18 +252,21 @@ std::shared_ptr<VXRTile> VXRCompositorLayer::tileWithIndex(int index)
 
 // Placement.
 
+Point VXRCompositorLayer::placeOfLayer(const Rect& bounds, const Rect& seen, float zoom, bool isFlipped)
+{
+    const float dx = bounds.origin.x - seen.origin.x;
+    const float dy = isFlipped ? bounds.origin.y - seen.origin.y
+                               : (seen.origin.y + seen.size.height) - (bounds.origin.y + bounds.size.height);
+    // A small nudge at broken zooms, where places meant to be half pixels come out a little below.
+    const float bias = VXRFractionalPart(zoom) > 0 ? 0.01f : 0;
+    return { VXRRound(dx * zoom + bias), VXRRound(dy * zoom + bias) };
+}
+
 Point VXRCompositorLayer::_originPosition() const
 {
     const VXRCanvasRole* canvas = _renderable->canvas();
-    const Rect bounds = _renderable->alignmentBounds();
-    const Rect seen = canvas ? canvas->clipViewVisibleRect() : Rect {};
-    const float dx = bounds.origin.x - seen.origin.x;
-    const float dy = !canvas || canvas->isFlipped()
-        ? bounds.origin.y - seen.origin.y
-        : (seen.origin.y + seen.size.height) - (bounds.origin.y + bounds.size.height);
-    // A small nudge at broken zooms, where places meant to be half pixels come out a little below.
-    const float bias = VXRFractionalPart(_zoomFactor) > 0 ? 0.01f : 0;
-    return { VXRRound(dx * _zoomFactor + bias), VXRRound(dy * _zoomFactor + bias) };
+    return placeOfLayer(_renderable->alignmentBounds(), canvas ? canvas->clipViewVisibleRect() : Rect {},
+        _zoomFactor, !canvas || canvas->isFlipped());
 }
 
 void VXRCompositorLayer::computeErrorInView(const VXRCanvasRole& canvas)

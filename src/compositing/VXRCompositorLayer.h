@@ -72,6 +72,8 @@ public:
     int shadowClipForIndex(int index) const; ///< bits of `VXRTileSide`; 0 without a grid
     Rect scaleRect(const Rect&) const;
 
+    /// Where the first pixel of a layer over `bounds` is put, in pixels from the corner of what is seen.
+    static Point placeOfLayer(const Rect& bounds, const Rect& seen, float zoom, bool isFlipped);
     /// Difference between where the pixels are put and where the renderable lies, in canvas units.
     void computeErrorInView(const VXRCanvasRole&);
 

@@ -45,12 +45,12 @@ std::shared_ptr<VXRShadow> VXRShadow::nullShadow()
 }
 
 VXRShadow::VXRShadow(float angle, float offset, int radius, float opacity, std::shared_ptr<Color> color)
-    : mOffset(offset)
-    , mRadius(radius)
+    : mRadius(radius)
     , mOpacity(opacity)
     , mColor(color ? std::move(color) : Color::blackColor())
 {
     setAngle(angle);
+    setOffset(offset);
 }
 
 VXRShadow::~VXRShadow() = default;
@@ -73,6 +73,13 @@ void VXRShadow::setAngle(float degrees)
     mAngle = std::fmod(degrees, 360.0f);
     if (mAngle < 0)
         mAngle += 360.0f;
+    setOffset(mOffset);
+}
+
+void VXRShadow::setOffset(float offset)
+{
+    mOffset = offset;
+    VXROriginRotate(mOffset, static_cast<float>(mAngle * radiansPerDegree), &mDisplacement);
 }
 
 void VXRShadow::setColor(std::shared_ptr<Color> color) { mColor = std::move(color); }

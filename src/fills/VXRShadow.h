@@ -33,7 +33,8 @@ public:
     float angle() const { return mAngle; } ///< in [0, 360), or NaN; hardly below 0 gives 360
     void setAngle(float degrees);
     float offset() const { return mOffset; }
-    void setOffset(float offset) { mOffset = offset; }
+    void setOffset(float offset);
+    Point displacement() const { return mDisplacement; } ///< what angle and offset come to
     int radius() const { return mRadius; }
     void setRadius(int radius) { mRadius = radius; }
     float opacity() const { return mOpacity; }
@@ -75,6 +76,7 @@ private:
     float mOffset = 0;
     int mRadius = 0;
     float mOpacity = 0;
+    Point mDisplacement; ///< kept: every redraw asks every renderable for it
     std::shared_ptr<Color> mColor;
 };
 

@@ -145,14 +145,6 @@ void VXRRenderable::scaleXByYByPivot(float sx, float sy, Point pivot)
 
 namespace {
 
-/// Where the shadow's distance and direction take it.
-Point shadowOffset(const VXRShadow& shadow)
-{
-    Point offset;
-    VXROriginRotate(shadow.offset(), static_cast<float>(shadow.angle() * 0.017453292519943295), &offset);
-    return offset;
-}
-
 Rect shadowRectOfRect(const Rect& rect, const VXRShadow& shadow, Point offset)
 {
     const auto reach = static_cast<float>(shadow.radius());
@@ -204,7 +196,7 @@ Rect VXRRenderable::shadowBounds() const
 {
     const auto present = shadow();
     const Rect bounds = alignmentBounds();
-    return present ? shadowRectOfRect(bounds, *present, shadowOffset(*present)) : bounds;
+    return present ? shadowRectOfRect(bounds, *present, present->displacement()) : bounds;
 }
 
 Rect VXRRenderable::shadowBoundsForRect(const Rect& rect) const
@@ -212,7 +204,7 @@ Rect VXRRenderable::shadowBoundsForRect(const Rect& rect) const
     const auto present = shadow();
     if (!present)
         return rect;
-    Point offset = shadowOffset(*present);
+    Point offset = present->displacement();
     if (const auto extra = mCanvas ? mCanvas->additionalShadowTransform() : std::nullopt)
         offset = extra->map(offset); // the translation too
     return unionRect(rect, shadowRectOfRect(rect, *present, offset));

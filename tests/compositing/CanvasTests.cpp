@@ -168,6 +168,35 @@ TEST(Canvas, TheClipViewCopiesOnScrollOnTheDirectRoadOnly)
     EXPECT_FALSE(scene.scrollView->contentView().copiesOnScroll());
 }
 
+TEST(Canvas, AScrolledCompositeDrawsOnlyWhatComesIntoSight)
+{
+    PageScene scene(windowSize, pageSize);
+    std::vector<std::string> calls;
+    scene.canvas->add(spy(calls, "seen", { 20, 60, 30, 30 }));
+    scene.canvas->add(spy(calls, "coming", { 80, 165, 30, 30 }));
+    scene.window.displayIfNeeded();
+    calls.clear();
+    scene.canvas->scrollPoint({ 0, 40 });
+    scene.window.displayIfNeeded();
+    EXPECT_THAT(calls, ElementsAre("prepare coming", "render coming"));
+    const auto scrolled = scene.pixels();
+    EXPECT_TRUE(samePixels(scrolled, scene.redrawn(), scene.window.width()));
+}
+
+/// In single precision 0.49999997 - 16 is -15.5, so that the layer's place rounds the other way after the
+/// scroll.
+TEST(Canvas, ALayerWhosePlaceRoundsTheOtherWayIsComposedAnewAfterAScroll)
+{
+    PageScene scene(windowSize, pageSize);
+    std::vector<std::string> calls;
+    scene.canvas->add(spy(calls, "between pixels", { std::nextafter(0.5f, 0.0f), 20, 60, 60 }));
+    scene.window.displayIfNeeded();
+    scene.canvas->scrollPoint({ 16, 0 });
+    scene.window.displayIfNeeded();
+    const auto scrolled = scene.pixels();
+    EXPECT_TRUE(samePixels(scrolled, scene.redrawn(), scene.window.width()));
+}
+
 TEST(Canvas, SettingTheBackgroundRedrawsNothing)
 {
     PageScene scene(windowSize, pageSize);

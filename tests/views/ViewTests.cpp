@@ -156,6 +156,20 @@ TEST(ClipView, CopyingOnScrollEqualsRedrawingAndDrawsOnlyWhatIsNew)
     EXPECT_EQ(copying.document->drawn[0].size, (Size { 50, 4 }));
 }
 
+TEST(ClipView, PixelsOfAViewInFrontStayWhereTheyAre)
+{
+    ScrollingScene scene;
+    auto front = std::make_shared<PictureView>(Rect { 20, 10, 20, 15 });
+    front->paint = [](const Rect&) { fill({ 0, 0, 20, 15 }, 1, 0, 0); };
+    scene.window.contentView()->addSubview(front);
+    scene.window.displayIfNeeded();
+    scene.scrollView->contentView().scrollToPoint({ 8, 12 });
+    scene.window.displayIfNeeded();
+    const auto scrolled = allPixels(scene.window);
+    scene.window.display();
+    EXPECT_EQ(scrolled, allPixels(scene.window));
+}
+
 TEST(ClipView, ScrollPointStaysOnTheDocumentAndOnWholePixels)
 {
     ScrollingScene scene;

@@ -46,14 +46,22 @@ Point ClipView::constrainScrollPoint(Point p) const
         constrain(p.y, document.minY(), document.size.height, shown.height) };
 }
 
-// Pixels that an ancestor has yet to draw are stale wherever they are moved to.
+// Pixels that an ancestor has yet to draw are stale wherever they are moved to, and those of a view in front
+// stay where they are.
 bool ClipView::canMovePixels() const
 {
-    if (!mCopiesOnScroll || !window() || visibleRect() != bounds())
+    if (!window() || visibleRect() != bounds())
         return false;
-    for (const View* above = superview(); above; above = above->superview())
+    for (const View* view = this; const View* above = view->superview(); view = above) {
         if (above->needsDisplay())
             return false;
+        bool isInFront = false;
+        for (const auto& sibling : above->subviews()) {
+            if (isInFront && !sibling->isHidden() && rectsIntersect(sibling->frame(), view->frame()))
+                return false;
+            isInFront = isInFront || sibling.get() == view;
+        }
+    }
     return true;
 }
 
@@ -62,11 +70,14 @@ void ClipView::scrollToPoint(Point p)
     const Rect before = bounds();
     if (p == before.origin)
         return;
-    const bool moves = canMovePixels();
+    const bool canMove = canMovePixels();
+    const Rect seenBefore = documentVisibleRect();
     const std::vector<Rect> stale = dirtyRects();
     const Point from = convertPointToView(before.origin, nullptr);
     setBoundsOrigin(p); // leaves all of it dirty
     const Point to = convertPointToView(before.origin, nullptr);
+    const bool moves
+        = canMove && (mCopiesOnScroll || (mDocumentView && mDocumentView->keepsPixelsOnScroll(seenBefore)));
     if (!moves || !window()->movePixels(convertRectToView(bounds(), nullptr), to.x - from.x, to.y - from.y))
         return;
 

@@ -17,7 +17,8 @@ public:
     Rect documentRect() const; ///< the document view's frame; the zero rectangle without one
     Rect documentVisibleRect() const; ///< in the document view's coordinates
 
-    /// Whether scrolling moves the pixels that stay visible and redraws only the rest.
+    /// Whether scrolling moves the pixels that stay visible and redraws only the rest. If not, it is for the
+    /// document view to say (`keepsPixelsOnScroll`).
     bool copiesOnScroll() const { return mCopiesOnScroll; }
     void setCopiesOnScroll(bool copies) { mCopiesOnScroll = copies; }
 

@@ -96,8 +96,13 @@ protected:
     /// The rectangle that `drawRect` is handed for a dirty one. The context stays clipped to the dirty
     /// one, so a view whose parts reach beyond their bounds can ask for a margin to choose them by.
     virtual Rect rectToDrawForDirtyRect(const Rect& dirty) const { return dirty; }
+    /// Called after a scroll by a clip view that doesn't copy, with what was seen before in this view's
+    /// coordinates. A view that can use its pixels all the same marks what would look different once they
+    /// are moved, and says yes: then they are moved, and of the rest only what came into sight is redrawn.
+    virtual bool keepsPixelsOnScroll(const Rect&) { return false; }
 
 private:
+    friend class ClipView;
     friend class Window;
 
     /// Own coordinates to those of an ancestor: x' = sx x + tx, y' = sy y + ty.
