@@ -96,32 +96,21 @@ TEST(ColorPainter, FillsByTheWindingRuleWhiteOnBlackAndWhiteAndNothingTransparen
     FakeShape shape(Size { 1, 1 });
     shape.outline->setWindingRule(WindingRule::EvenOdd);
     shape.placed = AffineTransform::makeScale(2, 2);
-    FakeCanvas canvas;
-    const struct {
-        const char* name;
-        float alpha;
-        bool onCanvas, blackAndWhite;
-        int destination;
-        std::string set; ///< nothing is painted where it is empty
-    } cases[] = {
-        { "NoCanvas", 1, false, false, VXRDestinationDirect, "set-color 1 0 0 1\n" },
-        { "TransparentWithoutCanvas", 0, false, false, VXRDestinationDirect, "set-color 1 0 0 0\n" },
-        { "TransparentOnScreen", 0, true, false, VXRDestinationDirect, "set-color 1 0 0 0\n" },
-        { "TransparentOnPaper", 0, true, false, VXRDestinationNonScreen, "" },
-        { "NearlyTransparentOnPaper", 0.001f, true, false, VXRDestinationNonScreen,
-            "set-color 1 0 0 0.001\n" },
-        { "BlackAndWhite", 1, true, true, VXRDestinationDirect, "set-color 1 1 1 1\n" },
-        { "TransparentInBlackAndWhite", 0, true, true, VXRDestinationNonScreen, "set-color 1 1 1 1\n" },
+    const auto painted = [&](float alpha) {
+        return recordingOf([&] { Color::colorWithCalibratedRGB(1, 0, 0, alpha)->paintShape(shape); });
     };
-    for (const auto& c : cases) {
-        shape.onCanvas = c.onCanvas ? &canvas : nullptr;
-        canvas.blackAndWhite = c.blackAndWhite;
-        canvas.destination = c.destination;
-        const auto color = Color::colorWithCalibratedRGB(1, 0, 0, c.alpha);
-        EXPECT_EQ(recordingOf([&] { color->paintShape(shape); }),
-            c.set.empty() ? "" : c.set + "fill even-odd [M0 0 L2 0 L2 2 L0 2 Z]\n")
-            << c.name;
-    }
+    const std::string fill = "fill even-odd [M0 0 L2 0 L2 2 L0 2 Z]\n";
+    EXPECT_EQ(painted(1), "set-color 1 0 0 1\n" + fill);
+    EXPECT_EQ(painted(0), "set-color 1 0 0 0\n" + fill) << "without a canvas";
+    FakeCanvas canvas;
+    shape.onCanvas = &canvas;
+    EXPECT_EQ(painted(0), "set-color 1 0 0 0\n" + fill) << "on the screen";
+    canvas.destination = VXRDestinationNonScreen;
+    EXPECT_EQ(painted(0), "");
+    EXPECT_EQ(painted(0.001f), "set-color 1 0 0 0.001\n" + fill);
+    canvas.blackAndWhite = true;
+    EXPECT_EQ(painted(1), "set-color 1 1 1 1\n" + fill);
+    EXPECT_EQ(painted(0), "set-color 1 1 1 1\n" + fill);
 }
 
 TEST(ColorPainter, TransparentRectanglesArePaintedAsSwatchesOnly)

@@ -131,32 +131,30 @@ TEST(Renderable, ContainsItsFrameWithTheEdgesUnlessDegenerate)
 
 TEST(Renderable, LayersOnlyWhereOpacityOrShadowNeedIt)
 {
-    const struct {
-        const char* name;
-        float opacity;
-        bool shadow, quickdraw, blackAndWhite;
-        int destination;
-        bool layers;
-    } cases[] = {
-        { "Plain", 1, false, false, false, 0, false },
-        { "Faded", 0.5f, false, false, false, 0, true },
-        { "Shadow", 1, true, false, false, 2, true },
-        { "FadedInBlackAndWhite", 0.5f, true, false, true, 0, false },
-        { "QuickdrawDirect", 1, false, true, true, 0, true },
-        { "QuickdrawCompositor", 1, false, true, false, 1, false },
+    struct Setting {
+        float opacity = 1;
+        bool shadow = false, quickdraw = false, blackAndWhite = false;
+        int destination = VXRDestinationDirect;
     };
-    for (const auto& c : cases) {
+    const auto layers = [](const Setting& setting) {
         FakeCanvas canvas;
-        canvas.destination = c.destination;
-        canvas.blackAndWhite = c.blackAndWhite;
+        canvas.destination = setting.destination;
+        canvas.blackAndWhite = setting.blackAndWhite;
         Box box;
         box.setCanvas(&canvas);
-        box.quickdraw = c.quickdraw;
-        box.setOpacity(c.opacity);
-        box.setShadow(c.shadow ? blackShadow(0, 1, 1) : nullptr);
-        EXPECT_EQ(box._shouldLayer(), c.layers) << c.name;
+        box.quickdraw = setting.quickdraw;
+        box.setOpacity(setting.opacity);
+        box.setShadow(setting.shadow ? blackShadow(0, 1, 1) : nullptr);
+        const bool needed = box._shouldLayer();
         box.setCanvas(nullptr);
-    }
+        return needed;
+    };
+    EXPECT_FALSE(layers({}));
+    EXPECT_TRUE(layers({ .opacity = 0.5f }));
+    EXPECT_TRUE(layers({ .shadow = true, .destination = VXRDestinationNonScreen }));
+    EXPECT_FALSE(layers({ .opacity = 0.5f, .shadow = true, .blackAndWhite = true }));
+    EXPECT_TRUE(layers({ .quickdraw = true, .blackAndWhite = true }));
+    EXPECT_FALSE(layers({ .quickdraw = true, .destination = VXRDestinationCompositor }));
 }
 
 TEST(Renderable, DrawsInOneOrTwoPasses)

@@ -16,6 +16,7 @@
 #include <gmock/gmock.h>
 
 #include <cmath>
+#include <tuple>
 #include <utility>
 
 using namespace vxr;
@@ -286,17 +287,14 @@ TEST(ShadowOnlyShape, KeepsItsShadowTheSameOnTheScreen)
 {
     Lines calls;
     Layered<VXRShadowOnlyShape> shape(&calls);
-    const struct {
-        float zoom, offset;
-        int radius;
-    } cases[] = { { 2, 2.5f, 2 }, { 0.3f, 16.666666f, 16 }, { 1, 5, 5 } };
-    for (const auto& c : cases) {
-        shape.fakeLayer().zoom = c.zoom;
-        EXPECT_FLOAT_EQ(shape.shadow()->offset(), c.offset);
-        EXPECT_EQ(shape.shadow()->radius(), c.radius);
-        EXPECT_EQ(shape.shadow()->angle(), 45);
-        EXPECT_EQ(shape.shadow()->opacity(), 0.5f);
+    for (const auto& [zoom, offset, radius] :
+        { std::tuple(2.0f, 2.5f, 2), { 0.3f, 16.666666f, 16 }, { 1.0f, 5.0f, 5 } }) {
+        shape.fakeLayer().zoom = zoom;
+        EXPECT_FLOAT_EQ(shape.shadow()->offset(), offset);
+        EXPECT_EQ(shape.shadow()->radius(), radius);
     }
+    EXPECT_EQ(shape.shadow()->angle(), 45);
+    EXPECT_EQ(shape.shadow()->opacity(), 0.5f);
     EXPECT_FALSE(shape.allowsTiling());
 
     shape.setStroke(nullptr);
