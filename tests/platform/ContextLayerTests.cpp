@@ -78,7 +78,7 @@ TEST(ContextShadow, OffsetIsInBaseSpaceWithYUp)
     struct Case {
         const char* name;
         AffineTransform base, current;
-        Point shadowCorner; ///< the far one of a square at (20, 10) to (30, 20), moved by (8, 8)
+        Point shadowCorner; ///< the far one of a square at (20, 10) to (30, 20), moved by whole pixels
     };
     const AffineTransform half = AffineTransform::makeScale(0.5f, 0.5f);
     const Case cases[] = {
@@ -93,7 +93,7 @@ TEST(ContextShadow, OffsetIsInBaseSpaceWithYUp)
         const auto context = whitePage();
         context->setBaseTransform(c.base);
         context->concatTransform(c.current);
-        context->setShadow({ 8, 8 }, 0, black);
+        context->setShadow({ 8.3f, 7.8f }, 0, black);
         paint(*context, ColorValue::gray(1), { 20, 10, 10, 10 });
         EXPECT_EQ(darkCorner(*context), c.shadowCorner) << c.name;
     }

@@ -182,6 +182,9 @@ TEST(Context, BadTransformsDrawNothingAndLeaveTheContextUsable)
         context->strokePath(*Path::pathWithRect({ 1, 1, 1, 1 }), { .width = 3 });
         context->endTransparencyLayer();
         context->clipToRect({ 0, 0, 1, 1 });
+        context->setBaseTransform({});
+        context->fillRect({ 0, 0, 20, 10 });
+        EXPECT_TRUE(transform.inverted() || isBlank(*context)) << transform;
         context->restoreState();
         paint(*context, red, { 0, 0, 20, 10 });
         EXPECT_EQ(pixelAt(*context, 10, 5), redPixel) << transform;

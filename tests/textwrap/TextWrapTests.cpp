@@ -83,6 +83,7 @@ const SkipCase skipCases[] = {
     { "SomethingIsFree", post, midLine, around, 1 },
     { "ToTheEndOfTheShape", rects({ coverRect }), midLine, around, 78 },
     { "ToAHoleBelow", rects({ coverRect, { 20, 50, 30, 10 } }), midLine, around, 28 },
+    { "ToAHoleTwoBelow", rects({ coverRect, { 20, 24, 30, 10 } }), midLine, around, 2 },
     { "WholePartOnly", rects({ coverRect, { 20, 50.75f, 30, 10 } }), midLine, around, 28 },
     { "HoleBesideTheColumnIsNone", rects({ coverRect, { 102, 50, 5, 10 } }), midLine, around, 78 },
     { "HoleAboveIsNone", rects({ coverRect, { 20, 2, 30, 5 } }), midLine, around, 78 },
