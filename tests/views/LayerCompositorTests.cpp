@@ -60,25 +60,6 @@ template <class T> std::vector<T> randomValues(std::size_t count, std::mt19937& 
 
 } // namespace
 
-TEST(LayerBlend, OverEqualsPixmanForEveryAlphaColourAndDestination)
-{
-    std::vector<std::uint32_t> source(65536), start(65536);
-    for (unsigned alpha = 0; alpha < 256; ++alpha) {
-        for (unsigned i = 0; i < 65536; ++i) {
-            source[i] = alpha << 24 | (i >> 8) * 0x010101u;
-            start[i] = (i & 0xff) * 0x01010101u;
-        }
-        std::vector<std::uint32_t> expected = start;
-        Reference(PIXMAN_a8r8g8b8, source.data(), 256, 256, 1024)
-            .over({ PIXMAN_a8r8g8b8, expected.data(), 256, 256, 1024 });
-        for (const LayerBlendLoops* loops : availableLayerBlendLoops()) {
-            std::vector<std::uint32_t> actual = start;
-            loops->over(actual.data(), source.data(), actual.size());
-            ASSERT_EQ(actual, expected) << loops->name << " alpha " << alpha;
-        }
-    }
-}
-
 TEST(LayerBlend, LayersMasksAndColoursEqualPixmanAtEveryLength)
 {
     std::mt19937 random(7);
