@@ -67,9 +67,12 @@ TEST(LayerBlend, LayersMasksAndColoursEqualPixmanAtEveryLength)
         const int width = 1 + int(level) % 97;
         const auto count = std::size_t(width);
         auto source = randomValues<std::uint32_t>(count, random);
-        // Runs that are opaque or empty, as in most layers.
+        // Runs that are opaque or empty, as in most layers, or have colours but no alpha.
+        const std::uint32_t kept = level % 2 ? 0 : 0xffffff;
         for (std::size_t i = 0; i < count; ++i)
-            source[i] = i / 19 % 3 == 1 ? source[i] | 0xff000000 : i / 19 % 3 == 2 ? 0 : source[i];
+            source[i] = i / 19 % 3 == 1 ? source[i] | 0xff000000
+                : i / 19 % 3 == 2       ? source[i] & kept
+                                        : source[i];
         const auto start = randomValues<std::uint32_t>(count + 1, random);
         auto coverage = randomValues<std::uint8_t>(count + 3, random);
         for (auto& value : coverage)

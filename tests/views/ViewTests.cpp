@@ -147,7 +147,8 @@ TEST(ClipView, CopyingOnScrollEqualsRedrawingAndDrawsOnlyWhatIsNew)
         for (ScrollingScene* scene : { &copying, &redrawing }) {
             if (step % 5 == 0) { // still to be drawn when it moves
                 scene->marks.push_back({ place.x + 3, place.y + 3, 9, 9 });
-                scene->document->setNeedsDisplayInRect(scene->marks.back());
+                View* dirty = scene->document.get();
+                (step % 2 ? dirty : dirty->superview())->setNeedsDisplayInRect(scene->marks.back());
             }
             scene->scrollView->contentView().scrollToPoint(place);
             scene->document->drawn.clear();
