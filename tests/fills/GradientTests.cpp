@@ -126,6 +126,7 @@ TEST(Gradient, ColoursAreMixedStraightBetweenStops)
     EXPECT_EQ(inner->colorAtFraction(0.1f), inner->firstColor());
     EXPECT_EQ(inner->colorAtFraction(0.9f), inner->lastColor());
     EXPECT_EQ(evaluated(*inner, 1)[0], 1 / 256.0f);
+    EXPECT_EQ(evaluated(*inner, 0.375f)[0], 0.5f / 256);
 
     gradient = VXRGradient::linearGradientWithStartColorEndColor(
         Color::colorWithCalibratedWhite(0.25f), Color::colorWithDeviceCMYK(0, 1, 0, 0));
@@ -183,6 +184,7 @@ TEST(Gradient, CopiesAreEqualUntilChangedAndShareStopsButNotTheList)
     auto angle = VXRAngleGradient::radialGradientWithStartColorEndColor(red(), blue());
     auto placed = VXRTransformGradient::linearGradientWithStartColorEndColor(red(), blue());
     angle->setGradientAngle(0.5f);
+    angle->setOpacity(0.5f);
     placed->setStartPoint({ 1, 2 });
     placed->setEndPoint({ 3, 4 });
     placed->setTransform(AffineTransform::makeScale(2, 3));
@@ -192,7 +194,7 @@ TEST(Gradient, CopiesAreEqualUntilChangedAndShareStopsButNotTheList)
         VXRGradient& gradient;
         void (*change)(VXRGradient&);
     } changes[] = {
-        { "opacity", *angle, [](auto& g) { g.setOpacity(0.5f); } },
+        { "opacity", *angle, [](auto& g) { g.setOpacity(1); } },
         { "type", *angle, [](auto& g) { g.setGradientType(VXRLinearGradient); } },
         { "one more stop", *angle, [](auto& g) { g.insertStopAtFraction(0.5f); } },
         { "stop", *angle,
@@ -219,6 +221,7 @@ TEST(Gradient, CopiesAreEqualUntilChangedAndShareStopsButNotTheList)
         EXPECT_EQ(c.gradient.gradientStops().size(), 2u);
     }
     const auto plain = VXRGradient::radialGradientWithStartColorEndColor(red(), blue());
+    plain->setOpacity(0.5f);
     EXPECT_TRUE(plain->isEqual(*angle)) << "the receiver's class or a subclass";
     EXPECT_FALSE(angle->isEqual(*plain));
 }
