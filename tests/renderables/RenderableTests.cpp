@@ -84,13 +84,13 @@ TEST(Renderable, TurnsAndScalesAboutAPivotAfterItsOwnTransform)
 {
     Box box;
     box.setTransform(AffineTransform::makeScale(2, 1));
-    box.rotateByRadiansPivot(pi / 2, { 10, 10 });
+    box.rotateByRadiansPivot(pi / 2, { 10, 20 });
     box.scaleXByYByPivot(3, 5, { 7, 3 });
-    // (1, 0) goes to (2, 0), by a quarter turn about (10, 10) to (20, 2), and from the pivot (7, 3) 13 to the
-    // right and 1 down becomes 39 and 5.
+    // (1, 0) goes to (2, 0), by a quarter turn about (10, 20) to (30, 12), and what is 23 and 9 from the
+    // pivot (7, 3) comes to lie 69 and 45 from it.
     const Point p = box.transform().map(Point { 1, 0 });
-    EXPECT_NEAR(p.x, 46, 1e-4);
-    EXPECT_NEAR(p.y, -2, 1e-4);
+    EXPECT_NEAR(p.x, 76, 1e-4);
+    EXPECT_NEAR(p.y, 48, 1e-4);
 }
 
 TEST(Renderable, AngleOfTurnedAndMirroredTransforms)
