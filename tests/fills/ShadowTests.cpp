@@ -76,9 +76,10 @@ TEST(Shadow, IsSetUpWithItsOffsetUpwardAndItsOpacityMultiplied)
 TEST(Shadow, PlatformShadowTakesTheOpacityInPlaceOfTheAlpha)
 {
     EXPECT_FALSE(VXRShadow::nullShadow()->nsShadow());
-    const auto platform = shadow(90, 5, 3, 1, red(0.5f))->nsShadow();
+    const auto platform = shadow(30, 5, 3, 1, red(0.5f))->nsShadow();
     ASSERT_TRUE(platform);
-    EXPECT_NEAR(platform->offset.height, -5, 1e-5);
+    EXPECT_NEAR(platform->offset.width, 5 * std::sqrt(0.75), 1e-5);
+    EXPECT_NEAR(platform->offset.height, -2.5, 1e-5);
     EXPECT_EQ(platform->blurRadius, 3);
     EXPECT_EQ(platform->color->alphaComponent(), 1);
 

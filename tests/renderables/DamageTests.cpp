@@ -110,6 +110,8 @@ const DamageCase damageCases[] = {
     { "InteriorStrokeEqual", plain, [](auto& s) { s.setWantsInteriorStroke(false); }, {} },
     { "InteriorStrokeKeepsBounds", plain, [](auto& s) { s.setWantsInteriorStroke(true); },
         { before, "layer invalidate", "told", before } },
+    { "LineEndOnClosedPath", plain, [](auto& s) { s.setHeadLineEnd(VXRLineEnd::openArrow()); },
+        { before, "layer invalidate", "told", before } },
     // The move to the new path's place comes first and still carries the old bounds.
     { "Path", plain, [](auto& s) { s.setPath(Path::pathWithRect(Rect(110, 20, 10, 10))); },
         { before, before, "damage 104 14 42 52", "layer invalidate", "told", "damage 104 14 22 22" } },
