@@ -144,6 +144,7 @@ TEST(PathAdditions, StrokeBoundsGrowByHalfTheWidthAndByMitreTips)
     } cases[] = {
         { "Tip", spike, 10, tip },
         { "BelowTheLimit", spike, 4.2f, tip }, // sqrt(17) is 4.123
+        { "LinesShorterThanAUnit", "M -0.1 0 L 0 0.4 L 0.1 0", 10, tip - 39.6f },
         { "AboveTheLimit", spike, 4.1f, 44 },
         { "NoMitre", spike, 10, 44, LineJoin::Round },
         { "AtTheClose", "M 0 40 L 10 0 L -10 0 Z", 10, tip },
