@@ -87,11 +87,12 @@ bool fitsEngine(std::span<const Point> points, const cairo_matrix_t& m, double r
     return x + reach < engineRange && y + reach < engineRange;
 }
 
+bool isUpright(const cairo_matrix_t& m) { return (m.xy == 0 && m.yx == 0) || (m.xx == 0 && m.yy == 0); }
+
 /// Whether the path is made of straight segments along the device's axes, of both.
 bool turnsAlongAxes(const Path& path, const cairo_matrix_t& m)
 {
-    const bool isUpright = m.xy == 0 && m.yx == 0, isTurned = m.xx == 0 && m.yy == 0;
-    if (!isUpright && !isTurned)
+    if (!isUpright(m))
         return false;
     const Point* p = path.points().data();
     Point from, start;
@@ -182,6 +183,7 @@ void CairoContext::Impl::clipToPath(const Path& path, WindingRule rule)
     cairo_set_fill_rule(cr(), cairoRule(rule));
     cairo_clip(cr());
     state.clip = intersection(state.clip, deviceBounds(path.points()));
+    state.clipIsPixels = false;
     finishOperation();
 }
 
@@ -194,7 +196,9 @@ void CairoContext::Impl::clipToRect(const Rect& rect)
     cairo_new_path(cr());
     cairo_rectangle(cr(), rect.origin.x, rect.origin.y, rect.size.width, rect.size.height);
     cairo_clip(cr());
-    state.clip = intersection(state.clip, deviceBounds(corners));
+    const DeviceBox box = deviceBounds(corners);
+    state.clip = intersection(state.clip, box);
+    state.clipIsPixels = state.clipIsPixels && box == box.roundedOut() && isUpright(state.matrix);
     finishOperation();
 }
 

@@ -39,6 +39,7 @@ struct DeviceBox {
     double x0 = 0, y0 = 0, x1 = 0, y1 = 0;
 
     bool isEmpty() const { return !(x0 < x1 && y0 < y1); }
+    friend bool operator==(const DeviceBox&, const DeviceBox&) = default;
     double width() const { return x1 - x0; }
     double height() const { return y1 - y0; }
 

@@ -17,6 +17,7 @@ struct CairoTarget {
     std::size_t stackDepth = 0; ///< states saved before the layer began; no restore goes below
     LayerMemory::Block memory; ///< of a layer on a bitmap
     DeviceBox ink; ///< encloses what was drawn into a layer
+    DeviceBox cleared; ///< part of it that holds nothing any more
 };
 
 struct CairoContext::Impl final : PixelAccess {
@@ -86,7 +87,8 @@ struct CairoContext::Impl final : PixelAccess {
     CairoTarget popLayerTarget();
     void clearClip();
     void drawLayer(CairoTarget& layer);
-    bool blendLayer(CairoTarget& layer); ///< false when the clip isn't whole pixels
+    bool canBlend(const CairoTarget& layer) const; ///< by our own loops
+    void blendLayer(CairoTarget& layer);
     void drawShadowOf(const CairoTarget& layer);
     void releaseLayer(CairoTarget layer);
 

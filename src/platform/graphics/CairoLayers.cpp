@@ -3,7 +3,6 @@
 
 #include <cstring>
 #include <new>
-#include <span>
 #include <utility>
 
 namespace vxr {
@@ -26,30 +25,43 @@ cairo_surface_t* recordingOf(const DeviceBox& extents)
     return cairo_recording_surface_create(CAIRO_CONTENT_COLOR_ALPHA, &rectangle);
 }
 
-/// A pixel of an image surface that is a window of device space.
-std::uint32_t* pixelAt(const CairoTarget& target, double x, double y)
+/// Pixels of an image surface, which is a window of device space, within a box that lies in it.
+struct Rows {
+    std::uint32_t* first;
+    std::ptrdiff_t stride; ///< in pixels
+    std::size_t width, height;
+
+    Rows(const CairoTarget& target, const DeviceBox& box)
+        : stride(cairo_image_surface_get_stride(target.surface.get()) / 4)
+        , width(static_cast<std::size_t>(box.width()))
+        , height(static_cast<std::size_t>(box.height()))
+    {
+        auto* pixels = reinterpret_cast<std::uint32_t*>(cairo_image_surface_get_data(target.surface.get()));
+        first = pixels + static_cast<std::ptrdiff_t>(box.y0 - target.extents.y0) * stride
+            + static_cast<std::ptrdiff_t>(box.x0 - target.extents.x0);
+    }
+    std::uint32_t* operator[](std::size_t y) const { return first + static_cast<std::ptrdiff_t>(y) * stride; }
+};
+
+void clear(const CairoTarget& layer, const DeviceBox& box)
 {
-    std::uint8_t* row = cairo_image_surface_get_data(target.surface.get())
-        + static_cast<std::ptrdiff_t>(y - target.extents.y0)
-            * cairo_image_surface_get_stride(target.surface.get());
-    return reinterpret_cast<std::uint32_t*>(row) + static_cast<std::ptrdiff_t>(x - target.extents.x0);
+    if (box.isEmpty())
+        return;
+    const Rows rows(layer, box);
+    for (std::size_t y = 0; y < rows.height; ++y)
+        std::memset(rows[y], 0, 4 * rows.width);
 }
 
-void clearRow(const CairoTarget& layer, const DeviceBox& ink, double y)
+void clearRest(const CairoTarget& layer)
 {
-    std::memset(pixelAt(layer, ink.x0, y), 0, 4 * static_cast<std::size_t>(ink.width()));
-}
-
-/// The clip as boxes of whole pixels; nothing when it is anything else.
-std::vector<DeviceBox> clipBoxes(cairo_t* cr)
-{
-    std::vector<DeviceBox> boxes;
-    cairo_rectangle_list_t* list = cairo_copy_clip_rectangle_list(cr);
-    if (list->status == CAIRO_STATUS_SUCCESS)
-        for (const auto& r : std::span(list->rectangles, static_cast<std::size_t>(list->num_rectangles)))
-            boxes.push_back({ r.x, r.y, r.x + r.width, r.y + r.height });
-    cairo_rectangle_list_destroy(list);
-    return boxes;
+    const DeviceBox ink = intersection(layer.ink, layer.extents);
+    const DeviceBox& done = layer.cleared;
+    if (done.isEmpty())
+        return clear(layer, ink);
+    clear(layer, { ink.x0, ink.y0, ink.x1, done.y0 });
+    clear(layer, { ink.x0, done.y0, done.x0, done.y1 });
+    clear(layer, { done.x1, done.y0, ink.x1, done.y1 });
+    clear(layer, { ink.x0, done.y1, ink.x1, ink.y1 });
 }
 
 } // namespace
@@ -94,11 +106,8 @@ CairoTarget CairoContext::Impl::popLayerTarget()
 
 void CairoContext::Impl::releaseLayer(CairoTarget layer)
 {
-    if (layer.memory.bytes) {
-        const DeviceBox ink = intersection(layer.ink, layer.extents);
-        for (double y = ink.y0; y < ink.y1; ++y)
-            clearRow(layer, ink, y);
-    }
+    if (layer.memory.bytes)
+        clearRest(layer);
     layer.surface.reset();
     layerMemory.giveBack(layer.memory);
 }
@@ -111,6 +120,7 @@ void CairoContext::Impl::beginLayer()
     cairo_save(cr());
     pushLayerTarget();
     state.clip = targets.back().extents;
+    state.clipIsPixels = true;
     state.layerReach = {};
     state.alpha = 1;
     state.operation = CompositeOperation::SourceOver;
@@ -144,10 +154,10 @@ void CairoContext::Impl::endLayer()
 
 void CairoContext::Impl::drawLayer(CairoTarget& layer)
 {
+    if (canBlend(layer))
+        return blendLayer(layer);
     CairoSaver saved(cr());
     cairo_identity_matrix(cr());
-    if (layer.memory.bytes && layerOperator() == CAIRO_OPERATOR_OVER && blendLayer(layer))
-        return;
     cairo_set_operator(cr(), layerOperator());
     cairo_set_source_surface(cr(), layer.surface.get(), 0, 0);
     if (layer.memory.bytes) {
@@ -159,36 +169,36 @@ void CairoContext::Impl::drawLayer(CairoTarget& layer)
     noteInk(layer.ink);
 }
 
+bool CairoContext::Impl::canBlend(const CairoTarget& layer) const
+{
+    return layer.memory.bytes && state.clipIsPixels && layerOperator() == CAIRO_OPERATOR_OVER
+        && cairo_image_surface_get_format(targets.back().surface.get()) == CAIRO_FORMAT_ARGB32;
+}
+
 // What the engine would do with the same bytes in three passes, in one: a row is blended and cleared while
 // it is near.
-bool CairoContext::Impl::blendLayer(CairoTarget& layer)
+void CairoContext::Impl::blendLayer(CairoTarget& layer)
 {
-    const std::vector<DeviceBox> boxes = clipBoxes(cr());
     const CairoTarget& target = targets.back();
-    if (boxes.empty() || cairo_image_surface_get_format(target.surface.get()) != CAIRO_FORMAT_ARGB32)
-        return false;
     cairo_surface_flush(layer.surface.get());
     cairo_surface_flush(target.surface.get());
     const LayerBlendLoops& loops = layerBlendLoops();
     const std::uint8_t fade = channelByte(state.alpha);
-    const DeviceBox ink = intersection(layer.ink, layer.extents);
-    for (double y = ink.y0; y < ink.y1; ++y) {
-        for (const DeviceBox& box : boxes) {
-            const DeviceBox run = intersection({ ink.x0, y, ink.x1, y + 1 }, box);
-            if (run.isEmpty())
-                continue;
-            const auto width = static_cast<std::size_t>(run.width());
-            if (fade == 255)
-                loops.over(pixelAt(target, run.x0, y), pixelAt(layer, run.x0, y), width);
-            else
-                loops.overFaded(pixelAt(target, run.x0, y), pixelAt(layer, run.x0, y), width, fade);
-        }
-        clearRow(layer, ink, y);
+    const DeviceBox seen
+        = intersection(intersection(layer.ink, layer.extents), intersection(state.clip, target.extents));
+    if (seen.isEmpty())
+        return;
+    const Rows to(target, seen), from(layer, seen);
+    for (std::size_t y = 0; y < from.height; ++y) {
+        if (fade == 255)
+            loops.over(to[y], from[y], from.width);
+        else
+            loops.overFaded(to[y], from[y], from.width, fade);
+        std::memset(from[y], 0, 4 * from.width);
     }
+    layer.cleared = seen;
     cairo_surface_mark_dirty(target.surface.get());
     noteInk(layer.ink);
-    layer.ink = {};
-    return true;
 }
 
 // A layer's copy takes the place of everything within the clip.

@@ -32,6 +32,7 @@ struct CairoState {
     cairo_matrix_t matrix; ///< user space to cairo's device space, y down
     bool drawable = true; ///< the transform has an inverse
     DeviceBox clip; ///< encloses the clip
+    bool clipIsPixels = true; ///< the clip is all of the box, and that has whole coordinates
     DeviceBox layerReach; ///< that layers extend to at the sides
     CairoPaint fill, stroke;
     LineStyle line;
