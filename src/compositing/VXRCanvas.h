@@ -118,7 +118,7 @@ private:
     void collectLayers(const Rect& dirty, std::vector<LayerInfo*>&, FirstFailure&);
     void drawDirectly(const Rect& dirty);
     void fillBackground(Context&, const Rect&, bool isRedraw) const;
-    void redraw(VXRRenderable&, Context&, FirstFailure&) const;
+    void redraw(VXRRenderable&, Context&) const;
     void _adjustBitmapRenderingQualityInRenderablesUpdateRect(const RenderableList&, const Rect&);
     void disableScreenUpdates();
     void enableScreenUpdatesIfNeeded();

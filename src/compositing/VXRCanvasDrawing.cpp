@@ -35,11 +35,11 @@ inline void prefetchObject(const VXRRenderable* renderable)
         __builtin_prefetch(bytes + line);
 }
 
-/// A renderable whose drawing fails leaves nothing open in the context.
-void renderGuarded(VXRRenderable& renderable, Context& context, FirstFailure& failure)
+/// Drawing that fails leaves nothing open in the context. What it has drawn into layers is lost.
+template <typename Draw> void drawGuarded(Context& context, FirstFailure& failure, Draw draw)
 {
     const std::size_t depth = context.stateDepth();
-    if (!failure.attempt([&] { renderable.renderLayeredIntoContext(context); }))
+    if (!failure.attempt(draw))
         context.unwindToDepth(depth);
 }
 
@@ -84,10 +84,12 @@ void VXRCanvas::drawDirectly(const Rect& dirty)
     const bool isRedraw = window() && window()->redrawnPixels() && focusView() == this;
     fillBackground(context, dirty, isRedraw);
     for (VXRRenderable* renderable : hit) {
-        if (isRedraw)
-            redraw(*renderable, context, failure);
-        else
-            renderGuarded(*renderable, context, failure);
+        drawGuarded(context, failure, [&] {
+            if (isRedraw)
+                redraw(*renderable, context);
+            else
+                renderable->renderLayeredIntoContext(context);
+        });
     }
     failure.rethrow();
 }
@@ -110,22 +112,24 @@ void VXRCanvas::fillBackground(Context& context, const Rect& rect, bool isRedraw
 /// meet each other before they meet what lies below, as they do in a compositor layer. Every paint over
 /// another rounds to whole levels, and so both roads round alike. Nothing is drawn where the renderable
 /// would not erase it.
-void VXRCanvas::redraw(VXRRenderable& renderable, Context& context, FirstFailure& failure) const
+void VXRCanvas::redraw(VXRRenderable& renderable, Context& context) const
 {
     const float slack = erasingSlack + placementSlack / _scale;
     const Rect area
         = integralRect(convertRectToWindow(insetRect(renderable.erasableBounds(), -slack, -slack)));
-    const StateSaver saved(context);
+    const bool isLayered = renderable._shouldLayer(); // by itself
     const AffineTransform transform = context.currentTransform();
+    context.saveState();
     context.setBaseTransform({});
     context.clipToRect(area);
     context.setLayerReach(area);
     context.concatTransform(transform);
-    if (renderable._shouldLayer())
-        return renderGuarded(renderable, context, failure);
-    context.beginTransparencyLayer();
-    renderGuarded(renderable, context, failure);
-    context.endTransparencyLayer();
+    if (!isLayered)
+        context.beginTransparencyLayer();
+    renderable.renderLayeredIntoContext(context);
+    if (!isLayered)
+        context.endTransparencyLayer();
+    context.restoreState();
 }
 
 VXRCanvas::CompositeArea VXRCanvas::compositeArea(const Rect& dirty) const

@@ -32,6 +32,7 @@ public:
     {
         note("render");
         if (fails) {
+            VXRShape::renderIntoContext(context);
             context.saveState();
             context.beginTransparencyLayer();
             context.translate(7, 7);
@@ -374,6 +375,7 @@ TEST(Canvas, ARenderableThatFailsLeavesTheOthersDrawnAndNothingOpen)
         EXPECT_THROW(scene.window.displayIfNeeded(), GenericException);
         EXPECT_EQ(pixelAt(scene, 10, 10), 0xffff0000u) << compositor;
         EXPECT_EQ(pixelAt(scene, 60, 60), 0xffff0000u) << compositor;
+        EXPECT_EQ(pixelAt(scene, 35, 35), 0xffccffffu) << compositor; // nothing half drawn
         EXPECT_FALSE(scene.window.isLocked());
         EXPECT_EQ(View::focusView(), nullptr);
         EXPECT_EQ(GraphicsContext::currentContext(), nullptr);
