@@ -29,10 +29,10 @@ struct Sheet {
     {
     }
 
-    Picture direct() const { return drawDirect(page, true); }
+    Picture direct() const { return drawDirect(page); }
     Picture composited() const
     {
-        CompositedPage window(page);
+        ShownPage window(page, true);
         window.display();
         return window.picture();
     }
@@ -132,7 +132,7 @@ TEST(Drawing, PaintsWhatItSaysOnEveryRoad)
                 << c.name << " at " << probe.x << ", " << probe.y;
         }
         EXPECT_LE(compare(direct, sheet.composited(), 0).largest, 1) << c.name;
-        EXPECT_EQ(compare(direct, drawDirect(sheet.page, false), 0).largest, 0) << c.name;
+        EXPECT_EQ(compare(direct, drawOffScreen(sheet.page), 0).largest, 0) << c.name;
     }
 }
 
@@ -279,7 +279,7 @@ TEST(Drawing, OutlinesAreMadeAnewForAnotherScale)
     const Sheet fresh(content, 16);
     const Page enlarged { sheet.drawing, fresh.page.width, fresh.page.height, 16, fresh.page.background,
         false };
-    EXPECT_EQ(compare(drawDirect(enlarged, true), fresh.direct(), 0).largest, 0);
+    EXPECT_EQ(compare(drawDirect(enlarged), fresh.direct(), 0).largest, 0);
 }
 
 TEST(Drawing, GroupsAreHitWhereAChildShowsThrough)
@@ -305,8 +305,8 @@ TEST(Drawing, SamplesDrawOnEveryRoad)
         const float scale = 256 / drawing.size.width;
         const Page page { drawing, 256, static_cast<int>(std::lround(drawing.size.height * scale)), scale,
             svg::Rgba { 1, 1, 1, 1 }, false };
-        const Picture direct = drawDirect(page, true);
-        CompositedPage window(page);
+        const Picture direct = drawDirect(page);
+        ShownPage window(page, true);
         window.display();
         const Picture first = window.picture();
         EXPECT_LE(compare(direct, first, 0).largest, 24) << name;

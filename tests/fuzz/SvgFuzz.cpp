@@ -20,7 +20,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         if (imported.shapeCount != app::svg::shapeCount(drawing.nodes))
             std::abort();
         const app::Page page { imported, 40, 30, 0.4f, app::svg::Rgba { 1, 1, 1, 1 }, false };
-        if (app::drawDirect(page, true).pixels.size() != 40 * 30)
+        if (app::drawDirect(page).pixels.size() != 40 * 30)
             std::abort();
     } catch (const app::svg::DocumentError&) {
         // What can't be read says so.

@@ -11,9 +11,9 @@ namespace app {
 
 /// By which of the library's roads a picture is made.
 enum class Road {
-    Direct, ///< each renderable draws into the picture
-    Compositor, ///< layers are blended into a window's backing store, which is the picture
-    NonScreen, ///< like Direct, but as printing and exporting draw
+    Direct, ///< each renderable draws into a window, whose backing store is the picture
+    Compositor, ///< layers are blended into it
+    NonScreen, ///< into a bitmap, as printing and exporting draw
 };
 
 enum class Format { PNG, PDF };

@@ -53,11 +53,11 @@ Page pageFor(const ImportedDrawing& drawing, const RenderOptions& options)
 
 Picture drawPicture(const Page& page, Road road)
 {
-    if (road != Road::Compositor)
-        return drawDirect(page, road == Road::Direct);
-    CompositedPage composited(page);
-    composited.display();
-    return composited.picture();
+    if (road == Road::NonScreen)
+        return drawOffScreen(page);
+    ShownPage shown(page, road == Road::Compositor);
+    shown.display();
+    return shown.picture();
 }
 
 void renderOne(

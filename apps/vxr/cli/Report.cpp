@@ -42,14 +42,14 @@ void reportOne(const std::string& input)
         svg::Rgba { 1, 1, 1, 1 }, false };
 
     Picture direct;
-    const double directTime = milliseconds([&] { direct = drawDirect(page, true); });
+    const double directTime = milliseconds([&] { direct = drawDirect(page); });
     Picture composited;
     const double firstTime = milliseconds([&] {
-        CompositedPage fresh(page);
+        ShownPage fresh(page, true);
         fresh.display();
         composited = fresh.picture();
     });
-    CompositedPage kept(page);
+    ShownPage kept(page, true);
     kept.display();
     const double againTime = milliseconds([&] { kept.display(); });
     const double pdfTime = milliseconds([&] {

@@ -24,14 +24,14 @@ std::shared_ptr<DrawingCanvas> makeCanvas(const Page& page, bool usesCompositor)
     return canvas;
 }
 
-/// Draws the whole page into a context of its size.
-void drawInto(const Page& page, vxr::Context& context, bool toScreen)
+/// Draws the whole page into a context of its size that is no screen.
+void drawInto(const Page& page, vxr::Context& context)
 {
     const std::shared_ptr<DrawingCanvas> canvas = makeCanvas(page, false);
     const vxr::StateSaver saved(context);
     context.translate(0, static_cast<float>(page.height));
     context.scale(page.scale, -page.scale);
-    canvas->drawTreeIntoContext(context, canvas->bounds(), toScreen);
+    canvas->drawTreeIntoContext(context, canvas->bounds(), false);
 }
 
 } // namespace
@@ -47,35 +47,42 @@ std::shared_ptr<const vxr::Image> Picture::image() const
     return vxr::Image::createWithCopy(layout, pixels.data(), pixels.size() * sizeof pixels[0]);
 }
 
-Picture drawDirect(const Page& page, bool toScreen)
+Picture drawOffScreen(const Page& page)
 {
     Picture picture { page.width, page.height, {} };
     picture.pixels.resize(static_cast<std::size_t>(page.width) * static_cast<std::size_t>(page.height));
     const auto context = vxr::CairoContext::createWithPixels(
         picture.pixels.data(), page.width, page.height, static_cast<std::size_t>(page.width) * 4);
-    drawInto(page, *context, toScreen);
+    drawInto(page, *context);
     context->pixels(); // everything drawn has arrived
     return picture;
 }
 
-struct CompositedPage::Impl {
+Picture drawDirect(const Page& page)
+{
+    ShownPage shown(page, false);
+    shown.display();
+    return shown.picture();
+}
+
+struct ShownPage::Impl {
     std::shared_ptr<DrawingCanvas> canvas;
     std::unique_ptr<vxr::Window> window;
 };
 
-CompositedPage::CompositedPage(const Page& page)
+ShownPage::ShownPage(const Page& page, bool usesCompositor)
     : mImpl(std::make_unique<Impl>())
 {
-    mImpl->canvas = makeCanvas(page, true);
+    mImpl->canvas = makeCanvas(page, usesCompositor);
     mImpl->window = std::make_unique<vxr::Window>(mImpl->canvas->frame());
     mImpl->window->setContentView(mImpl->canvas);
 }
 
-CompositedPage::~CompositedPage() = default;
+ShownPage::~ShownPage() = default;
 
-void CompositedPage::display() { mImpl->window->display(); }
+void ShownPage::display() { mImpl->window->display(); }
 
-Picture CompositedPage::picture() const
+Picture ShownPage::picture() const
 {
     const vxr::Window& window = *mImpl->window;
     const std::uint32_t* first = window.pixels();
@@ -88,7 +95,7 @@ void drawPDF(const Page& page, vxr::PDFContext& context)
     vxr::PDFPageBoxes boxes;
     boxes.media = { 0, 0, static_cast<float>(page.width), static_cast<float>(page.height) };
     context.beginPage(boxes);
-    drawInto(page, context, false);
+    drawInto(page, context);
     context.endPage();
     context.close();
 }

@@ -26,18 +26,19 @@ struct Picture {
     std::shared_ptr<const vxr::Image> image() const;
 };
 
-/// Each renderable draws into the picture; `toScreen` as a window would show it, otherwise as printing
-/// and exporting draw.
-Picture drawDirect(const Page&, bool toScreen);
+/// Each renderable draws into a bitmap, as printing and exporting draw.
+Picture drawOffScreen(const Page&);
+/// Each renderable draws into a window.
+Picture drawDirect(const Page&);
 
-/// The compositor blends the renderables' layers into a window, whose pixels are the picture. The page's
-/// background must be opaque. Can be asked for the picture again, when only what changed is made anew.
-class CompositedPage {
+/// A window on either road, whose pixels are the picture. With the compositor, which blends the renderables'
+/// layers, the page's background must be opaque. Can be displayed again, from layers that are kept.
+class ShownPage {
 public:
-    explicit CompositedPage(const Page&);
-    ~CompositedPage();
+    ShownPage(const Page&, bool usesCompositor);
+    ~ShownPage();
 
-    void display(); ///< all of the window, from layers that are kept
+    void display(); ///< all of the window
     Picture picture() const;
 
 private:
