@@ -444,6 +444,11 @@ private:
     std::size_t mDepth;
 };
 
+/// In pixels. The tiles of a layer are drawn through one as wide as it is, since the rasteriser samples less
+/// finely in rows in which an outline leaves what is drawn into at a side. Where that would cost too much,
+/// such rows come out up to 16 levels different from those of a single tile.
+constexpr float widestDrawnWhole = 4096;
+
 /// A distance in pixels that single precision has left a hair beside a whole number is taken as whole. The
 /// rasteriser's own grid is coarser, but what falls on another of its points than without a layer would
 /// come out a level different.
@@ -475,8 +480,9 @@ void VXRCompositorLayer::drawIntoContext(VXRTile& tile, Context& context, bool w
     // bounds than what the layer shows.
     const auto out = float(tile.overflow());
     const Rect scaled = scaleRect(bounds);
-    context.clipToRect(insetRect(
-        { -offset.x, -offset.y, std::ceil(scaled.size.width), std::ceil(scaled.size.height) }, -out, -out));
+    const Rect shown = insetRect(
+        { -offset.x, -offset.y, std::ceil(scaled.size.width), std::ceil(scaled.size.height) }, -out, -out);
+    context.clipToRect(shown);
     const Rect whole { -margin.width, -margin.height, float(tile.pixelsWide()), float(tile.pixelsHigh()) };
     if (!wholly) {
         context.setShouldAntialias(false);
@@ -492,8 +498,16 @@ void VXRCompositorLayer::drawIntoContext(VXRTile& tile, Context& context, bool w
         { _zoomFactor, 0, 0, _zoomFactor, wholeIfNearly(-(double(bounds.origin.x) * zoom + double(offset.x))),
             wholeIfNearly(-(double(bounds.origin.y) * zoom + double(offset.y))) });
     const Size area = tile.areaSize();
-    _renderable->drawRect({ bounds.origin.x + offset.x / _zoomFactor,
-        bounds.origin.y + offset.y / _zoomFactor, area.width / _zoomFactor, area.height / _zoomFactor });
+    const Rect part { bounds.origin.x + offset.x / _zoomFactor, bounds.origin.y + offset.y / _zoomFactor,
+        area.width / _zoomFactor, area.height / _zoomFactor };
+    if (tilesWide() == 1 || shown.size.width > widestDrawnWhole) {
+        _renderable->drawRect(part);
+        return;
+    }
+    context.setLayerReach({ shown.minX() + margin.width, 0, shown.size.width, whole.size.height });
+    context.beginTransparencyLayer();
+    _renderable->drawRect(part);
+    context.endTransparencyLayer();
 }
 
 // Records and textures.

@@ -165,12 +165,16 @@ TEST(Canvas, RoadsAgreeAtWholeZooms)
             PageScene scene(windowSize, pageSize);
             RandomPage random(seed, pageSize);
             scene.canvas->setBackgroundColor(random.opaqueColor());
-            for (int i = 0; i < 60; ++i) {
-                const auto shape = random.shape();
-                if (!hasGradients)
-                    shape->setFill(random.color());
-                scene.canvas->add(shape);
-            }
+            // Reaches far out; at twice the size its layer has tiles, whose seams are in sight.
+            const auto large = VXRStar::starWithInnerRadiusOuterRadiusNumberOfPoints(180, 420, 23);
+            large->offsetTo({ -450, -450 });
+            random.restyle(*large);
+            scene.canvas->add(large);
+            for (int i = 0; i < 60; ++i)
+                scene.canvas->add(random.shape());
+            if (!hasGradients)
+                for (const auto& shape : scene.canvas->page)
+                    static_cast<VXRShape&>(*shape).setFill(random.color());
             std::vector<std::uint32_t> composited, direct;
             drawOnBothRoads(scene, zoom, composited, direct);
             EXPECT_TRUE(samePixels(composited, direct, scene.window.width(), hasGradients ? 1 : 0))

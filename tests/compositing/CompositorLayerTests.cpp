@@ -187,8 +187,22 @@ struct TilingCase {
     const char* name;
     float zoom;
     Rect visible;
-    int radius;
+    int radius; ///< of the shadow, none below 0
+    bool slants = false;
 };
+
+/// Long slanting edges that cross the seams.
+void paintStar(Context& port)
+{
+    Path star;
+    for (int i = 0; i < 46; ++i) {
+        const float radius = i % 2 ? 250 : 640, angle = float(i) * float(M_PI) / 23;
+        const Point p { 750 + radius * std::cos(angle), 650 + radius * std::sin(angle) };
+        i ? star.lineTo(p) : star.moveTo(p);
+    }
+    star.close();
+    port.fillPath(star, WindingRule::NonZero);
+}
 
 class CompositorLayerTiling : public ::testing::TestWithParam<TilingCase> { };
 
@@ -200,9 +214,12 @@ TEST_P(CompositorLayerTiling, ATiledLayerLooksLikeAWholeOne)
     const auto place = AffineTransform::makeTranslation(60, 40);
     Layered tiled(canvas, place, { 1500, 1300 }), whole(canvas, place, { 1500, 1300 });
     whole.renderable.tiles = false;
-    for (Layered* one : { &tiled, &whole })
+    for (Layered* one : { &tiled, &whole }) {
         if (GetParam().radius >= 0)
             one->renderable.cast = blackShadow(30, 12, GetParam().radius); // seams between the stripes
+        if (GetParam().slants)
+            one->renderable.paint = paintStar;
+    }
     EXPECT_TRUE(samePixels(tiled.page(), whole.page(), int(canvas.visible.size.width * canvas.scale + 0.5f)));
     EXPECT_TRUE(tiled.layer.isMultiTiled());
     EXPECT_FALSE(whole.layer.isMultiTiled());
@@ -210,6 +227,8 @@ TEST_P(CompositorLayerTiling, ATiledLayerLooksLikeAWholeOne)
 
 INSTANTIATE_TEST_SUITE_P(Places, CompositorLayerTiling,
     ::testing::Values(TilingCase { "Plain", 1, { 900, 900, 400, 300 }, -1 },
+        TilingCase { "Slanting", 1, { 900, 800, 400, 300 }, -1, true },
+        TilingCase { "SlantingShadow", 1, { 900, 800, 400, 300 }, 12, true },
         TilingCase { "ShadowOverASeam", 1, { 900, 900, 400, 300 }, 12 },
         TilingCase { "HardShadow", 1, { 900, 900, 400, 300 }, 0 },
         TilingCase { "ZoomedShadow", 1.5f, { 30, 600, 400, 300 }, 20 },
