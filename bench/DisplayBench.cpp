@@ -179,7 +179,7 @@ Pair panning(int shadowRadius, bool directCopies)
 [[maybe_unused]] const int panningSoft
     = compare("DISPLAY/pan-400-gradients-with-soft-shadows", atLeast(5), [] { return panning(20, true); });
 [[maybe_unused]] const int panningNarrow
-    = compare("DISPLAY/pan-400-gradients-with-narrow-shadows", atLeast(3.5), [] { return panning(6, true); });
+    = compare("DISPLAY/pan-400-gradients-with-narrow-shadows", atLeast(4), [] { return panning(6, true); });
 /// Against a direct road that draws all that is in sight.
 [[maybe_unused]] const int panningWhole
     = compare("DISPLAY/pan-400-gradients-against-drawing-all", atLeast(5), [] { return panning(6, false); });

@@ -103,7 +103,7 @@ struct Shown {
 
 /// In a window each shape is composed as a layer, for the sake of what the compositor would show; the calls
 /// paint straight away.
-const int modelOverCalls = compare("DRAWING/model-against-calls", atMost(1.2), [] {
+const int modelOverCalls = compare("DRAWING/model-against-calls", atMost(1.10), [] {
     const auto shown = std::make_shared<Shown>("bt", false);
     const auto calls = std::make_shared<std::vector<Call>>(callsOf(app::svg::readDrawing(textOf("bt"))));
     const auto context = CairoContext::createBitmap(pageWidth, pageHeight);

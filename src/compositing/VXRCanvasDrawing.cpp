@@ -35,14 +35,6 @@ inline void prefetchObject(const VXRRenderable* renderable)
         __builtin_prefetch(bytes + line);
 }
 
-/// Drawing that fails leaves nothing open in the context. What it has drawn into layers is lost.
-template <typename Draw> void drawGuarded(Context& context, FirstFailure& failure, Draw draw)
-{
-    const std::size_t depth = context.stateDepth();
-    if (!failure.attempt(draw))
-        context.unwindToDepth(depth);
-}
-
 } // namespace
 
 void VXRCanvas::drawRect(const Rect& dirty)
@@ -84,7 +76,8 @@ void VXRCanvas::drawDirectly(const Rect& dirty)
     const bool isRedraw = window() && window()->redrawnPixels() && focusView() == this;
     fillBackground(context, dirty, isRedraw);
     for (VXRRenderable* renderable : hit) {
-        drawGuarded(context, failure, [&] {
+        failure.attempt([&] {
+            const StateSaver saved(context);
             if (isRedraw)
                 redraw(*renderable, context);
             else
@@ -111,7 +104,7 @@ void VXRCanvas::fillBackground(Context& context, const Rect& rect, bool isRedraw
 /// Draws into the window as if all of the window were drawn, and a layer at a time: the parts of a renderable
 /// meet each other before they meet what lies below, as they do in a compositor layer. Every paint over
 /// another rounds to whole levels, and so both roads round alike. Nothing is drawn where the renderable
-/// would not erase it.
+/// would not erase it. Changes the context's state.
 void VXRCanvas::redraw(VXRRenderable& renderable, Context& context) const
 {
     const float slack = erasingSlack + placementSlack / _scale;
@@ -119,7 +112,6 @@ void VXRCanvas::redraw(VXRRenderable& renderable, Context& context) const
         = integralRect(convertRectToWindow(insetRect(renderable.erasableBounds(), -slack, -slack)));
     const bool isLayered = renderable._shouldLayer(); // by itself
     const AffineTransform transform = context.currentTransform();
-    context.saveState();
     context.setBaseTransform({});
     context.clipToRect(area);
     context.setLayerReach(area);
@@ -129,7 +121,6 @@ void VXRCanvas::redraw(VXRRenderable& renderable, Context& context) const
     renderable.renderLayeredIntoContext(context);
     if (!isLayered)
         context.endTransparencyLayer();
-    context.restoreState();
 }
 
 VXRCanvas::CompositeArea VXRCanvas::compositeArea(const Rect& dirty) const

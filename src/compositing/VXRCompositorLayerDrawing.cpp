@@ -76,24 +76,6 @@ void VXRCompositorLayer::renderIntoTile(VXRTile& tile)
 
 namespace {
 
-/// Keeps a context's state, whatever is left open within the scope.
-class StateKeeper {
-public:
-    explicit StateKeeper(Context& context)
-        : mContext(context)
-        , mDepth(context.stateDepth())
-    {
-        mContext.saveState();
-    }
-    ~StateKeeper() { mContext.unwindToDepth(mDepth); }
-    StateKeeper(const StateKeeper&) = delete;
-    StateKeeper& operator=(const StateKeeper&) = delete;
-
-private:
-    Context& mContext;
-    std::size_t mDepth;
-};
-
 /// In pixels. The tiles of a layer are drawn through one as wide as it is, since the rasteriser samples less
 /// finely in rows in which an outline leaves what is drawn into at a side. Where that would cost too much,
 /// such rows come out up to 16 levels different from those of a single tile.
@@ -116,7 +98,7 @@ void VXRCompositorLayer::drawIntoContext(VXRTile& tile, Context& context, bool w
     const Rect bounds = _renderable->alignmentBounds();
     const Point offset = offsetForIndex(tile.index());
     const Size margin = tile.shadowBuffer();
-    const StateKeeper kept(context);
+    const StateSaver saved(context);
     context.translate(0, float(tile.pixelsHigh()));
     context.scale(1, -1);
     context.translate(margin.width, margin.height);

@@ -43,10 +43,10 @@ struct Reference {
 
 std::uint32_t premultiplied(std::uint32_t argb)
 {
-    const auto alpha = std::uint8_t(argb >> 24);
+    const std::uint32_t alpha = argb >> 24;
     std::uint32_t result = argb & 0xff000000;
     for (int shift : { 0, 8, 16 })
-        result |= std::uint32_t(multiply255(std::uint8_t(argb >> shift), alpha)) << shift;
+        result |= (argb >> shift & 255) * alpha / 255 << shift;
     return result;
 }
 

@@ -143,20 +143,27 @@ private:
     AffineTransform mPathTransform; ///< current transform in which mPath's points are given
 };
 
-/// Saves a context's state and restores it at the end of the scope.
+/// Saves a context's state and restores it at the end of the scope. What drawing that failed has left open is
+/// closed, and what it has drawn into layers is lost.
 class StateSaver {
 public:
     explicit StateSaver(Context& context)
         : mContext(context)
+        , mDepth(context.stateDepth())
     {
         mContext.saveState();
     }
-    ~StateSaver() { mContext.restoreState(); }
+    ~StateSaver()
+    {
+        mContext.unwindToDepth(mDepth + 1);
+        mContext.restoreState();
+    }
     StateSaver(const StateSaver&) = delete;
     StateSaver& operator=(const StateSaver&) = delete;
 
 private:
     Context& mContext;
+    std::size_t mDepth;
 };
 
 } // namespace vxr

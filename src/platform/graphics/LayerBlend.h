@@ -27,13 +27,6 @@ const LayerBlendLoops& layerBlendLoops();
 /// All loops that this processor runs, the portable ones first.
 std::span<const LayerBlendLoops* const> availableLayerBlendLoops();
 
-/// a * b / 255 rounded, exactly as the loops do it.
-constexpr std::uint8_t multiply255(std::uint8_t a, std::uint8_t b)
-{
-    const unsigned t = unsigned(a) * b + 0x80;
-    return std::uint8_t((t + (t >> 8)) >> 8);
-}
-
 /// The upper byte of a 16-bit channel, which is how the drawing engine takes components.
 inline std::uint8_t channelByte(double component)
 {
