@@ -1,6 +1,6 @@
 #include <bench/Compare.h>
 
-#include <vxr/platform/graphics/Blur.h>
+#include <vxr/platform/graphics/pixels/Blur.h>
 
 #include <algorithm>
 #include <array>

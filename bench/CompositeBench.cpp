@@ -1,6 +1,6 @@
 #include <bench/Compare.h>
 
-#include <vxr/platform/views/LayerCompositor.h>
+#include <vxr/platform/graphics/pixels/LayerCompositor.h>
 
 #include <pixman.h>
 

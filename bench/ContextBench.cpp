@@ -1,6 +1,6 @@
 #include "Compare.h"
 
-#include <vxr/platform/graphics/CairoContext.h>
+#include <vxr/platform/graphics/cairo/CairoContext.h>
 
 #include <cairo.h>
 

@@ -1,7 +1,7 @@
 #include <bench/Compare.h>
 
-#include <vxr/compositing/VXRCanvas.h>
-#include <vxr/compositing/VXRCompositorLayer.h>
+#include <vxr/compositing/canvas/VXRCanvas.h>
+#include <vxr/compositing/layers/VXRCompositorLayer.h>
 #include <vxr/fills/VXRAngleGradient.h>
 #include <vxr/fills/VXRShadow.h>
 #include <vxr/geometry/Color.h>

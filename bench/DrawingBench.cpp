@@ -8,7 +8,7 @@
 #include <apps/vxr/import/Import.h>
 #include <apps/vxr/render/DrawingCanvas.h>
 
-#include <vxr/platform/graphics/CairoContext.h>
+#include <vxr/platform/graphics/cairo/CairoContext.h>
 #include <vxr/platform/views/Window.h>
 
 #include <benchmark/benchmark.h>

@@ -3,9 +3,9 @@
 #include <vxr/fills/VXRAngleGradient.h>
 #include <vxr/fills/VXRShadingRep.h>
 #include <vxr/fills/VXRTransformGradient.h>
-#include <vxr/platform/graphics/CairoContext.h>
 #include <vxr/platform/graphics/GraphicsContext.h>
 #include <vxr/platform/graphics/Shading.h>
+#include <vxr/platform/graphics/cairo/CairoContext.h>
 #include <vxr/protocols/VXRPaintedShape.h>
 
 #include <cairo.h>

@@ -1,6 +1,6 @@
 #include <bench/Compare.h>
 
-#include <vxr/platform/graphics/Path.h>
+#include <vxr/platform/graphics/path/Path.h>
 
 #include <cairo.h>
 

@@ -1,12 +1,14 @@
 # How every folder of the project is built: one call per folder, with explicit lists.
 #
-#   vxr_add_subsystem(geometry
-#       HEADERS VXRGeometry.h ...        installed
+#   vxr_add_subsystem(platform/graphics/path   the folder's path under src/vxr
+#       USES platform/base ...           the folders that its files include, all of them on lower floors
+#       BACKENDS CAIRO ...               the libraries whose headers they include
+#       HEADERS Path.h ...               installed
 #       PRIVATE_HEADERS PathFlattener.h  seen inside the library only
-#       SOURCES VXRGeometry.cpp ...)
+#       SOURCES Path.cpp ...)
 #
-# Each subsystem is an object library; together they make libvxr.so, and the tests link the same
-# objects so that hidden symbols can be reached.
+# An include that the call does not list stops the build. Each folder is an object library; together they
+# make libvxr.so, and the tests link the same objects so that hidden symbols can be reached.
 
 find_package(PkgConfig REQUIRED)
 pkg_check_modules(CAIRO REQUIRED IMPORTED_TARGET cairo>=1.16)
@@ -18,10 +20,8 @@ find_package(fmt REQUIRED)
 
 set(VXR_BACKENDS PkgConfig::CAIRO PkgConfig::PIXMAN PkgConfig::LCMS PkgConfig::PNG PkgConfig::CLIPPER fmt::fmt)
 
-# Sources include <vxr/FOLDER/File.h> whether vxr is being built or is installed.
-set(VXR_INCLUDE_ROOT "${PROJECT_BINARY_DIR}/include")
-file(MAKE_DIRECTORY "${VXR_INCLUDE_ROOT}")
-file(CREATE_LINK "${PROJECT_SOURCE_DIR}/src" "${VXR_INCLUDE_ROOT}/vxr" SYMBOLIC)
+# The path in an #include is the path in the tree and in the installed headers.
+set(VXR_INCLUDE_ROOT "${PROJECT_SOURCE_DIR}/src")
 
 # Language level, warnings and floating-point rules shared by every target of the project.
 # Rounding steps are part of the library's contract: nothing may fuse or reorder them.
@@ -48,17 +48,42 @@ function(vxr_check_lists)
   endforeach()
 endfunction()
 
-function(vxr_add_subsystem name)
-  cmake_parse_arguments(ARG "" "" "HEADERS;PRIVATE_HEADERS;SOURCES" ${ARGN})
-  vxr_check_lists(${ARG_HEADERS} ${ARG_PRIVATE_HEADERS} ${ARG_SOURCES})
-  set(target vxr_${name})
-  add_library(${target} OBJECT ${ARG_SOURCES} ${ARG_HEADERS} ${ARG_PRIVATE_HEADERS})
+# Fails the build when a file of the folder includes what the folder does not list.
+function(vxr_check_floors target folder)
+  cmake_parse_arguments(ARG "" "" "USES;BACKENDS;FILES" ${ARGN})
+  set(stamp "${CMAKE_CURRENT_BINARY_DIR}/floors.stamp")
+  set(script "${PROJECT_SOURCE_DIR}/cmake/CheckFloors.cmake")
+  add_custom_command(OUTPUT "${stamp}"
+    COMMAND "${CMAKE_COMMAND}" "-DROOT=${VXR_INCLUDE_ROOT}/vxr" "-DFOLDER=${folder}" "-DUSES=${ARG_USES}"
+      "-DBACKENDS=${ARG_BACKENDS}" "-DFILES=${ARG_FILES}" "-DSTAMP=${stamp}" -P "${script}"
+    DEPENDS ${ARG_FILES} "${script}" "${CMAKE_CURRENT_SOURCE_DIR}/CMakeLists.txt"
+    COMMENT "" VERBATIM)
+  add_custom_target(${target}_floors DEPENDS "${stamp}")
+  add_dependencies(${target} ${target}_floors)
+endfunction()
+
+function(vxr_add_subsystem folder)
+  cmake_parse_arguments(ARG "" "" "USES;BACKENDS;HEADERS;PRIVATE_HEADERS;SOURCES" ${ARGN})
+  set(files ${ARG_HEADERS} ${ARG_PRIVATE_HEADERS} ${ARG_SOURCES})
+  vxr_check_lists(${files})
+  string(REPLACE "/" "_" target "vxr_${folder}")
+  add_library(${target} OBJECT ${files})
   vxr_compile_options(${target})
   target_compile_definitions(${target} PRIVATE VXR_BUILDING)
   target_include_directories(${target} PUBLIC "${VXR_INCLUDE_ROOT}")
-  target_link_libraries(${target} PRIVATE ${VXR_BACKENDS})
+  vxr_check_floors(${target} ${folder} USES ${ARG_USES} BACKENDS ${ARG_BACKENDS} FILES ${files})
+  # Object libraries of lower floors must exist by now: a circle stops the configuration.
+  foreach(used IN LISTS ARG_USES)
+    string(REPLACE "/" "_" lower "vxr_${used}")
+    if(NOT TARGET ${lower})
+      message(FATAL_ERROR "${folder} uses ${used}, which is not a lower floor")
+    endif()
+  endforeach()
+  foreach(backend IN LISTS ARG_BACKENDS)
+    target_link_libraries(${target} PRIVATE PkgConfig::${backend})
+  endforeach()
+  target_link_libraries(${target} PRIVATE fmt::fmt)
   set_property(GLOBAL APPEND PROPERTY VXR_SUBSYSTEMS ${target})
-  file(RELATIVE_PATH folder "${PROJECT_SOURCE_DIR}/src" "${CMAKE_CURRENT_SOURCE_DIR}")
   install(FILES ${ARG_HEADERS} DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/vxr/${folder}")
 endfunction()
 

@@ -1,6 +1,6 @@
 #include "Scene.h"
 
-#include <vxr/platform/graphics/Path.h>
+#include <vxr/platform/graphics/path/Path.h>
 
 #include <cmath>
 

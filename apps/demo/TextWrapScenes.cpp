@@ -1,7 +1,7 @@
 #include "Scene.h"
 
 #include <vxr/geometry/VXRPolygon.h>
-#include <vxr/platform/graphics/Path.h>
+#include <vxr/platform/graphics/path/Path.h>
 #include <vxr/textwrap/VXRTextWrap.h>
 
 #include <cmath>

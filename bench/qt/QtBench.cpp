@@ -4,7 +4,7 @@
 
 #include <bench/Compare.h>
 
-#include <vxr/compositing/VXRCanvas.h>
+#include <vxr/compositing/canvas/VXRCanvas.h>
 #include <vxr/fills/VXRShadow.h>
 #include <vxr/geometry/Color.h>
 #include <vxr/platform/views/ScrollView.h>

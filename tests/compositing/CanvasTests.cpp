@@ -1,11 +1,11 @@
 #include <tests/compositing/LayerFakes.h>
 #include <tests/compositing/PageScene.h>
 
-#include <vxr/compositing/VXRBitmapRenderingQualityInfo.h>
-#include <vxr/compositing/VXRTransformableViewRenderable.h>
+#include <vxr/compositing/canvas/VXRBitmapRenderingQualityInfo.h>
+#include <vxr/compositing/canvas/VXRTransformableViewRenderable.h>
 #include <vxr/host/utility/VXULog.h>
-#include <vxr/platform/foundation/Exceptions.h>
-#include <vxr/platform/views/NotificationCenter.h>
+#include <vxr/platform/base/Exceptions.h>
+#include <vxr/platform/base/NotificationCenter.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 #include <tests/compositing/LayerFakes.h>
 
-#include <vxr/platform/foundation/Exceptions.h>
+#include <vxr/platform/base/Exceptions.h>
 #include <vxr/platform/views/View.h>
 
 #include <gmock/gmock.h>

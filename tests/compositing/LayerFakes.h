@@ -1,11 +1,11 @@
 #pragma once
 
-#include <vxr/compositing/VXRCompositorLayer.h>
+#include <vxr/compositing/layers/VXRCompositorLayer.h>
 #include <vxr/fills/VXRShadow.h>
 #include <vxr/geometry/Color.h>
 #include <vxr/geometry/TransformAdditions.h>
 #include <vxr/platform/graphics/GraphicsContext.h>
-#include <vxr/platform/views/LayerCompositor.h>
+#include <vxr/platform/graphics/pixels/LayerCompositor.h>
 #include <vxr/protocols/VXRCanvasRole.h>
 #include <vxr/protocols/VXRLayeredRenderable.h>
 

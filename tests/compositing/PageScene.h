@@ -1,6 +1,6 @@
 #pragma once
 
-#include <vxr/compositing/VXRCanvas.h>
+#include <vxr/compositing/canvas/VXRCanvas.h>
 #include <vxr/fills/VXRAngleGradient.h>
 #include <vxr/fills/VXRShadow.h>
 #include <vxr/geometry/Color.h>

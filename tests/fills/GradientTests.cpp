@@ -1,6 +1,6 @@
 #include <vxr/fills/VXRAngleGradient.h>
 #include <vxr/fills/VXRTransformGradient.h>
-#include <vxr/platform/foundation/Exceptions.h>
+#include <vxr/platform/base/Exceptions.h>
 #include <vxr/platform/graphics/Shading.h>
 
 #include <gmock/gmock.h>

@@ -3,7 +3,7 @@
 #include <vxr/geometry/Color.h>
 #include <vxr/host/archiving/VXACoder.h>
 #include <vxr/host/archiving/VXADecoder.h>
-#include <vxr/platform/foundation/Exceptions.h>
+#include <vxr/platform/base/Exceptions.h>
 
 #include <gmock/gmock.h>
 

@@ -1,6 +1,6 @@
 #include <tests/support/RecordingContext.h>
 #include <vxr/geometry/VXRContextUtilities.h>
-#include <vxr/platform/foundation/OptionalOperations.h>
+#include <vxr/platform/base/OptionalOperations.h>
 
 #include <gtest/gtest.h>
 

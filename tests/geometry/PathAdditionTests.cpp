@@ -4,8 +4,8 @@
 #include <vxr/geometry/PathAdditions.h>
 #include <vxr/geometry/VXRGeometry.h>
 #include <vxr/host/utility/VXULog.h>
-#include <vxr/platform/graphics/CairoContext.h>
 #include <vxr/platform/graphics/GraphicsContext.h>
+#include <vxr/platform/graphics/cairo/CairoContext.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

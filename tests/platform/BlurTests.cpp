@@ -1,4 +1,4 @@
-#include <vxr/platform/graphics/Blur.h>
+#include <vxr/platform/graphics/pixels/Blur.h>
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include <vxr/platform/graphics/ColorSpace.h>
+#include <vxr/platform/graphics/color/ColorSpace.h>
 
 #include <tests/platform/ProfileSupport.h>
 

@@ -1,8 +1,8 @@
 #pragma once
 
 #include <tests/support/PictureCompare.h>
-#include <vxr/platform/graphics/CairoContext.h>
 #include <vxr/platform/graphics/Shading.h>
+#include <vxr/platform/graphics/cairo/CairoContext.h>
 
 namespace vxr::test {
 

@@ -1,6 +1,6 @@
 #include <tests/platform/ContextTestSupport.h>
 #include <tests/support/PathBuilder.h>
-#include <vxr/platform/foundation/Exceptions.h>
+#include <vxr/platform/base/Exceptions.h>
 
 #include <functional>
 #include <limits>

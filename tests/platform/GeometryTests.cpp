@@ -1,4 +1,4 @@
-#include <vxr/platform/graphics/AffineTransform.h>
+#include <vxr/platform/graphics/values/AffineTransform.h>
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #include <tests/platform/ContextTestSupport.h>
 #include <tests/support/RecordingContext.h>
-#include <vxr/platform/foundation/Exceptions.h>
+#include <vxr/platform/base/Exceptions.h>
 #include <vxr/platform/graphics/GraphicsContext.h>
 
 namespace vxr::test {

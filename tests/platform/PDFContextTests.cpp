@@ -1,5 +1,5 @@
 #include <tests/platform/ContextTestSupport.h>
-#include <vxr/platform/foundation/Exceptions.h>
+#include <vxr/platform/base/Exceptions.h>
 #include <vxr/platform/graphics/Pattern.h>
 
 #include <gmock/gmock.h>

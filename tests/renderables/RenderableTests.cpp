@@ -3,7 +3,7 @@
 #include <vxr/geometry/Color.h>
 #include <vxr/host/animation/VXXTextureSession.h>
 #include <vxr/platform/graphics/GraphicsContext.h>
-#include <vxr/platform/graphics/Path.h>
+#include <vxr/platform/graphics/path/Path.h>
 #include <vxr/renderables/VXRRenderable.h>
 #include <vxr/renderables/VXRTextureSet.h>
 

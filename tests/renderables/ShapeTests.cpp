@@ -2,9 +2,9 @@
 #include <tests/support/PathBuilder.h>
 #include <vxr/fills/VXRShadow.h>
 #include <vxr/geometry/Color.h>
-#include <vxr/platform/foundation/Exceptions.h>
+#include <vxr/platform/base/Exceptions.h>
 #include <vxr/platform/graphics/GraphicsContext.h>
-#include <vxr/platform/views/LayerInfo.h>
+#include <vxr/platform/graphics/pixels/LayerInfo.h>
 #include <vxr/protocols/VXRShapePainter.h>
 #include <vxr/renderables/VXRLineEnd.h>
 #include <vxr/renderables/VXRRegularPolygon.h>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <vxr/platform/graphics/Path.h>
+#include <vxr/platform/graphics/path/Path.h>
 
 #include <cstdlib>
 #include <memory>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <vxr/platform/graphics/CairoContext.h>
 #include <vxr/platform/graphics/Image.h>
+#include <vxr/platform/graphics/cairo/CairoContext.h>
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
-#include <vxr/platform/graphics/LayerBlend.h>
-#include <vxr/platform/views/LayerCompositor.h>
+#include <vxr/platform/graphics/pixels/LayerBlend.h>
+#include <vxr/platform/graphics/pixels/LayerCompositor.h>
 
 #include <gtest/gtest.h>
 #include <pixman.h>

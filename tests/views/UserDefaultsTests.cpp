@@ -1,4 +1,4 @@
-#include <vxr/platform/views/UserDefaults.h>
+#include <vxr/platform/base/UserDefaults.h>
 
 #include <gtest/gtest.h>
 

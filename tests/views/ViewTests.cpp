@@ -1,6 +1,6 @@
-#include <vxr/platform/foundation/Exceptions.h>
+#include <vxr/platform/base/Exceptions.h>
+#include <vxr/platform/base/NotificationCenter.h>
 #include <vxr/platform/graphics/GraphicsContext.h>
-#include <vxr/platform/views/NotificationCenter.h>
 #include <vxr/platform/views/ScrollView.h>
 #include <vxr/platform/views/Window.h>
 

@@ -4,8 +4,8 @@
 
 #include <apps/demo/Scene.h>
 
-#include <vxr/platform/graphics/CairoContext.h>
 #include <vxr/platform/graphics/Image.h>
+#include <vxr/platform/graphics/cairo/CairoContext.h>
 
 #include <fmt/format.h>
 

@@ -3,7 +3,7 @@
 #include <apps/vxr/svg/Drawing.h>
 
 #include <vxr/geometry/Color.h>
-#include <vxr/platform/graphics/Path.h>
+#include <vxr/platform/graphics/path/Path.h>
 
 #include <memory>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <vxr/compositing/VXRCanvas.h>
+#include <vxr/compositing/canvas/VXRCanvas.h>
 
 namespace app {
 

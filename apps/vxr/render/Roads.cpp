@@ -4,7 +4,7 @@
 
 #include <apps/vxr/import/Convert.h>
 
-#include <vxr/platform/views/UserDefaults.h>
+#include <vxr/platform/base/UserDefaults.h>
 #include <vxr/platform/views/Window.h>
 
 #include <algorithm>

@@ -2,8 +2,8 @@
 
 #include <apps/vxr/import/Import.h>
 
-#include <vxr/platform/graphics/CairoContext.h>
 #include <vxr/platform/graphics/Image.h>
+#include <vxr/platform/graphics/cairo/CairoContext.h>
 
 #include <optional>
 

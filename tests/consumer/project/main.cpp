@@ -1,8 +1,8 @@
 #include <vxr/fills/VXRShadow.h>
 #include <vxr/geometry/Color.h>
-#include <vxr/platform/graphics/CairoContext.h>
 #include <vxr/platform/graphics/GraphicsContext.h>
 #include <vxr/platform/graphics/Image.h>
+#include <vxr/platform/graphics/cairo/CairoContext.h>
 #include <vxr/renderables/VXRShape.h>
 #include <vxr/strokes/VXRStroke.h>
 

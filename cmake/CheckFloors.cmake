@@ -1,0 +1,38 @@
+# Run by the build before a folder of the library is compiled:
+#   cmake -DROOT=... -DFOLDER=geometry -DUSES=protocols;... -DBACKENDS=CAIRO;... -DFILES=a.h;b.cpp -DSTAMP=... -P CheckFloors.cmake
+# Stops when a file includes a header of the library, or of a back end, that its folder does not list.
+cmake_minimum_required(VERSION 3.25)
+set(errors "")
+
+# The headers that only a folder with this back end may include.
+set(headers_CAIRO "^cairo")
+set(headers_PIXMAN "^pixman")
+set(headers_LCMS "^lcms2")
+set(headers_PNG "^png")
+set(headers_CLIPPER "^polyclipping/|^clipper")
+set(headers_XML "^libxml")
+
+foreach(file IN LISTS FILES)
+  file(STRINGS "${ROOT}/${FOLDER}/${file}" lines REGEX "^[ \t]*#[ \t]*include")
+  foreach(line IN LISTS lines)
+    if(line MATCHES "include[ \t]*\"")
+      string(APPEND errors "src/vxr/${FOLDER}/${file}: write ${line} as <vxr/FOLDER/File.h>\n")
+    elseif(line MATCHES "<vxr/(.+)/[^/]+>")
+      set(used "${CMAKE_MATCH_1}")
+      if(NOT used STREQUAL FOLDER AND NOT used IN_LIST USES)
+        string(APPEND errors "src/vxr/${FOLDER}/${file} includes ${used}, which ${FOLDER} does not list under USES\n")
+      endif()
+    elseif(line MATCHES "<([^>]+)>")
+      set(header "${CMAKE_MATCH_1}")
+      foreach(backend CAIRO PIXMAN LCMS PNG CLIPPER XML)
+        if(header MATCHES "${headers_${backend}}" AND NOT backend IN_LIST BACKENDS)
+          string(APPEND errors "src/vxr/${FOLDER}/${file} includes ${header} without ${backend} under BACKENDS\n")
+        endif()
+      endforeach()
+    endif()
+  endforeach()
+endforeach()
+if(errors)
+  message(FATAL_ERROR "${errors}")
+endif()
+file(TOUCH "${STAMP}")

@@ -1,0 +1,324 @@
+#include <vxr/compositing/canvas/VXRCanvas.h>
+
+#include <vxr/compositing/canvas/CanvasDamage.h>
+#include <vxr/compositing/canvas/VXRBitmapRenderingQualityInfo.h>
+#include <vxr/compositing/canvas/VXRTransformableViewRenderable.h>
+#include <vxr/compositing/layers/VXRCompositorLayer.h>
+#include <vxr/geometry/Color.h>
+#include <vxr/geometry/TransformAdditions.h>
+#include <vxr/geometry/VXRGeometry.h>
+#include <vxr/host/utility/VXULog.h>
+#include <vxr/platform/base/NotificationCenter.h>
+#include <vxr/platform/base/UserDefaults.h>
+#include <vxr/platform/graphics/GraphicsContext.h>
+#include <vxr/platform/views/ScrollView.h>
+#include <vxr/platform/views/Window.h>
+#include <vxr/renderables/VXRRenderable.h>
+
+#include <algorithm>
+
+namespace vxr {
+
+using namespace canvasdamage;
+
+VXRCanvas::VXRCanvas(const Rect& frame)
+    : VXRSubviewAbsolverView(frame)
+    , _backgroundColor(Color::whiteColor())
+{
+    if (UserDefaults::standardUserDefaults().boolForKey("VXRAcceleratedCanvas"))
+        setAccelerated(true);
+}
+
+VXRCanvas::~VXRCanvas()
+{
+    for (VXRRenderable* renderable : mRegisteredRenderables.allObjects())
+        renderable->setCanvas(nullptr);
+    NotificationCenter::defaultCenter().removeObserver(this);
+}
+
+const VXRCanvas::RenderableList& VXRCanvas::objectsToRender() const
+{
+    static const RenderableList none;
+    return none;
+}
+
+// Settings.
+
+void VXRCanvas::setUsesCompositor(bool uses)
+{
+    _usesCompositor = uses;
+    ScrollView* scrollView = enclosingScrollView();
+    if (uses) {
+        setRenderingDestination(VXRDestinationCompositor);
+        if (scrollView)
+            scrollView->contentView().setCopiesOnScroll(false);
+        for (const auto& renderable : objectsToRender())
+            renderable->invalidate();
+    } else {
+        setRenderingDestination(VXRDestinationDirect);
+        if (scrollView)
+            scrollView->contentView().setCopiesOnScroll(true);
+        setAccelerated(false);
+    }
+}
+
+int VXRCanvas::renderingDestination() const
+{
+    return GraphicsContext::currentContextDrawingToScreen() ? _destination : VXRDestinationNonScreen;
+}
+
+VXRBitmapRenderingQualityInfo* VXRCanvas::bitmapRenderingQualityInfo() const
+{
+    return mBitmapRenderingQualityInfo.get();
+}
+
+void VXRCanvas::setAccelerated(bool accelerated)
+{
+    mAccelerated = false;
+    if (accelerated)
+        VXULog_Fn(VXULogLevelWarning, __FILE__, "WARNING, no accelerated road is built in.");
+}
+
+// Registration.
+
+void VXRCanvas::registerRenderable(VXRRenderable& renderable)
+{
+    mRegisteredRenderables.addObject(renderable);
+}
+
+void VXRCanvas::unregisterRenderable(VXRRenderable& renderable)
+{
+    mRegisteredRenderables.removeObject(renderable);
+}
+
+// Scale.
+
+void VXRCanvas::setScaleScrollingToMaintainCenter(float scale, bool keepCenter)
+{
+    const double ratio = 1.0 / double(_scale) * double(scale);
+    const float old = _scale;
+    if (isAccelerated() && window() && window()->isVisible())
+        disableScreenUpdates();
+    const Point center = VXRCenterOfRect(visibleRect());
+    _scale = scale;
+    scaleUnitSquareToSize({ float(ratio), float(ratio) });
+    if (!keepCenter) {
+        setNeedsDisplay(true);
+        return;
+    }
+    const auto scaled
+        = [&](float length) { return float(double(length) * (1.0 / double(old)) * double(scale)); };
+    const Size size { scaled(frame().size.width), scaled(frame().size.height) };
+    if (size != frame().size)
+        setFrameSize(size);
+    const Size seen = visibleRect().size;
+    scrollPoint({ center.x - seen.width * 0.5f, center.y - seen.height * 0.5f });
+    setNeedsDisplay(true);
+}
+
+// Damage.
+
+void VXRCanvas::setNeedsDisplayInRect(const Rect& rect)
+{
+    // Far zoomed out, the slack of what is erased is less than what a layer's place is rounded by.
+    const float missing = usesCompositor() ? placementSlack / _scale - erasingSlack : 0;
+    View::setNeedsDisplayInRect(missing > 0 && !rect.isEmpty() ? insetRect(rect, -missing, -missing) : rect);
+}
+
+void VXRCanvas::invalidateRenderableInRect(VXRRenderable&, const Rect& rect)
+{
+    if (usesCompositor() && !rect.isEmpty())
+        View::setNeedsDisplayInRect(insetRect(rect, -placementSlack / _scale, -placementSlack / _scale));
+}
+
+/// What is drawn is chosen by bounds, and the edges of a renderable reach a little beyond them; so more
+/// is drawn than is dirty, and only the dirty pixels are kept.
+Rect VXRCanvas::rectToDrawForDirtyRect(const Rect& dirty) const
+{
+    const float slack = erasingSlack + placementSlack / _scale;
+    return insetRect(dirty, -slack, -slack);
+}
+
+/// A composite needs no more than what comes into sight: every layer is put at whole pixels from the corner
+/// of what is seen. One whose place now rounds the other way is composited anew.
+bool VXRCanvas::keepsPixelsOnScroll(const Rect& seenBefore)
+{
+    if (!usesCompositor())
+        return false;
+    const Rect seen = clipViewVisibleRect();
+    const float slack = placementSlack / _scale;
+    const float dx = VXRRound((seenBefore.origin.x - seen.origin.x) * _scale);
+    const float dy = VXRRound((seenBefore.origin.y - seen.origin.y) * _scale);
+    for (const auto& renderable : objectsToRender()) {
+        const Rect bounds = renderable->alignmentBounds();
+        const Point before = VXRCompositorLayer::placeOfLayer(bounds, seenBefore, _scale, isFlipped());
+        const Point now = VXRCompositorLayer::placeOfLayer(bounds, seen, _scale, isFlipped());
+        if (now == Point { before.x + dx, before.y + dy })
+            continue;
+        View::setNeedsDisplayInRect(insetRect(renderable->erasableBounds(), -slack, -slack));
+    }
+    return true;
+}
+
+void VXRCanvas::_propagateDirtyRectsToOpaqueAncestors()
+{
+    const Rect visible = visibleRect();
+    std::vector<std::shared_ptr<View>> left = subviews();
+    static const RenderableList none;
+    for (const auto& renderable : left.empty() ? none : objectsToRender()) {
+        View* view = renderable->view();
+        auto* hosting = view ? dynamic_cast<VXRTransformableViewRenderable*>(renderable.get()) : nullptr;
+        if (!hosting)
+            continue;
+        const Rect dirty = view->unionDirtyRects();
+        std::erase_if(left, [view](const auto& subview) { return subview.get() == view; });
+        if (dirty.isEmpty())
+            continue;
+        const Rect inCanvas = convertRectFromView(dirty, view);
+        if (!rectsIntersect(inCanvas, visible)) {
+            view->setNeedsDisplay(false);
+            continue;
+        }
+        const Rect local = convertRectToView(hosting->shadowBoundsForRect(inCanvas), view);
+        disablePosting();
+        setNeedsDisplayInRect(boundsOfTransformedRect(hosting->transform(), local));
+        enablePosting();
+        hosting->setViewShouldRender(true);
+    }
+    for (const auto& subview : left)
+        subview->setNeedsDisplay(false);
+    View::_propagateDirtyRectsToOpaqueAncestors();
+}
+
+/// Layers are placed from its corner, and so is what a composite locks.
+Rect VXRCanvas::clipViewVisibleRect() const
+{
+    const ScrollView* scrollView = enclosingScrollView();
+    if (!scrollView)
+        return visibleRect();
+    const ClipView& clipView = scrollView->contentView();
+    return convertRectFromView(clipView.bounds(), &clipView);
+}
+
+// The window.
+
+void VXRCanvas::viewWillMoveToWindow(Window* window) { _registerForWindowNotifications(window); }
+
+void VXRCanvas::viewDidMoveToWindow()
+{
+    // The clip view is known only now.
+    if (ScrollView* scrollView = window() ? enclosingScrollView() : nullptr)
+        scrollView->contentView().setCopiesOnScroll(!usesCompositor());
+}
+
+void VXRCanvas::_registerForWindowNotifications(Window* newWindow)
+{
+    NotificationCenter& center = NotificationCenter::defaultCenter();
+    const auto observe = [&](const char* name, void (VXRCanvas::*handler)(const Notification&)) {
+        center.addObserver(
+            this, name, newWindow, [this, handler](const Notification& n) { (this->*handler)(n); });
+    };
+    if (newWindow && isAccelerated()) {
+        observe(NSWindowWillMiniaturizeNotification, &VXRCanvas::windowWillMiniaturize);
+        observe(NSWindowDidDeminiaturizeNotification, &VXRCanvas::windowDidDeminiaturize);
+        observe(NSWindowWillCloseNotification, &VXRCanvas::windowWillClose);
+        return;
+    }
+    if (!window())
+        return;
+    for (const char* name : { NSWindowWillMiniaturizeNotification, NSWindowDidDeminiaturizeNotification,
+             NSWindowWillCloseNotification })
+        center.removeObserver(this, name, window());
+}
+
+void VXRCanvas::windowWillMiniaturize(const Notification& notification)
+{
+    if (isStatic() || !window() || notification.object != window())
+        return;
+    disableScreenUpdates();
+    _buildMinimizedImage();
+    display();
+    enableScreenUpdatesIfNeeded();
+}
+
+void VXRCanvas::windowDidDeminiaturize(const Notification& notification)
+{
+    if (!window() || notification.object != window())
+        return;
+    disableScreenUpdates();
+    mMinimizedImage = nullptr;
+    enableScreenUpdatesIfNeeded();
+}
+
+void VXRCanvas::disableScreenUpdates()
+{
+    if (mScreenUpdatesDisabled || !window())
+        return;
+    mScreenUpdatesDisabled = true;
+    window()->disableScreenUpdates();
+}
+
+void VXRCanvas::enableScreenUpdatesIfNeeded()
+{
+    if (!mScreenUpdatesDisabled || !window())
+        return;
+    mScreenUpdatesDisabled = false;
+    window()->enableScreenUpdates();
+}
+
+void VXRCanvas::_buildMinimizedImage()
+{
+    if (mMinimizedImage)
+        return;
+    const Size seen = visibleRect().size;
+    mMinimizedImage
+        = imageRepFromFrame({ 0, 0, VXRRound(_scale * seen.width), VXRRound(_scale * seen.height) });
+}
+
+std::shared_ptr<const Image> VXRCanvas::imageRepFromFrame(const Rect& pixels)
+{
+    const int x = int(pixels.origin.x), y = int(pixels.origin.y);
+    const int wide = int(pixels.size.width), high = int(pixels.size.height);
+    if (!window() || wide <= 0 || high <= 0)
+        return nullptr;
+    const Rect seen = convertRectToWindow(visibleRect());
+    const int left = int(seen.origin.x) + x;
+    const int top = window()->height() - (int(seen.origin.y) + y + high);
+    std::vector<std::uint8_t> bytes(std::size_t(wide) * std::size_t(high) * 4);
+    for (int row = 0; row < high; ++row) {
+        for (int column = 0; column < wide; ++column) {
+            const int px = left + column, py = top + row;
+            const bool inside = px >= 0 && py >= 0 && px < window()->width() && py < window()->height();
+            const std::uint32_t pixel
+                = inside ? window()->pixels()[std::ptrdiff_t(py) * window()->width() + px] : 0;
+            std::uint8_t* out
+                = bytes.data() + (std::size_t(row) * std::size_t(wide) + std::size_t(column)) * 4;
+            out[0] = std::uint8_t(pixel >> 16);
+            out[1] = std::uint8_t(pixel >> 8);
+            out[2] = std::uint8_t(pixel);
+            out[3] = 255;
+        }
+    }
+    ImageLayout layout;
+    layout.width = wide;
+    layout.height = high;
+    layout.bytesPerRow = std::size_t(wide) * 4;
+    layout.alpha = AlphaFormat::PremultipliedLast;
+    return Image::createWithCopy(layout, bytes.data(), bytes.size());
+}
+
+// The off-screen canvas.
+
+void VXROffscreenCanvas::setRenderable(std::shared_ptr<VXRRenderable> renderable)
+{
+    mRenderable.clear();
+    if (renderable)
+        mRenderable.push_back(std::move(renderable));
+}
+
+std::shared_ptr<VXRRenderable> VXROffscreenCanvas::renderable() const
+{
+    return mRenderable.empty() ? nullptr : mRenderable.front();
+}
+
+} // namespace vxr

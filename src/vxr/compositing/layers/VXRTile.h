@@ -1,0 +1,127 @@
+#pragma once
+
+#include <vxr/platform/base/Object.h>
+#include <vxr/platform/graphics/cairo/CairoContext.h>
+#include <vxr/platform/graphics/pixels/LayerInfo.h>
+
+#include <vector>
+
+namespace vxr {
+
+class VXRCompositorLayer;
+class VXRShadow;
+class VXRTexture;
+struct TileBox;
+
+/// Sides of a tile at which its shadow is cut, because another tile of the grid goes on there.
+enum VXRTileSide : int {
+    VXRTileSideTop = 1,
+    VXRTileSideBottom = 2,
+    VXRTileSideLeft = 4,
+    VXRTileSideRight = 8,
+};
+
+/// One piece of a compositor layer's pixels: the content that casts the shadow, the content that does
+/// not, and the shadow as a mask.
+///
+/// Its bitmaps have a margin on every side, the shadow buffer. On the outer sides of a layer the margin
+/// holds what sticks out of the alignment bounds (smooth edges, joins) and room for the blur; towards
+/// another tile it repeats what that tile shows, so that the shadow near the seam is blurred from
+/// everything that is there, and only the tile's own square of it is shown.
+class VXR_EXPORT VXRTile final : public Object {
+public:
+    /// Side of the squares that a large layer is split into, in pixels: the user default
+    /// "VXRenderingTileSize" if it lies between 1 and 2048, else 1024. Read once.
+    static int tileSize();
+    /// As the user default's value gives it.
+    static int tileSizeForDefaultsValue(int value);
+
+    static std::shared_ptr<VXRTile> tileWithLayer(VXRCompositorLayer&); ///< as large as the layer
+    static std::shared_ptr<VXRTile> fixedTileWithLayerZoom(VXRCompositorLayer&, float zoom);
+    ~VXRTile() override;
+
+    int index() const { return mIndex; } ///< in the layer's grid, row by row
+    void setIndex(int index) { mIndex = index; }
+    bool isDirty() const { return mDirty; } ///< none of its pixels is worth keeping
+    void setDirty(bool dirty) { mDirty = dirty; }
+    float zoom() const { return mZoom; }
+    void setZoom(float zoom) { mZoom = zoom; }
+
+    /// The scaled area that a layer-sized tile shows; a fixed tile keeps its size. The pixels are dropped
+    /// when the size or the margin that the renderable's shadow needs has changed.
+    void setArea(const Rect& scaled);
+    Size areaSize() const; ///< in pixels, margin not counted
+    int pixelsWide() const { return mWide; } ///< margin included
+    int pixelsHigh() const { return mHigh; }
+    Size shadowBuffer() const { return { float(mMargin), float(mMargin) }; }
+    /// How far beyond the alignment bounds something may be drawn, in pixels.
+    int overflow() const { return mOverflow; }
+    std::size_t byteSize() const; ///< memory of all bitmaps
+
+    // Drawing. The contexts are made on first use; y up, one unit one pixel, margin included.
+    Context& shadowedContext();
+    Context& shadowlessContext();
+    bool isShadowlessContextFresh() const { return mShadowless.pixels.empty(); }
+    void freeShadowlessData();
+    /// Looks at what has been drawn and blurs it into the shadow's mask; none drops the mask.
+    void buildShadow(const std::shared_ptr<VXRShadow>&);
+    void setShadowClip(int sides) { mShadowClip = sides; } ///< bits of `VXRTileSide`
+    void finishUpdate(); ///< lets go of the contexts, keeps the pixels
+
+    // What is blended. Valid until the next call or change of the tile; none where there is nothing.
+    void offsetTo(Point upperLeft) { mPosition = upperLeft; } ///< pixels from the visible area's
+    LayerInfo* layerInfo();
+    LayerInfo* shadowInfo();
+    LayerInfo* shadowlessInfo();
+
+    // Nothing presents textures; the layer asks all the same.
+    VXRTexture* texture() const { return nullptr; }
+    VXRTexture* shadowTexture() const { return nullptr; }
+    VXRTexture* shadowlessTexture() const { return nullptr; }
+    void clearTextures() { }
+    void updateTextures() { }
+    void waitForPendingTextureCommands() { }
+
+    /// In pixels from the tile's upper left corner. What lies outside is transparent; the shadow doesn't
+    /// count.
+    bool pixelIsTransparent(Point) const;
+    bool rectIsTransparent(const Rect&) const;
+
+    struct Key { }; ///< keeps the constructor for the class's own use
+    VXRTile(Key, VXRCompositorLayer&, float zoom, bool fixed);
+
+private:
+    /// One bitmap of the tile.
+    struct Plane {
+        std::vector<std::uint32_t> pixels;
+        std::shared_ptr<CairoContext> context;
+        LayerInfo info;
+        int inkX0 = 0, inkY0 = 0, inkX1 = 0, inkY1 = 0; ///< encloses all that is not transparent
+        int opaqueX0 = 0, opaqueY0 = 0, opaqueX1 = 0, opaqueY1 = 0;
+    };
+
+    void resize(int wide, int high);
+    Context& contextOf(Plane&);
+    void examine(Plane&);
+    TileBox shownBox() const;
+    LayerInfo* infoOf(Plane&);
+    float shadowScale() const;
+    int neededMargin() const;
+
+    VXRCompositorLayer& mLayer;
+    int mIndex = 0;
+    bool mFixed;
+    bool mDirty = true;
+    float mZoom;
+    int mAreaWide = 0, mAreaHigh = 0;
+    int mOverflow = 0, mMargin = 0;
+    int mWide = 0, mHigh = 0;
+    Plane mShadowed, mShadowless;
+    Point mPosition;
+    int mShadowClip = 0;
+    std::vector<std::uint8_t> mMask; ///< the blurred coverage
+    int mMaskX = 0, mMaskY = 0, mMaskWide = 0, mMaskHigh = 0; ///< its place in the bitmap
+    LayerInfo mShadowInfo;
+};
+
+} // namespace vxr

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <vxr/fills/VXRGradient.h>
+#include <vxr/platform/graphics/values/AffineTransform.h>
+
+namespace vxr {
+
+/// A gradient from one point to another, placed by a transform of its own. Drawn from its shading, so
+/// that every stop and the radial type count: a radial one has its centre at the start point and reaches
+/// the end point.
+class VXR_EXPORT VXRTransformGradient : public VXRGradient {
+public:
+    VXRTransformGradient(); ///< without stops: for copying and reading
+    VXRTransformGradient(std::shared_ptr<Color> startColor, std::shared_ptr<Color> endColor, int type);
+    ~VXRTransformGradient() override;
+
+    static std::shared_ptr<VXRTransformGradient> linearGradientWithStartColorEndColor(
+        std::shared_ptr<Color> startColor, std::shared_ptr<Color> endColor);
+    static std::shared_ptr<VXRTransformGradient> radialGradientWithStartColorEndColor(
+        std::shared_ptr<Color> startColor, std::shared_ptr<Color> endColor);
+
+    // The axis. In shapes it is given in their local frame, under the transform.
+    Point startPoint() const { return _start; }
+    void setStartPoint(Point start) { _start = start; }
+    Point endPoint() const { return _end; }
+    void setEndPoint(Point end) { _end = end; }
+    const AffineTransform& transform() const { return _transform; }
+    void setTransform(const AffineTransform& transform) { _transform = transform; }
+
+    void paintShape(VXRPaintedShape& shape) override;
+    void paintRect(const Rect& rect) override;
+
+    bool isEqual(const Object& other) const override; ///< equal gradients, points and transforms
+    std::shared_ptr<VXRGradient> copyWithZone() const override;
+
+private:
+    void drawAlongAxis(Context& context) const;
+
+    Point _start;
+    Point _end;
+    AffineTransform _transform;
+};
+
+} // namespace vxr

@@ -1,0 +1,169 @@
+#pragma once
+
+#include <vxr/platform/graphics/color/ColorSpace.h>
+#include <vxr/platform/graphics/path/Path.h>
+
+#include <span>
+
+namespace vxr {
+
+class Image;
+class Pattern;
+class Shading;
+
+/// The numbers are part of the contract.
+enum class CompositeOperation : int { Clear = 0, Copy = 1, SourceOver = 2 };
+enum class InterpolationQuality : int { Default = 0, None = 1, Low = 2, High = 3 };
+
+/// Direct access to the pixels under a context, between `lock` and `unlock`.
+class VXR_EXPORT PixelAccess {
+public:
+    virtual bool lock() = 0; ///< false when the pixels can't be reached now
+    virtual void unlock() = 0;
+    /// Maps the context's base space to the space of the surface that the pixels are part of, y up.
+    virtual AffineTransform transform() const = 0;
+    virtual std::uint8_t* pixels() const = 0; ///< top row first; valid while locked
+    virtual std::size_t bytesPerRow() const = 0;
+    virtual int width() const = 0;
+    virtual int height() const = 0;
+
+protected:
+    ~PixelAccess() = default;
+};
+
+/// The library's whole view of a 2D engine.
+///
+/// Default user space has its origin at the lower left, y up, one unit one pixel (one point on paper).
+/// `drawImage` puts an image's first row at the rectangle's largest y. Saved and restored state:
+/// transform, clip, fill and stroke colour or pattern, line style, flatness, alpha, compositing
+/// operation, antialiasing, interpolation quality range and shadow. The current path is not part of it.
+///
+/// What can't be drawn (a singular transform, coordinates that are not numbers) draws nothing and leaves
+/// the context usable. Coordinates beyond the engine's range are clipped to what can be seen first.
+class VXR_EXPORT Context {
+public:
+    virtual ~Context();
+    Context(const Context&) = delete;
+    Context& operator=(const Context&) = delete;
+
+    // State.
+    virtual void saveState() = 0;
+    virtual void restoreState() = 0; ///< does nothing without a matching save
+    /// Saves and begun transparency layers that are still open; 0 where nobody counts.
+    virtual std::size_t stateDepth() const { return 0; }
+    /// Restores states, and drops unfinished layers with what is in them, until no more than `depth` are
+    /// open: for whoever goes on after drawing that failed.
+    virtual void unwindToDepth(std::size_t) { }
+
+    // Transform. The base transform maps default user space to device space and is kept apart; the
+    // current one maps user space to device space, base included.
+    virtual AffineTransform currentTransform() const = 0;
+    virtual AffineTransform baseTransform() const = 0;
+    /// Replaces the base and starts the current transform from it. For whoever sets a context up.
+    virtual void setBaseTransform(const AffineTransform&) = 0;
+    virtual void concatTransform(const AffineTransform&) = 0; ///< applies before the current transform
+    void translate(float dx, float dy) { concatTransform(AffineTransform::makeTranslation(dx, dy)); }
+    void scale(float sx, float sy) { concatTransform(AffineTransform::makeScale(sx, sy)); }
+    void rotate(float radians) { concatTransform(AffineTransform::makeRotation(radians)); }
+
+    // Current path, in the user space in force while each point is added.
+    void beginPath();
+    void moveTo(Point);
+    void lineTo(Point);
+    void curveTo(Point control1, Point control2, Point end);
+    void closePath();
+    void addRect(const Rect&);
+    void addPath(const Path&); ///< elements only
+    /// The outline of the stroked current path takes its place, with the context's line style.
+    void replacePathWithStrokedPath();
+    void clip(WindingRule); ///< intersects the clip with the current path and empties it
+    void fillPath(WindingRule); ///< fills the current path and empties it
+    void strokePath(); ///< strokes the current path with the context's line style and empties it
+
+    // Whole paths. Neither uses the current path.
+    virtual void clipToPath(const Path&, WindingRule) = 0;
+    virtual void clipToRect(const Rect&) = 0;
+    virtual Rect clipBounds() const = 0; ///< in user space; the zero rectangle when nothing can be seen
+    virtual void fillPath(const Path&, WindingRule) = 0;
+    virtual void strokePath(const Path&, const LineStyle&) = 0;
+    virtual void fillRect(const Rect&) = 0;
+    virtual void clearRect(const Rect&) = 0; ///< makes the pixels transparent, whatever the operation
+
+    // Style.
+    virtual void setFillColor(const ColorValue&) = 0;
+    virtual void setStrokeColor(const ColorValue&) = 0;
+    virtual void setFillPattern(std::shared_ptr<const Pattern>, float alpha) = 0;
+    virtual void setStrokePattern(std::shared_ptr<const Pattern>, float alpha) = 0;
+    virtual const LineStyle& lineStyle() const = 0; ///< used by strokePath() and the stroked outline
+    virtual void setLineStyle(const LineStyle&) = 0;
+    virtual float flatness() const = 0;
+    virtual void setFlatness(float devicePixels) = 0;
+    virtual void setAlpha(float alpha) = 0; ///< multiplies every drawing operation's own alpha
+    virtual void setCompositeOperation(CompositeOperation) = 0;
+    virtual void setShouldAntialias(bool) = 0;
+    virtual void setInterpolationQualityRange(InterpolationQuality least, InterpolationQuality most) = 0;
+    void setInterpolationQuality(InterpolationQuality quality)
+    {
+        setInterpolationQualityRange(quality, quality);
+    }
+
+    /// Every following operation, or transparency layer as a whole, casts a shadow. Offset and blur are
+    /// in base space, neither turned nor scaled by the current transform. The blur ends `blur` away from
+    /// what casts it: a Gaussian of standard deviation blur / 3.
+    virtual void setShadow(Size offset, float blur, const ColorValue&) = 0;
+    virtual void clearShadow() = 0;
+
+    // Transparency layers nest. What is drawn between the two calls is composed as one object, with the
+    // alpha, operation and shadow in force at the begin; inside, alpha is 1 and there is no shadow.
+    // The begin saves the state and the end restores it.
+    virtual void beginTransparencyLayer() = 0;
+    virtual void endTransparencyLayer() = 0; ///< does nothing without a matching begin
+    /// Lets layers extend to the left and right edges of a rectangle of device space, though nothing is seen
+    /// beyond the clip. A rasteriser may cut outlines where they leave a layer, and rows with such a cut come
+    /// out a level or two different; a layer that reaches far enough looks the same whatever part is seen.
+    /// Part of the state; within a layer there is none.
+    virtual void setLayerReach(const Rect&) { }
+
+    // Images and shadings.
+    virtual void drawImage(const Rect&, const Image&) = 0;
+    virtual void drawShading(const Shading&) = 0; ///< fills the clip
+
+    virtual PixelAccess* pixelAccess() { return nullptr; } ///< none when the context has no pixels
+
+protected:
+    Context();
+
+    const Path& currentPath() const { return mPath; }
+
+private:
+    void alignPathToTransform(); ///< re-expresses the path's points in the present user space
+    Point alignedPoint(Point p); ///< a point of the present user space in that of the path
+
+    Path mPath;
+    AffineTransform mPathTransform; ///< current transform in which mPath's points are given
+};
+
+/// Saves a context's state and restores it at the end of the scope. What drawing that failed has left open is
+/// closed, and what it has drawn into layers is lost.
+class StateSaver {
+public:
+    explicit StateSaver(Context& context)
+        : mContext(context)
+        , mDepth(context.stateDepth())
+    {
+        mContext.saveState();
+    }
+    ~StateSaver()
+    {
+        mContext.unwindToDepth(mDepth + 1);
+        mContext.restoreState();
+    }
+    StateSaver(const StateSaver&) = delete;
+    StateSaver& operator=(const StateSaver&) = delete;
+
+private:
+    Context& mContext;
+    std::size_t mDepth;
+};
+
+} // namespace vxr

@@ -1,0 +1,94 @@
+#include <vxr/platform/graphics/ImageImpl.h>
+
+#include <cstring>
+
+namespace vxr {
+
+int ImageLayout::bytesPerPixel() const
+{
+    return (space ? space->componentCount() : 3) + (alpha == AlphaFormat::None ? 0 : 1);
+}
+
+ImageLayout ImageLayout::nativeARGB(int width, int height, std::size_t bytesPerRow)
+{
+    return { width, height, bytesPerRow, AlphaFormat::PremultipliedFirst, true, ColorSpace::deviceRGB(),
+        false };
+}
+
+bool isPossibleLayout(const ImageLayout& layout, std::size_t size)
+{
+    if (layout.width < 1 || layout.height < 1 || layout.width > maxImageSide || layout.height > maxImageSide)
+        return false;
+    if (layout.alpha < AlphaFormat::None || layout.alpha > AlphaFormat::NoneSkipFirst)
+        return false;
+    if (layout.nativeOrder && layout.bytesPerPixel() != 4)
+        return false;
+    const std::size_t row = static_cast<std::size_t>(layout.width) * layout.bytesPerPixel();
+    if (layout.bytesPerRow < row || size < row)
+        return false;
+    // The last row may end with its last pixel.
+    return (size - row) / layout.bytesPerRow >= static_cast<std::size_t>(layout.height) - 1;
+}
+
+Image::Impl::Impl(
+    const ImageLayout& imageLayout, const std::uint8_t* imagePixels, std::shared_ptr<const void> pixelOwner)
+    : layout(imageLayout)
+    , pixels(imagePixels)
+    , owner(std::move(pixelOwner))
+{
+}
+
+Image::Impl::~Impl()
+{
+    cairo_surface_destroy(mSurface); // null is allowed
+    for (cairo_surface_t* thinned : mThinned)
+        cairo_surface_destroy(thinned);
+}
+
+Image::Image(std::unique_ptr<Impl> impl)
+    : mImpl(std::move(impl))
+{
+}
+
+Image::~Image() = default;
+
+std::shared_ptr<const Image> Image::createWithCopy(
+    const ImageLayout& layout, const void* pixels, std::size_t size)
+{
+    if (!pixels || !isPossibleLayout(layout, size))
+        return nullptr;
+    const std::size_t used = layout.bytesPerRow * (static_cast<std::size_t>(layout.height) - 1)
+        + static_cast<std::size_t>(layout.width) * layout.bytesPerPixel();
+    auto copy = std::make_shared_for_overwrite<std::uint8_t[]>(used);
+    std::memcpy(copy.get(), pixels, used);
+    const std::uint8_t* data = copy.get();
+    return create(layout, data, used, std::shared_ptr<const void>(std::move(copy), data));
+}
+
+std::shared_ptr<const Image> Image::create(
+    const ImageLayout& layout, const void* pixels, std::size_t size, std::shared_ptr<const void> owner)
+{
+    if (!pixels || !isPossibleLayout(layout, size))
+        return nullptr;
+    return std::make_shared<Image>(
+        std::make_unique<Impl>(layout, static_cast<const std::uint8_t*>(pixels), std::move(owner)));
+}
+
+int Image::width() const { return mImpl->layout.width; }
+
+int Image::height() const { return mImpl->layout.height; }
+
+const ImageLayout& Image::layout() const { return mImpl->layout; }
+
+const std::uint8_t* Image::pixels() const { return mImpl->pixels; }
+
+bool Image::isOpaque() const
+{
+    const AlphaFormat alpha = mImpl->layout.alpha;
+    return alpha == AlphaFormat::None || alpha == AlphaFormat::NoneSkipLast
+        || alpha == AlphaFormat::NoneSkipFirst;
+}
+
+void Image::prepare() const { mImpl->surface(); }
+
+} // namespace vxr

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <vxr/platform/base/Object.h>
+#include <vxr/platform/graphics/values/AffineTransform.h>
+
+#include <functional>
+
+namespace vxr {
+
+class Context;
+
+/// A coloured cell drawn by a callback and repeated at exact, possibly fractional steps.
+///
+/// The cell's space is mapped by `matrix` into the context's base space, not its current space.
+class VXR_EXPORT Pattern final : public Object {
+public:
+    using Draw = std::function<void(Context&)>;
+
+    /// `cell` is what the callback may paint; steps are in cell space and not zero.
+    Pattern(const Rect& cell, const AffineTransform& matrix, float xStep, float yStep, Draw draw);
+    ~Pattern() override;
+
+    const Rect& cell() const { return mCell; }
+    const AffineTransform& matrix() const { return mMatrix; }
+    float xStep() const { return mXStep; }
+    float yStep() const { return mYStep; }
+    void drawCell(Context& context) const { mDraw(context); }
+
+    std::shared_ptr<void>& backendCache() const { return mBackendCache; } ///< the back end's recorded cell
+
+private:
+    Rect mCell;
+    AffineTransform mMatrix;
+    float mXStep, mYStep;
+    Draw mDraw;
+    mutable std::shared_ptr<void> mBackendCache;
+};
+
+} // namespace vxr

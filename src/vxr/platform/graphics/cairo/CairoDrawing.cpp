@@ -1,0 +1,328 @@
+#include <vxr/platform/graphics/Image.h>
+#include <vxr/platform/graphics/cairo/CairoImpl.h>
+#include <vxr/platform/graphics/cairo/CairoPathClip.h>
+
+#include <bit>
+#include <cmath>
+
+namespace vxr {
+
+namespace {
+
+/// cairo keeps 24 bits before the binary point and wraps beyond; this leaves room for its own sums.
+constexpr double engineRange = 1e6;
+
+/// The largest magnitude among the coordinates; infinity or NaN when one is not a finite number. The
+/// bits of floats without their sign order like the numbers, with infinity and NaN above all.
+float largestMagnitude(std::span<const Point> points)
+{
+    std::uint32_t largest = 0;
+    for (const Point p : points) {
+        const std::uint32_t x = std::bit_cast<std::uint32_t>(p.x) & 0x7fffffffu;
+        const std::uint32_t y = std::bit_cast<std::uint32_t>(p.y) & 0x7fffffffu;
+        largest = std::max(largest, std::max(x, y));
+    }
+    return std::bit_cast<float>(largest);
+}
+
+void appendElements(cairo_t* cr, const Path& path)
+{
+    const Point* p = path.points().data();
+    for (const PathElementKind kind : path.kinds()) {
+        switch (kind) {
+        case PathElementKind::MoveTo:
+            cairo_move_to(cr, p->x, p->y);
+            p += 1;
+            break;
+        case PathElementKind::LineTo:
+            cairo_line_to(cr, p->x, p->y);
+            p += 1;
+            break;
+        case PathElementKind::CurveTo:
+            cairo_curve_to(cr, p[0].x, p[0].y, p[1].x, p[1].y, p[2].x, p[2].y);
+            p += 3;
+            break;
+        case PathElementKind::Close:
+            cairo_close_path(cr);
+            break;
+        }
+    }
+}
+
+std::array<Point, 4> cornersOf(const Rect& r)
+{
+    return { r.origin, { r.maxX(), r.minY() }, { r.maxX(), r.maxY() }, { r.minX(), r.maxY() } };
+}
+
+Path pathOf(const Rect& r)
+{
+    Path path;
+    path.appendRect(r);
+    return path;
+}
+
+cairo_fill_rule_t cairoRule(WindingRule rule)
+{
+    return rule == WindingRule::EvenOdd ? CAIRO_FILL_RULE_EVEN_ODD : CAIRO_FILL_RULE_WINDING;
+}
+
+/// Whether some length is on and none is impossible; cairo stops working on any other.
+bool isDrawableDash(const LineStyle& style)
+{
+    double sum = 0;
+    for (const float length : style.dash) {
+        if (!(length >= 0) || !std::isfinite(length))
+            return false;
+        sum += length;
+    }
+    return sum > 0;
+}
+
+/// Whether cairo can hold all points with `reach` around them.
+bool fitsEngine(std::span<const Point> points, const cairo_matrix_t& m, double reach = 0)
+{
+    const double magnitude = largestMagnitude(points);
+    const double x = (std::abs(m.xx) + std::abs(m.xy)) * magnitude + std::abs(m.x0);
+    const double y = (std::abs(m.yx) + std::abs(m.yy)) * magnitude + std::abs(m.y0);
+    return x + reach < engineRange && y + reach < engineRange;
+}
+
+bool isUpright(const cairo_matrix_t& m) { return (m.xy == 0 && m.yx == 0) || (m.xx == 0 && m.yy == 0); }
+
+/// Whether the path is made of straight segments along the device's axes, of both.
+bool turnsAlongAxes(const Path& path, const cairo_matrix_t& m)
+{
+    if (!isUpright(m))
+        return false;
+    const Point* p = path.points().data();
+    Point from, start;
+    bool goesAlongX = false, goesAlongY = false;
+    for (const PathElementKind kind : path.kinds()) {
+        if (kind == PathElementKind::CurveTo)
+            return false;
+        const Point to = kind == PathElementKind::Close ? start : *p++;
+        if (kind == PathElementKind::MoveTo) {
+            start = to;
+        } else {
+            if (to.x != from.x && to.y != from.y)
+                return false;
+            goesAlongX = goesAlongX || to.x != from.x;
+            goesAlongY = goesAlongY || to.y != from.y;
+        }
+        from = to;
+    }
+    return goesAlongX && goesAlongY;
+}
+
+/// A larger limit makes no difference that could be seen: at 500 the corner is a quarter of a degree.
+float usableMiterLimit(const LineStyle& style)
+{
+    constexpr float largest = 500;
+    return style.miterLimit >= 1 ? std::min(style.miterLimit, largest) : 1;
+}
+
+} // namespace
+
+void CairoContext::Impl::appendArea(const Path& path)
+{
+    cairo_new_path(cr());
+    if (fitsEngine(path.points(), state.matrix)) {
+        appendElements(cr(), path);
+        return;
+    }
+    cairo_identity_matrix(cr());
+    appendClippedArea(cr(), path, state.matrix, state.clip.grown(2), state.tolerance());
+}
+
+bool CairoContext::Impl::setSource(const CairoPaint& paint, const DeviceBox& area)
+{
+    const auto& [red, green, blue, alpha] = paint.rgba;
+    if (paint.pattern)
+        return setPatternSource(*paint.pattern, area);
+    cairo_set_source_rgba(cr(), red, green, blue, static_cast<double>(alpha) * state.alpha);
+    return true;
+}
+
+void CairoContext::Impl::setLineStyle(const LineStyle& style)
+{
+    static constexpr cairo_line_cap_t caps[]
+        = { CAIRO_LINE_CAP_BUTT, CAIRO_LINE_CAP_ROUND, CAIRO_LINE_CAP_SQUARE };
+    static constexpr cairo_line_join_t joins[]
+        = { CAIRO_LINE_JOIN_MITER, CAIRO_LINE_JOIN_ROUND, CAIRO_LINE_JOIN_BEVEL };
+    cairo_t* c = cr();
+    cairo_set_line_width(c, style.width);
+    cairo_set_line_cap(c, caps[static_cast<int>(style.cap)]);
+    cairo_set_line_join(c, joins[static_cast<int>(style.join)]);
+    cairo_set_miter_limit(c, usableMiterLimit(style));
+    if (style.dash.empty() || !isDrawableDash(style)) {
+        cairo_set_dash(c, nullptr, 0, 0);
+        return;
+    }
+    const std::vector<double> lengths(style.dash.begin(), style.dash.end());
+    const double phase = std::isfinite(style.dashPhase) ? style.dashPhase : 0;
+    cairo_set_dash(c, lengths.data(), static_cast<int>(lengths.size()), phase);
+}
+
+// Half the width times what a miter or a square cap multiplies it by, in the transform's largest scale.
+double CairoContext::Impl::strokeReach(const LineStyle& style) const
+{
+    const double corner
+        = style.join == LineJoin::Miter ? std::max<double>(usableMiterLimit(style), M_SQRT2) : M_SQRT2;
+    const cairo_matrix_t& m = state.matrix;
+    return style.width * 0.5 * corner * std::sqrt(m.xx * m.xx + m.xy * m.xy + m.yx * m.yx + m.yy * m.yy);
+}
+
+void CairoContext::Impl::clipToPath(const Path& path, WindingRule rule)
+{
+    if (!canDraw()) {
+        state.clip = {};
+        return;
+    }
+    setStyle();
+    appendArea(path);
+    cairo_set_fill_rule(cr(), cairoRule(rule));
+    cairo_clip(cr());
+    state.clip = intersection(state.clip, deviceBounds(path.points()));
+    state.clipIsPixels = false;
+    finishOperation();
+}
+
+void CairoContext::Impl::clipToRect(const Rect& rect)
+{
+    const auto corners = cornersOf(rect);
+    if (!canDraw() || !fitsEngine(corners, state.matrix))
+        return clipToPath(pathOf(rect), WindingRule::NonZero);
+    setStyle();
+    cairo_new_path(cr());
+    cairo_rectangle(cr(), rect.origin.x, rect.origin.y, rect.size.width, rect.size.height);
+    cairo_clip(cr());
+    const DeviceBox box = deviceBounds(corners);
+    state.clip = intersection(state.clip, box);
+    state.clipIsPixels = state.clipIsPixels && box == box.roundedOut() && isUpright(state.matrix);
+    finishOperation();
+}
+
+void CairoContext::Impl::clipToPixelsOf(const Image& image, const cairo_matrix_t& toDevice)
+{
+    const Rect area(0, 0, static_cast<float>(image.width()), static_cast<float>(image.height()));
+    cairo_new_path(cr());
+    if (fitsEngine(cornersOf(area), toDevice)) {
+        cairo_rectangle(cr(), 0, 0, image.width(), image.height());
+    } else {
+        cairo_identity_matrix(cr());
+        appendClippedArea(cr(), pathOf(area), toDevice, state.clip.grown(2), state.tolerance());
+    }
+    cairo_clip(cr());
+}
+
+void CairoContext::Impl::fillPath(const Path& path, WindingRule rule)
+{
+    if (!canDraw())
+        return;
+    if (state.castsShadow())
+        return drawWithShadow([&] { fillPath(path, rule); });
+    if (state.fill.pattern && drawPatternWithAlpha(state.fill, [&] { fillPath(path, rule); }))
+        return;
+    const bool wantsBounds = isInLayer() || state.fill.pattern;
+    const DeviceBox bounds = wantsBounds ? deviceBounds(path.points()) : DeviceBox {};
+    setStyle();
+    if (!setSource(state.fill, bounds))
+        return;
+    appendArea(path);
+    cairo_set_fill_rule(cr(), cairoRule(rule));
+    cairo_fill(cr());
+    noteInk(bounds);
+    finishOperation();
+}
+
+void CairoContext::Impl::fillRect(const Rect& rect)
+{
+    if (!canDraw())
+        return;
+    const auto corners = cornersOf(rect);
+    if (state.castsShadow() || state.fill.pattern || !fitsEngine(corners, state.matrix))
+        return fillPath(pathOf(rect), WindingRule::NonZero);
+    setStyle();
+    setSource(state.fill, {});
+    cairo_new_path(cr());
+    cairo_rectangle(cr(), rect.origin.x, rect.origin.y, rect.size.width, rect.size.height);
+    cairo_fill(cr());
+    noteInk(deviceBounds(corners));
+    finishOperation();
+}
+
+void CairoContext::Impl::strokePath(const Path& path, const LineStyle& style)
+{
+    if (!canDraw() || !(style.width > 0) || !std::isfinite(style.width))
+        return;
+    if (state.castsShadow())
+        return drawWithShadow([&] { strokePath(path, style); });
+    if (state.stroke.pattern && drawPatternWithAlpha(state.stroke, [&] { strokePath(path, style); }))
+        return;
+    const double reach = strokeReach(style);
+    const bool wantsBounds = isInLayer() || state.stroke.pattern;
+    const DeviceBox bounds = wantsBounds ? deviceBounds(path.points()).grown(reach) : DeviceBox {};
+    setStyle();
+    if (!setSource(state.stroke, bounds))
+        return;
+    if (!fitsEngine(path.points(), state.matrix, reach)) {
+        strokeHuge(path, style, reach);
+    } else if (losesCorners(path, style)) {
+        fillOutlineOf(path, style);
+    } else {
+        setLineStyle(style);
+        cairo_new_path(cr());
+        appendElements(cr(), path);
+        cairo_stroke(cr());
+    }
+    noteInk(bounds);
+    finishOperation();
+}
+
+// Only what can be seen of the centre line is stroked, and of a pen too large for that the outline.
+void CairoContext::Impl::strokeHuge(const Path& path, const LineStyle& style, double reach)
+{
+    if (reach < engineRange / 4) {
+        setLineStyle(style);
+        strokeClippedLine(cr(), path, state.matrix, state.clip.grown(reach + 2), state.tolerance());
+        return;
+    }
+    fillOutlineOf(path, style);
+}
+
+void CairoContext::Impl::fillOutlineOf(const Path& path, const LineStyle& style)
+{
+    const double scale = std::sqrt(std::abs(state.transform.determinant()));
+    appendArea(*path.strokedOutline(style, static_cast<float>(state.tolerance() / scale)));
+    cairo_set_fill_rule(cr(), CAIRO_FILL_RULE_WINDING);
+    cairo_fill(cr());
+}
+
+// The engine takes dashes along the axes as boxes, each segment for itself, and where one leaves the clip it
+// forgets the corners of those beside it. On paper there is no clip to leave.
+bool CairoContext::Impl::losesCorners(const Path& path, const LineStyle& style) const
+{
+    return !onPaper && !style.dash.empty() && isDrawableDash(style) && style.join == LineJoin::Miter
+        && turnsAlongAxes(path, state.matrix);
+}
+
+void CairoContext::Impl::clearRect(const Rect& rect)
+{
+    if (!canDraw() || onPaper)
+        return;
+    setStyle();
+    appendArea(pathOf(rect));
+    cairo_set_operator(cr(), CAIRO_OPERATOR_CLEAR);
+    cairo_fill(cr());
+    finishOperation();
+}
+
+void CairoContext::Impl::paintSource()
+{
+    if (state.alpha >= 1)
+        cairo_paint(cr());
+    else
+        cairo_paint_with_alpha(cr(), state.alpha);
+}
+
+} // namespace vxr

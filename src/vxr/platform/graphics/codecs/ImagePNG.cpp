@@ -1,0 +1,134 @@
+#include <vxr/platform/graphics/ImageImpl.h>
+
+#include <fcntl.h>
+#include <png.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
+namespace vxr {
+
+namespace {
+
+struct FileCloser {
+    void operator()(std::FILE* file) const { std::fclose(file); }
+};
+using File = std::unique_ptr<std::FILE, FileCloser>;
+
+/// libpng's whole-image reader and writer: it reports errors as a message and never jumps.
+struct PNGSession {
+    png_image image {};
+
+    PNGSession() { image.version = PNG_IMAGE_VERSION; }
+    ~PNGSession() { png_image_free(&image); }
+    PNGSession(const PNGSession&) = delete;
+    PNGSession& operator=(const PNGSession&) = delete;
+
+    std::string message() const { return image.message[0] ? image.message : "not a readable PNG file"; }
+};
+
+void report(std::string* error, const std::string& path, const std::string& reason)
+{
+    if (error)
+        *error = path + ": " + reason;
+}
+
+/// Deflate can't shrink further than 1032 to 1, so a header that promises more pixels than the file could
+/// hold is refused before memory is taken for them. One bit per pixel is the least.
+bool isPlausibleSize(png_uint_32 width, png_uint_32 height, std::size_t fileSize)
+{
+    constexpr std::size_t pixelLimit = std::size_t { 1 } << 28;
+    if (width < 1 || height < 1 || width > static_cast<png_uint_32>(maxImageSide)
+        || height > static_cast<png_uint_32>(maxImageSide))
+        return false;
+    const std::size_t pixels = std::size_t { width } * height;
+    return pixels <= pixelLimit && pixels / 8 / 1032 <= fileSize;
+}
+
+/// A name beside `path` that nobody else uses, opened with the usual permissions.
+File openBeside(const std::string& path, std::string& name)
+{
+    for (int attempt = 0; attempt < 100; ++attempt) {
+        name = path + ".part" + std::to_string(::getpid()) + "-" + std::to_string(attempt);
+        const int descriptor = ::open(name.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, 0666);
+        if (descriptor >= 0)
+            return File(::fdopen(descriptor, "wb"));
+        if (errno != EEXIST)
+            break;
+    }
+    return nullptr;
+}
+
+} // namespace
+
+std::shared_ptr<const Image> Image::createWithPNGFile(const std::string& path, std::string* error)
+{
+    File file(std::fopen(path.c_str(), "rb"));
+    struct stat status { };
+    if (!file || ::fstat(::fileno(file.get()), &status) != 0) {
+        report(error, path, std::strerror(errno));
+        return nullptr;
+    }
+    PNGSession session;
+    if (!S_ISREG(status.st_mode) || !png_image_begin_read_from_stdio(&session.image, file.get())) {
+        report(error, path, session.message());
+        return nullptr;
+    }
+    if (!isPlausibleSize(
+            session.image.width, session.image.height, static_cast<std::size_t>(status.st_size))) {
+        report(error, path, "impossible size");
+        return nullptr;
+    }
+    session.image.format = PNG_FORMAT_RGBA;
+    session.image.flags
+        |= PNG_IMAGE_FLAG_16BIT_sRGB; // 16-bit files without a gamma are taken like 8-bit ones
+    ImageLayout layout;
+    layout.width = static_cast<int>(session.image.width);
+    layout.height = static_cast<int>(session.image.height);
+    layout.bytesPerRow = static_cast<std::size_t>(layout.width) * 4;
+    layout.alpha = AlphaFormat::Last;
+    layout.space = ColorSpace::deviceRGB();
+    const std::size_t size = layout.bytesPerRow * static_cast<std::size_t>(layout.height);
+    auto pixels = std::make_shared_for_overwrite<std::uint8_t[]>(size);
+    if (!png_image_finish_read(&session.image, nullptr, pixels.get(), 0, nullptr)) {
+        report(error, path, session.message());
+        return nullptr;
+    }
+    const std::uint8_t* data = pixels.get();
+    return create(layout, data, size, std::shared_ptr<const void>(std::move(pixels), data));
+}
+
+bool Image::writePNG(const std::string& path, std::string* error) const
+{
+    const ImageLayout& layout = mImpl->layout;
+    const std::size_t rowSize = static_cast<std::size_t>(layout.width) * 4;
+    std::vector<std::uint8_t> rgba(rowSize * static_cast<std::size_t>(layout.height));
+    for (int y = 0; y < layout.height; ++y)
+        readStraightRow(layout, mImpl->pixels, y, rgba.data() + rowSize * static_cast<std::size_t>(y));
+
+    std::string partial;
+    File file = openBeside(path, partial);
+    if (!file) {
+        report(error, path, std::strerror(errno));
+        return false;
+    }
+    PNGSession session;
+    session.image.width = static_cast<png_uint_32>(layout.width);
+    session.image.height = static_cast<png_uint_32>(layout.height);
+    session.image.format = PNG_FORMAT_RGBA;
+    std::string reason;
+    if (!png_image_write_to_stdio(&session.image, file.get(), 0, rgba.data(), 0, nullptr))
+        reason = session.message();
+    else if (std::fclose(file.release()) != 0 || std::rename(partial.c_str(), path.c_str()) != 0)
+        reason = std::strerror(errno);
+    if (reason.empty())
+        return true;
+    ::unlink(partial.c_str());
+    report(error, path, reason);
+    return false;
+}
+
+} // namespace vxr

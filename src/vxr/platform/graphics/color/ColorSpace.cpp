@@ -1,0 +1,331 @@
+#include <vxr/platform/graphics/color/ColorSpace.h>
+
+#include <lcms2.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <fstream>
+#include <unordered_map>
+#include <vector>
+
+namespace vxr {
+
+namespace {
+
+using ProfileBytes = std::vector<std::byte>;
+
+struct ProfileCloser {
+    void operator()(void* profile) const { cmsCloseProfile(profile); }
+};
+struct TransformDeleter {
+    void operator()(void* transform) const { cmsDeleteTransform(transform); }
+};
+struct CurveDeleter {
+    void operator()(cmsToneCurve* curve) const { cmsFreeToneCurve(curve); }
+};
+using Profile = std::unique_ptr<void, ProfileCloser>;
+using Transform = std::unique_ptr<void, TransformDeleter>;
+
+constexpr int countOf(ColorModel model)
+{
+    return model == ColorModel::Gray ? 1 : model == ColorModel::RGB ? 3 : 4;
+}
+
+float unit(float value)
+{
+    return value >= 1 ? 1 : value > 0 ? value : 0; // NaN gives 0
+}
+
+/// The way from a profile's values to sRGB, for bytes and for floats.
+struct ProfileTransforms {
+    Transform bytes;
+    Transform floats;
+};
+
+Transform makeTransform(cmsHPROFILE from, cmsUInt32Number fromFormat, cmsUInt32Number toFormat)
+{
+    Profile srgb(cmsCreate_sRGBProfile());
+    return Transform(cmsCreateTransform(from, fromFormat, srgb.get(), toFormat, INTENT_RELATIVE_COLORIMETRIC,
+        cmsFLAGS_BLACKPOINTCOMPENSATION));
+}
+
+/// None when lcms2 can't use the profile as a source of `model` colours.
+std::unique_ptr<ProfileTransforms> makeTransforms(const ProfileBytes& bytes, ColorModel model)
+{
+    Profile profile(cmsOpenProfileFromMem(bytes.data(), static_cast<cmsUInt32Number>(bytes.size())));
+    if (!profile)
+        return nullptr;
+    const cmsProfileClassSignature kind = cmsGetDeviceClass(profile.get());
+    if (kind == cmsSigLinkClass || kind == cmsSigAbstractClass || kind == cmsSigNamedColorClass)
+        return nullptr;
+    struct Formats {
+        cmsColorSpaceSignature signature;
+        cmsUInt32Number bytes, floats;
+    };
+    static constexpr Formats formats[] = {
+        { cmsSigGrayData, TYPE_GRAY_8, TYPE_GRAY_FLT },
+        { cmsSigRgbData, TYPE_RGB_8, TYPE_RGB_FLT },
+        { cmsSigCmykData, TYPE_CMYK_8, TYPE_CMYK_FLT },
+    };
+    const Formats& format = formats[static_cast<int>(model)];
+    if (cmsGetColorSpace(profile.get()) != format.signature)
+        return nullptr;
+    auto transforms = std::make_unique<ProfileTransforms>();
+    transforms->bytes = makeTransform(profile.get(), format.bytes, TYPE_RGB_8);
+    transforms->floats = makeTransform(profile.get(), format.floats, TYPE_RGB_FLT);
+    return transforms->bytes && transforms->floats ? std::move(transforms) : nullptr;
+}
+
+/// Transforms take milliseconds to make, so each profile's are kept for the life of the process.
+const ProfileTransforms* cachedTransforms(const ProfileBytes& bytes, ColorModel model)
+{
+    static auto& cache = *new std::unordered_map<std::string, std::unique_ptr<ProfileTransforms>>;
+    std::string key(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+    key += static_cast<char>('0' + static_cast<int>(model));
+    if (auto found = cache.find(key); found != cache.end())
+        return found->second.get();
+    auto transforms = makeTransforms(bytes, model);
+    if (!transforms)
+        return nullptr;
+    return cache.emplace(std::move(key), std::move(transforms)).first->second.get();
+}
+
+ProfileBytes savedProfile(cmsHPROFILE profile)
+{
+    cmsUInt32Number size = 0;
+    if (!profile || !cmsSaveProfileToMem(profile, nullptr, &size))
+        return {};
+    ProfileBytes bytes(size);
+    if (!cmsSaveProfileToMem(profile, bytes.data(), &size))
+        return {};
+    // The header's date of creation would make the same space differ from one run to the next.
+    constexpr std::size_t dateOffset = 24, dateSize = 12;
+    constexpr unsigned char date[dateSize] = { 0x07, 0xd0, 0, 1, 0, 1 }; // first of January 2000
+    if (bytes.size() >= dateOffset + dateSize)
+        std::memcpy(bytes.data() + dateOffset, date, dateSize);
+    return bytes;
+}
+
+const ProfileBytes& genericGrayProfile()
+{
+    static const ProfileBytes bytes = [] {
+        // The piecewise curve of sRGB: power, slope and offset above 0.04045, a straight line below.
+        const cmsFloat64Number srgb[] = { 2.4, 1 / 1.055, 0.055 / 1.055, 1 / 12.92, 0.04045 };
+        std::unique_ptr<cmsToneCurve, CurveDeleter> curve(cmsBuildParametricToneCurve(nullptr, 4, srgb));
+        return savedProfile(Profile(cmsCreateGrayProfile(cmsD50_xyY(), curve.get())).get());
+    }();
+    return bytes;
+}
+
+const ProfileBytes& genericRGBProfile()
+{
+    static const ProfileBytes bytes = savedProfile(Profile(cmsCreate_sRGBProfile()).get());
+    return bytes;
+}
+
+struct DefaultCMYK {
+    std::string path;
+    ProfileBytes bytes;
+};
+
+/// The first usable CMYK profile among the places where systems install one.
+const DefaultCMYK& defaultCMYK()
+{
+    static const DefaultCMYK found = [] {
+        for (const char* path : { "/usr/share/color/icc/ghostscript/default_cmyk.icc",
+                 "/usr/share/color/icc/colord/FOGRA39L_coated.icc",
+                 "/usr/share/color/icc/colord/SWOP2006_Coated3v2.icc", "/usr/share/color/icc/krita/cmyk.icm",
+                 "/usr/share/color/icc/ISOcoated_v2_eci.icc", "/usr/share/color/icc/CoatedFOGRA39.icc" }) {
+            std::ifstream file(path, std::ios::binary);
+            const std::string text { std::istreambuf_iterator<char>(file), {} };
+            const auto* data = reinterpret_cast<const std::byte*>(text.data());
+            ProfileBytes bytes(data, data + text.size());
+            if (!bytes.empty() && cachedTransforms(bytes, ColorModel::CMYK))
+                return DefaultCMYK { path, std::move(bytes) };
+        }
+        return DefaultCMYK {};
+    }();
+    return found;
+}
+
+} // namespace
+
+struct ColorSpace::Impl {
+    ColorModel model;
+    ProfileBytes profile; ///< empty for device spaces
+    const ProfileTransforms* transforms = nullptr; ///< none where values reach the output unchanged
+};
+
+namespace {
+
+std::shared_ptr<const ColorSpace> makeSpace(
+    ColorModel model, ProfileBytes profile = {}, const ProfileTransforms* transforms = nullptr)
+{
+    return std::make_shared<ColorSpace>(
+        std::make_unique<ColorSpace::Impl>(ColorSpace::Impl { model, std::move(profile), transforms }));
+}
+
+} // namespace
+
+ColorSpace::ColorSpace(std::unique_ptr<Impl> impl)
+    : mImpl(std::move(impl))
+{
+}
+
+ColorSpace::~ColorSpace() = default;
+
+std::shared_ptr<const ColorSpace> ColorSpace::deviceGray()
+{
+    static const auto space = makeSpace(ColorModel::Gray);
+    return space;
+}
+
+std::shared_ptr<const ColorSpace> ColorSpace::deviceRGB()
+{
+    static const auto space = makeSpace(ColorModel::RGB);
+    return space;
+}
+
+std::shared_ptr<const ColorSpace> ColorSpace::deviceCMYK()
+{
+    static const auto space = makeSpace(ColorModel::CMYK);
+    return space;
+}
+
+std::shared_ptr<const ColorSpace> ColorSpace::createWithDefaultProfile(ColorModel model)
+{
+    switch (model) {
+    case ColorModel::Gray:
+        return makeSpace(model, genericGrayProfile());
+    case ColorModel::RGB:
+        return makeSpace(model, genericRGBProfile());
+    case ColorModel::CMYK:
+        break;
+    }
+    const ProfileBytes& profile = defaultCMYK().bytes;
+    return profile.empty() ? makeSpace(model) : makeSpace(model, profile, cachedTransforms(profile, model));
+}
+
+std::string ColorSpace::defaultCMYKProfilePath() { return defaultCMYK().path; }
+
+std::shared_ptr<const ColorSpace> ColorSpace::createWithICCProfile(
+    std::span<const std::byte> profile, int components)
+{
+    constexpr std::size_t headerSize = 128, sizeLimit = std::size_t { 1 } << 28;
+    if (profile.size() < headerSize || profile.size() > sizeLimit)
+        return nullptr;
+    if (components != 1 && components != 3 && components != 4)
+        return nullptr;
+    const ColorModel model = components == 1 ? ColorModel::Gray
+        : components == 3                    ? ColorModel::RGB
+                                             : ColorModel::CMYK;
+    ProfileBytes bytes(profile.begin(), profile.end());
+    // The generic profiles are the output's own: their values stay as they are.
+    if ((model == ColorModel::Gray && bytes == genericGrayProfile())
+        || (model == ColorModel::RGB && bytes == genericRGBProfile()))
+        return makeSpace(model, std::move(bytes));
+    const ProfileTransforms* transforms = cachedTransforms(bytes, model);
+    return transforms ? makeSpace(model, std::move(bytes), transforms) : nullptr;
+}
+
+ColorModel ColorSpace::model() const { return mImpl->model; }
+
+int ColorSpace::componentCount() const { return countOf(mImpl->model); }
+
+bool ColorSpace::isDevice() const { return mImpl->profile.empty(); }
+
+bool ColorSpace::convertsToOutputUnchanged() const
+{
+    return !mImpl->transforms && mImpl->model != ColorModel::CMYK;
+}
+
+std::span<const std::byte> ColorSpace::profileData() const { return mImpl->profile; }
+
+std::array<float, 3> ColorSpace::toSRGB(const float* components) const
+{
+    if (mImpl->transforms) {
+        // lcms2 counts float inks in percent.
+        const float scale = mImpl->model == ColorModel::CMYK ? 100.0f : 1.0f;
+        std::array<float, 4> in {};
+        for (int i = 0; i < componentCount(); ++i)
+            in[i] = unit(components[i]) * scale;
+        std::array<float, 3> rgb {};
+        cmsDoTransform(mImpl->transforms->floats.get(), in.data(), rgb.data(), 1);
+        return rgb;
+    }
+    switch (mImpl->model) {
+    case ColorModel::Gray:
+        return { components[0], components[0], components[0] };
+    case ColorModel::RGB:
+        return { components[0], components[1], components[2] };
+    case ColorModel::CMYK:
+        break;
+    }
+    const float light = 1 - components[3];
+    return { (1 - components[0]) * light, (1 - components[1]) * light, (1 - components[2]) * light };
+}
+
+void ColorSpace::convertToSRGB8(const std::uint8_t* source, std::uint8_t* rgb, std::size_t count) const
+{
+    const auto components = static_cast<std::size_t>(componentCount());
+    if (mImpl->transforms) {
+        constexpr std::size_t chunk = std::size_t { 1 } << 24;
+        for (std::size_t done = 0; done < count; done += chunk) {
+            const std::size_t n = std::min(chunk, count - done);
+            cmsDoTransform(mImpl->transforms->bytes.get(), source + done * components, rgb + done * 3,
+                static_cast<cmsUInt32Number>(n));
+        }
+        return;
+    }
+    switch (mImpl->model) {
+    case ColorModel::Gray:
+        for (std::size_t i = 0; i < count; ++i)
+            rgb[3 * i] = rgb[3 * i + 1] = rgb[3 * i + 2] = source[i];
+        break;
+    case ColorModel::RGB:
+        std::memcpy(rgb, source, count * 3);
+        break;
+    case ColorModel::CMYK:
+        for (std::size_t i = 0; i < count; ++i) {
+            const unsigned light = 255u - source[4 * i + 3];
+            for (std::size_t c = 0; c < 3; ++c)
+                rgb[3 * i + c]
+                    = static_cast<std::uint8_t>(((255u - source[4 * i + c]) * light + 127u) / 255u);
+        }
+        break;
+    }
+}
+
+bool ColorSpace::isEqual(const Object& other) const
+{
+    if (this == &other)
+        return true;
+    const auto* space = dynamic_cast<const ColorSpace*>(&other);
+    return space && mImpl->model == space->mImpl->model && mImpl->profile == space->mImpl->profile;
+}
+
+ColorValue ColorValue::gray(float white, float alpha)
+{
+    return { ColorSpace::deviceGray(), { white, alpha } };
+}
+
+ColorValue ColorValue::rgb(float red, float green, float blue, float alpha)
+{
+    return { ColorSpace::deviceRGB(), { red, green, blue, alpha } };
+}
+
+float ColorValue::alpha() const
+{
+    return components[space ? static_cast<std::size_t>(space->componentCount()) : 1];
+}
+
+std::array<float, 4> ColorValue::toRGBA() const
+{
+    const float white = components[0];
+    const std::array<float, 3> rgb
+        = space ? space->toSRGB(components.data()) : std::array<float, 3> { white, white, white };
+    return { unit(rgb[0]), unit(rgb[1]), unit(rgb[2]), unit(alpha()) };
+}
+
+} // namespace vxr

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <vxr/platform/base/Export.h>
+
+namespace vxr {
+
+/// Boolean operations on areas, in the records and calls of the General Polygon Clipper. Operands are
+/// read with the even-odd rule; contours may cross themselves and each other.
+///
+/// A polygon set is a plain C record: zero it before the first `gpc_add_contour`, release its contents
+/// with `gpc_free_polygon`. Arrays come from malloc. Running out of memory throws std::bad_alloc and
+/// leaves every polygon set as it was.
+
+enum gpc_op { GPC_DIFF = 0, GPC_INT = 1, GPC_XOR = 2, GPC_UNION = 3 };
+
+struct gpc_vertex {
+    double x;
+    double y;
+};
+
+/// One contour; the last vertex is joined to the first.
+struct gpc_vertex_list {
+    int num_vertices;
+    gpc_vertex* vertex;
+};
+
+struct gpc_polygon {
+    int num_contours;
+    int* hole; ///< per contour: 1 when it bounds a hole. Informative: clipping does not read it.
+    gpc_vertex_list* contour;
+};
+
+/// Bounds of the work one clip accepts. Beyond any of them the result is empty, so that hostile input
+/// costs seconds at most: vertices of both operands, edge pairs at the same height, crossings.
+/// The last two are estimated, and only for operands that look tangled.
+constexpr double gpcMaximumVertices = 1 << 22;
+constexpr double gpcMaximumEdgePairs = 1 << 28;
+constexpr double gpcMaximumCrossings = 1 << 20;
+
+/// Appends a copy of `contour`, which stays the caller's.
+VXR_EXPORT void gpc_add_contour(gpc_polygon* polygon, const gpc_vertex_list* contour, int hole);
+
+/// `result` = `subject` `operation` `clip`. What `result` held is overwritten, not freed; it may be one
+/// of the operands.
+///
+/// Coordinates are rounded to a grid of 2^45 steps across both operands, a power of two wide, so whole
+/// numbers and dyadic fractions come back exactly. The result's area is right under the even-odd rule;
+/// contours may touch. A hole flag says that the contour lies within an odd number of others.
+/// Empty operands, a NaN or infinite vertex in either operand, and work beyond the bounds above give
+/// the empty set (a union with the empty set is the other operand with its crossings resolved).
+VXR_EXPORT void gpc_polygon_clip(
+    gpc_op operation, const gpc_polygon* subject, const gpc_polygon* clip, gpc_polygon* result);
+
+/// Frees the contents and leaves an empty set; the record itself stays the caller's.
+VXR_EXPORT void gpc_free_polygon(gpc_polygon* polygon);
+
+} // namespace vxr

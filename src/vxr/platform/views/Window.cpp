@@ -1,0 +1,327 @@
+#include <vxr/platform/views/Window.h>
+
+#include <vxr/platform/base/FirstFailure.h>
+#include <vxr/platform/base/NotificationCenter.h>
+#include <vxr/platform/graphics/GraphicsContext.h>
+#include <vxr/platform/graphics/pixels/PixelRegion.h>
+
+#include <cmath>
+#include <cstring>
+
+namespace vxr {
+
+namespace {
+
+/// Pixels that a rectangle of window coordinates touches. What single precision leaves of a coordinate
+/// that is meant to be whole counts as whole.
+PixelBox touchedPixels(const Rect& r, int height)
+{
+    if (r.isEmpty())
+        return {};
+    constexpr double slack = 1.0 / 256;
+    const auto clamped = [](double v) { return int(std::clamp(v, -1e6, 1e6)); };
+    return { clamped(std::floor(double(r.minX()) + slack)),
+        clamped(std::floor(height - (double(r.origin.y) + double(r.size.height)) + slack)),
+        clamped(std::ceil(double(r.origin.x) + double(r.size.width) - slack)),
+        clamped(std::ceil(height - double(r.minY()) - slack)) };
+}
+
+Rect rectOf(const PixelBox& box)
+{
+    return { float(box.x0), float(box.y0), float(box.x1 - box.x0), float(box.y1 - box.y0) };
+}
+
+Rect inWindow(const PixelBox& box, int height)
+{
+    return { float(box.x0), float(height - box.y1), float(box.x1 - box.x0), float(box.y1 - box.y0) };
+}
+
+/// Boxes to be drawn one after the other: a few that fill most of the area around them become one.
+std::vector<PixelBox> boxesToDraw(const PixelRegion& region)
+{
+    std::vector<PixelBox> boxes = region.boxes();
+    double area = 0;
+    for (const PixelBox& box : boxes)
+        area += box.area();
+    if (boxes.size() > 1 && region.extents().area() <= area * 1.25)
+        return { region.extents() };
+    return boxes;
+}
+
+int newWindowNumber()
+{
+    static int last = 0;
+    return ++last;
+}
+
+struct FocusedView {
+    View* view;
+    std::size_t depth; ///< states saved in the window's context before
+};
+
+/// The focused views of all windows, in the order of focusing.
+std::vector<FocusedView>& focusStack()
+{
+    static std::vector<FocusedView> stack;
+    return stack;
+}
+
+} // namespace
+
+struct Window::Damage {
+    PixelRegion region;
+};
+
+/// One run of `displayIfNeeded`.
+struct Window::Pass {
+    PixelRegion inherited; ///< what the views above have drawn anew
+    FirstFailure failure;
+};
+
+Window::Window(const Rect& frame, bool deferred)
+    : mFrame(integralRect(frame))
+    , mDamage(std::make_unique<Damage>())
+{
+    if (!deferred)
+        mNumber = newWindowNumber();
+    makeStore();
+    setContentView(std::make_shared<View>(Rect { 0, 0, mFrame.size.width, mFrame.size.height }));
+}
+
+Window::~Window() { mContentView->moveToWindow(nullptr); }
+
+void Window::makeStore()
+{
+    mWidth = std::clamp(int(mFrame.size.width), 1, 32767);
+    mHeight = std::clamp(int(mFrame.size.height), 1, 32767);
+    mPixels.assign(std::size_t(mWidth) * std::size_t(mHeight), 0);
+    mContext.reset();
+    mDamage->region = PixelRegion({ 0, 0, mWidth, mHeight });
+}
+
+void Window::setFrame(const Rect& frame)
+{
+    const Rect whole = integralRect(frame);
+    const bool resized = whole.size != mFrame.size;
+    mFrame = whole;
+    if (!resized)
+        return;
+    makeStore();
+    mContentView->setFrame({ 0, 0, mFrame.size.width, mFrame.size.height });
+    mContentView->setNeedsDisplay(true);
+}
+
+void Window::setContentView(std::shared_ptr<View> view)
+{
+    if (mContentView)
+        mContentView->moveToWindow(nullptr);
+    view->removeFromSuperview();
+    mContentView = std::move(view);
+    mContentView->moveToWindow(this);
+    mContentView->setFrame({ 0, 0, mFrame.size.width, mFrame.size.height });
+    mContentView->setNeedsDisplay(true);
+}
+
+void Window::orderFront()
+{
+    if (!mNumber)
+        mNumber = newWindowNumber();
+    mVisible = true;
+}
+
+void Window::orderOut() { mVisible = false; }
+
+// The backing store.
+
+std::optional<WindowBits> Window::lockBits(const Rect& area)
+{
+    if (mNumber <= 0)
+        return std::nullopt;
+    ++mLocks;
+    WindowBits bits;
+    bits.colorBase = reinterpret_cast<std::uint8_t*>(mPixels.data());
+    bits.colorBytesPerRow = int(bytesPerRow());
+    bits.writable = mRedrawn.value_or(Rect { 0, 0, float(mWidth), float(mHeight) });
+    mDamage->region.add(intersection(touchedPixels(area, mHeight),
+        touchedPixels({ bits.writable.origin.x, float(mHeight) - bits.writable.maxY(),
+                          bits.writable.size.width, bits.writable.size.height },
+            mHeight)));
+    return bits;
+}
+
+void Window::unlockBits()
+{
+    if (mLocks > 0)
+        --mLocks;
+}
+
+bool Window::movePixels(const Rect& area, float dx, float dy)
+{
+    const PixelBox box = intersection(touchedPixels(area, mHeight), { 0, 0, mWidth, mHeight });
+    const auto isWhole = [](float v) { return std::abs(v - std::round(v)) < 1e-3f; };
+    for (const float v : { area.minX(), area.minY(), area.maxX(), area.maxY(), dx, dy })
+        if (!isWhole(v))
+            return false;
+    const int right = int(std::lround(dx)), down = int(-std::lround(dy));
+    const PixelBox to = intersection(box, { box.x0 + right, box.y0 + down, box.x1 + right, box.y1 + down });
+    mDamage->region.add(box);
+    if (to.isEmpty())
+        return true;
+    const std::size_t rowBytes = std::size_t(to.x1 - to.x0) * 4;
+    for (int i = 0; i < to.y1 - to.y0; ++i) {
+        const int y = down > 0 ? to.y1 - 1 - i : to.y0 + i;
+        std::uint32_t* row = mPixels.data() + std::ptrdiff_t(y) * mWidth + to.x0;
+        std::memmove(row, row - std::ptrdiff_t(down) * mWidth - right, rowBytes);
+    }
+    return true;
+}
+
+std::vector<Rect> Window::takeDamage()
+{
+    std::vector<Rect> rects;
+    if (areScreenUpdatesDisabled())
+        return rects;
+    for (const PixelBox& box : mDamage->region.boxes())
+        rects.push_back(rectOf(box));
+    mDamage->region.clear();
+    return rects;
+}
+
+void Window::enableScreenUpdates()
+{
+    if (mUpdatesDisabled > 0)
+        --mUpdatesDisabled;
+}
+
+// Focus.
+
+void Window::focus(View& view)
+{
+    if (!mContext)
+        mContext = CairoContext::createWithPixels(mPixels.data(), mWidth, mHeight, bytesPerRow());
+    const View::Mapping m = view.mappingToWindow();
+    focusStack().push_back({ &view, mContext->stateDepth() });
+    mContext->saveState();
+    mContext->setBaseTransform({});
+    // Whole pixels: a smooth edge would let what lies below show through a little less with each redraw.
+    mContext->clipToRect(inWindow(touchedPixels(m.map(view.visibleRect()), mHeight), mHeight));
+    mContext->concatTransform({ float(m.sx), 0, 0, float(m.sy), float(m.tx), float(m.ty) });
+    GraphicsContext::push(std::make_shared<GraphicsContext>(mContext, true, view.isFlipped()));
+}
+
+void Window::unfocus(View& view)
+{
+    auto& stack = focusStack();
+    if (stack.empty() || stack.back().view != &view)
+        return;
+    mContext->unwindToDepth(stack.back().depth);
+    stack.pop_back();
+    GraphicsContext::pop();
+}
+
+View* Window::focusedView() { return focusStack().empty() ? nullptr : focusStack().back().view; }
+
+// Display.
+
+void Window::display()
+{
+    mContentView->setNeedsDisplay(true);
+    displayIfNeeded();
+}
+
+void Window::displayIfNeeded() { displayViewIfNeeded(*mContentView); }
+
+void Window::displayViewIfNeeded(View& view)
+{
+    propagate(view);
+    // What shows through a view that isn't opaque is drawn by those above it, which then draw it too.
+    View* top = &view;
+    for (View* above = &view; above; above = above->superview())
+        if (above->needsDisplay())
+            top = above;
+    Pass pass;
+    drawView(*top, pass);
+    pass.failure.rethrow();
+}
+
+void Window::propagate(View& view)
+{
+    if (view.isHidden())
+        return;
+    view._propagateDirtyRectsToOpaqueAncestors();
+    if (view.drawsSubviewsSeparately())
+        for (const auto& subview : view.subviews())
+            propagate(*subview);
+}
+
+void Window::drawView(View& view, Pass& pass)
+{
+    if (view.isHidden())
+        return;
+    const View::Mapping toWindow = view.mappingToWindow();
+    PixelRegion region = pass.inherited;
+    for (const Rect& dirty : view.dirtyRects())
+        region.add(touchedPixels(toWindow.map(dirty), mHeight));
+    region.limitTo(
+        intersection(touchedPixels(toWindow.map(view.visibleRect()), mHeight), { 0, 0, mWidth, mHeight }));
+    view.mDirtyRects.clear(); // drawing may ask for more
+
+    for (const PixelBox& box : boxesToDraw(region))
+        drawBoxOfView(view, box, pass);
+    mDamage->region.add(region);
+
+    if (!view.drawsSubviewsSeparately())
+        return;
+    const std::vector<std::shared_ptr<View>> subviews = view.subviews();
+    for (const auto& subview : subviews) {
+        const PixelRegion above = pass.inherited;
+        pass.inherited = region;
+        drawView(*subview, pass);
+        pass.inherited = above;
+    }
+}
+
+void Window::drawBoxOfView(View& view, const PixelBox& box, Pass& pass)
+{
+    const Rect area = inWindow(box, mHeight);
+    const Rect dirty = view.mappingToWindow().inverse().map(area);
+    const std::optional<Rect> outer = mRedrawn;
+    pass.failure.attempt([&] {
+        const FocusLock focused(view);
+        // The very pixels: a rectangle in the view's own coordinates need not hit them exactly.
+        const AffineTransform current = mContext->currentTransform();
+        mContext->setBaseTransform({});
+        mContext->clipToRect(area);
+        mContext->concatTransform(current);
+        mRedrawn = rectOf(box);
+        view.drawRect(view.rectToDrawForDirtyRect(dirty));
+    });
+    mRedrawn = outer;
+}
+
+// Miniaturizing and closing.
+
+void Window::miniaturize()
+{
+    if (mMiniaturized)
+        return;
+    NotificationCenter::defaultCenter().post(NSWindowWillMiniaturizeNotification, this);
+    mMiniaturized = true;
+    NotificationCenter::defaultCenter().post(NSWindowDidMiniaturizeNotification, this);
+}
+
+void Window::deminiaturize()
+{
+    if (!mMiniaturized)
+        return;
+    mMiniaturized = false;
+    NotificationCenter::defaultCenter().post(NSWindowDidDeminiaturizeNotification, this);
+}
+
+void Window::close()
+{
+    NotificationCenter::defaultCenter().post(NSWindowWillCloseNotification, this);
+    orderOut();
+}
+
+} // namespace vxr

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <vxr/platform/graphics/values/AffineTransform.h>
+
+#include <memory>
+
+namespace vxr {
+
+class VXRCanvasRole;
+class VXRShadow;
+class View;
+
+/// A renderable as its compositor layer sees it.
+class VXR_EXPORT VXRLayeredRenderable {
+public:
+    virtual VXRCanvasRole* canvas() const = 0;
+    virtual Rect alignmentBounds() const = 0; ///< canvas coordinates
+    virtual AffineTransform transform() const = 0;
+    virtual std::shared_ptr<VXRShadow> shadow() const = 0; ///< none for no shadow
+    virtual Rect shadowBoundsForRect(const Rect&) const = 0; ///< canvas coordinates
+    virtual bool allowsTiling() const = 0;
+    virtual bool layerShouldClearOnUpdate() const = 0;
+    virtual bool requiresQuickdraw() const = 0;
+    virtual float opacity() const { return 1; } ///< fades the whole layer, without a redraw
+    /// Draws into the current graphics context, in canvas coordinates.
+    virtual void drawRect(const Rect&) = 0;
+
+    // What only some renderables answer.
+    virtual void setRenderingMode(int) { } ///< told which pass is about to be drawn
+    virtual View* view() const { return nullptr; } ///< the hosted view, if there is one
+    virtual void setViewShouldRender(bool) { }
+
+protected:
+    ~VXRLayeredRenderable() = default;
+};
+
+} // namespace vxr

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <vxr/platform/graphics/values/Geometry.h>
+
+#include <vector>
+
+namespace vxr {
+
+struct LayerInfo;
+class VXRTexture;
+
+/// Which pass is being rendered. The numbers are part of the contract.
+enum VXRRenderingMode : int {
+    VXRRenderingModeNone = 0, ///< not rendering a tile
+    VXRRenderingModeSingle = 1, ///< the whole renderable, its shadow built from this pass
+    VXRRenderingModeShadowed = 2, ///< mixed content: the parts that cast the shadow
+    VXRRenderingModeShadowless = 3, ///< mixed content: the parts that do not
+};
+
+/// The compositor layer as the renderable that owns it sees it.
+class VXR_EXPORT VXRRenderableLayer {
+public:
+    virtual ~VXRRenderableLayer() = default;
+
+    virtual void invalidateLayer() = 0;
+    virtual void clearTextures() = 0;
+    virtual void setNeedsDisplay(bool) = 0;
+    virtual void setNeedsDisplayInRect(const Rect&) = 0; ///< in the renderable's local frame
+    virtual void prepareToDraw() = 0;
+    virtual void setZoom(float) = 0;
+    virtual float zoomFactor() const = 0;
+    virtual bool hasMixedContent() const = 0;
+    /// Whether some parts of the renderable cast its shadow and others do not.
+    virtual void setHasMixedContent(bool) { }
+    virtual int renderingMode() const = 0; ///< a `VXRRenderingMode`
+    virtual void setRenderingMode(int) = 0;
+
+    // Each appends; the records and textures stay the layer's.
+    virtual void addTexturesToArray(std::vector<VXRTexture*>&) = 0;
+    virtual void addShadowTexturesToArray(std::vector<VXRTexture*>&) = 0;
+    virtual void addShadowlessTexturesToArray(std::vector<VXRTexture*>&) = 0;
+    virtual void addLayerInfosToArray(std::vector<LayerInfo*>&) = 0;
+    virtual void addShadowInfosToArray(std::vector<LayerInfo*>&) = 0;
+    virtual void addShadowlessInfosToArray(std::vector<LayerInfo*>&) = 0;
+};
+
+} // namespace vxr

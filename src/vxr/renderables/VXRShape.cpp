@@ -1,0 +1,221 @@
+#include <vxr/renderables/VXRShape.h>
+
+#include <vxr/geometry/Color.h>
+#include <vxr/geometry/PathAdditions.h>
+#include <vxr/geometry/VXRColorUtilities.h>
+#include <vxr/geometry/VXRGeometry.h>
+#include <vxr/host/utility/VXULog.h>
+#include <vxr/platform/base/Exceptions.h>
+#include <vxr/platform/graphics/Context.h>
+#include <vxr/protocols/VXRCanvasRole.h>
+#include <vxr/protocols/VXRRenderableLayer.h>
+#include <vxr/protocols/VXRShapePainter.h>
+#include <vxr/renderables/VXRLineEnd.h>
+#include <vxr/strokes/VXRStroke.h>
+
+namespace vxr {
+
+VXRShape::VXRShape()
+    : mFill(Color::whiteColor())
+    , mStroke(VXRStroke::stroke())
+{
+}
+
+VXRShape::~VXRShape()
+{
+    if (mFill)
+        mFill->setOwner(nullptr);
+}
+
+// Path.
+
+void VXRShape::setPathPreserveOffset(std::shared_ptr<Path> newPath, bool preserve)
+{
+    if (!newPath)
+        raiseAssertion("VXRShape", 81, "path must be non-nil");
+    autoErase();
+    mPath = std::move(newPath);
+    const Point origin = mPath->bounds().origin;
+    mPath->transformUsingAffineTransform(AffineTransform::makeTranslation(-origin.x, -origin.y));
+    if (preserve)
+        offsetTo(origin);
+    setNaturalSize(mPath->bounds().size);
+    invalidateBoundingBox();
+    autoInvalidate();
+}
+
+std::shared_ptr<Path> VXRShape::transformedPath() const
+{
+    return mPath ? mPath->transformedBy(transform()) : Path::path();
+}
+
+// Styles.
+
+void VXRShape::setFill(std::shared_ptr<VXRShapePainter> newFill)
+{
+    if (mFill)
+        mFill->setOwner(nullptr);
+    mFill = std::move(newFill);
+    if (mFill)
+        mFill->setOwner(this);
+    autoInvalidate();
+}
+
+void VXRShape::setStroke(std::shared_ptr<VXRStroke> newStroke)
+{
+    autoErase();
+    mStroke = std::move(newStroke);
+    invalidateBoundingBox();
+    autoInvalidate();
+}
+
+void VXRShape::setWantsInteriorStroke(bool flag)
+{
+    if (flag == mInteriorStroke)
+        return;
+    // The cached bounds survive this change.
+    autoErase();
+    mInteriorStroke = flag;
+    autoInvalidate();
+}
+
+std::vector<VXRRenderableStyle> VXRShape::styles() const
+{
+    std::vector<VXRRenderableStyle> styles;
+    if (mFill)
+        styles.emplace_back(mFill);
+    if (mStroke)
+        styles.emplace_back(mStroke);
+    return styles;
+}
+
+float VXRShape::strokeWidth() const { return mStroke ? mStroke->width() : 0; }
+
+void VXRShape::setDynamicallyTransforming(bool flag)
+{
+    VXRRenderable::setDynamicallyTransforming(flag);
+    if (mFill)
+        mFill->setDynamicallyTransforming(flag);
+}
+
+void VXRShape::addBitmapsToRenderingQualityInfo(VXRBitmapRenderingQualityInfo& info)
+{
+    if (mFill)
+        mFill->addBitmapsToRenderingQualityInfoShape(info, *this);
+}
+
+// Bounds.
+
+Rect VXRShape::computeAlignmentBounds() const
+{
+    if (!mPath)
+        return {};
+    const auto path = transformedPath();
+    Rect bounds = path->bounds();
+    if (mStroke && !mInteriorStroke && mStroke->shouldRender()) {
+        mStroke->applyToBezierPathInsideStroke(*path, false);
+        bounds = unionRect(bounds, boundsIncludingStroke(*path));
+    }
+    if ((mTailLineEnd || mHeadLineEnd) && pathIsOpen()) {
+        if (mTailLineEnd)
+            bounds = unionRect(
+                bounds, alignmentBoundsForLineEndAtPointAngle(mTailLineEnd.get(), tailPoint(), tailAngle()));
+        if (mHeadLineEnd)
+            bounds = unionRect(
+                bounds, alignmentBoundsForLineEndAtPointAngle(mHeadLineEnd.get(), headPoint(), headAngle()));
+    }
+    return bounds;
+}
+
+float VXRShape::computePaintedOutset() const
+{
+    // A square cap's corner reaches half a diagonal from the line's end; the bounds count half a width.
+    const bool square = mStroke && mStroke->cap() == static_cast<int>(LineCap::Square) && !mInteriorStroke
+        && mStroke->shouldRender();
+    return square ? mStroke->width() * 0.20710678f : 0;
+}
+
+// Drawing.
+
+void VXRShape::clip() const { transformedPath()->addClip(); }
+
+void VXRShape::renderIntoContext(Context& context)
+{
+    // Every part of a shape casts the shadow.
+    if (layerRenderingMode() == VXRRenderingModeShadowless)
+        return;
+    const StateSaver saved(context);
+    if (mFill)
+        mFill->paintShape(*this);
+    if (mStroke)
+        mStroke->paintShape(*this);
+    if ((mTailLineEnd || mHeadLineEnd) && pathIsOpen()) {
+        if (mTailLineEnd)
+            renderLineEndStyleAtPointAngle(mTailLineEnd.get(), tailPoint(), tailAngle());
+        if (mHeadLineEnd)
+            renderLineEndStyleAtPointAngle(mHeadLineEnd.get(), headPoint(), headAngle());
+    }
+    if (mStrokeWhenBlackAndWhite && canvas() && canvas()->rendersBlackAndWhite()
+        && !(mStroke && mStroke->shouldRender())) {
+        const auto path = transformedPath();
+        path->setLineWidth(1);
+        VXRSetColor(*Color::blackColor());
+        path->stroke();
+    }
+}
+
+// Hits.
+
+bool VXRShape::containsPoint(Point p) const
+{
+    const auto local = localPointForHitTest(p);
+    if (!local || !mPath)
+        return false;
+    const bool closed = effectivelyClosed(*mPath);
+    if ((mFill || closed) && mPath->containsPoint(*local))
+        return true;
+    if (closed)
+        return false;
+    // Thin lines have a grace of two units on each side. In local units: it scales with the transform.
+    float width = strokeWidth();
+    if (width < 5)
+        width += 4;
+    const auto line = mPath->copy();
+    if (mStroke)
+        mStroke->applyToBezierPathInsideStroke(*line, false);
+    line->setLineWidth(width);
+    const auto outline = outlineStroke(*line);
+    return outline && outline->containsPoint(*local);
+}
+
+bool VXRShape::intersectsRect(const Rect& rect) const
+{
+    if (!rectsIntersect(rect, geometricBounds()))
+        return false;
+    const auto flat = transformedPath()->bezierPathByFlatteningPath();
+    Point current, start;
+    for (std::size_t i = 0; i < flat->elementCount(); ++i) {
+        const PathElement element = flat->elementAtIndex(i);
+        switch (element.kind) {
+        case PathElementKind::MoveTo:
+            current = start = element.endPoint();
+            break;
+        case PathElementKind::LineTo:
+            if (VXRLineIntersectsRect(current, element.endPoint(), rect))
+                return true;
+            current = element.endPoint();
+            break;
+        case PathElementKind::Close:
+            if (VXRLineIntersectsRect(current, start, rect))
+                return true;
+            break;
+        case PathElementKind::CurveTo:
+            VXULog_Fn(
+                VXULogLevelWarning, __FILE__, "Warning: VXRShape got illegal NSCurveToBezierPathElement");
+            break;
+        }
+    }
+    return false;
+}
+
+} // namespace vxr

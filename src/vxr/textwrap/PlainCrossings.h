@@ -1,0 +1,36 @@
+#pragma once
+
+#include <vxr/platform/graphics/values/Geometry.h>
+#include <vxr/platform/polygons/gpc.h>
+
+#include <vector>
+
+namespace vxr {
+
+/// Spans of a line inside or outside a polygon without clipping, for the plain case that most lines
+/// beside a shape are: every piece of outline at the line's height runs up or down through it, at a clear
+/// distance from the other pieces and from the line's ends. The answer is then that of the clip.
+class PlainCrossings {
+public:
+    /// Finds the crossings of `polygon` with the band of the line. False when the case is not plain.
+    /// `clearance` is the distance below which edges might meet on the clipper's grid.
+    bool find(const gpc_polygon& polygon, const Rect& line, double clearance);
+
+    /// After a successful `find`: the boxes of what is left of the line inside the polygon or outside it,
+    /// from left to right, at the height of the line.
+    void appendBoxes(bool inside, std::vector<Rect>& boxes) const;
+
+private:
+    struct Crossing {
+        double from, to; ///< the x range of one piece of outline within the band
+    };
+
+    bool addContour(const gpc_vertex_list& contour);
+    bool areApart(double clearance);
+
+    Rect mLine;
+    double mLow = 0, mHigh = 0, mLeft = 0, mRight = 0;
+    std::vector<Crossing> mCrossings;
+};
+
+} // namespace vxr
