@@ -1,0 +1,86 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+namespace vxr {
+
+/// How pixels or a colour meet what lies below, under a coverage of 0 to 255 (`c` below, over 255). Each
+/// operation leaves pixels of coverage 0 as they are. Nothing but the given pixels is read or written.
+/// Sources and destinations don't overlap.
+struct SpanOperation {
+    using Color
+        = void (*)(std::uint32_t* destination, std::size_t count, std::uint32_t color, std::uint8_t coverage);
+    using ColorMask = void (*)(
+        std::uint32_t* destination, std::size_t count, std::uint32_t color, const std::uint8_t* coverage);
+    using Pixels = void (*)(
+        std::uint32_t* destination, std::size_t count, const std::uint32_t* source, std::uint8_t coverage);
+    using PixelsMask = void (*)(std::uint32_t* destination, std::size_t count, const std::uint32_t* source,
+        const std::uint8_t* coverage);
+
+    Color color; ///< one colour through one coverage: 255 for full spans
+    ColorMask colorMask; ///< one colour, a coverage per pixel
+    Pixels pixels; ///< a span of source pixels through one coverage
+    PixelsMask pixelsMask; ///< a span of source pixels, a coverage per pixel
+};
+
+/// Row loops over premultiplied ARGB32 pixels (alpha in the upper byte), 8-bit coverage and the cells of a
+/// signed-area rasteriser. Any count is allowed, 0 too, and no pointer needs to be aligned. Every set of
+/// loops gives the same bytes: each product of two bytes over 255 is rounded to the nearest.
+struct SpanKernels {
+    const char* name;
+
+    /// By the numbers of `CompositeOperation`:
+    /// 0 clear: d (1 - c); colour and source are not looked at.
+    /// 1 copy: s c + d (1 - c), rounded once.
+    /// 2 over: s c + d (1 - alpha of s c), each product rounded as in pixman; sums saturate.
+    SpanOperation operations[3];
+
+    const SpanOperation& over() const { return operations[2]; }
+
+    /// Multiplies pixels by a factor over 255. `target` may be `source`.
+    void (*fade)(std::uint32_t* target, const std::uint32_t* source, std::size_t count, std::uint8_t factor);
+    /// Multiplies a coverage by another, each over 255.
+    void (*multiplyMask)(std::uint8_t* mask, const std::uint8_t* other, std::size_t count);
+    void (*fadeMask)(std::uint8_t* mask, std::size_t count, std::uint8_t factor);
+
+    /// Turns cells of signed area, in which `fullCell` is a whole pixel, into coverage: sums `carry` and the
+    /// cells up to and with each pixel's, applies the fill rule, and sets the cells to 0. Returns the sum of
+    /// all, which is the carry of the cells to the right. Sums wrap around.
+    using Sum = std::int32_t (*)(
+        std::int32_t* cells, std::size_t count, std::int32_t carry, std::uint8_t* coverage);
+    Sum sumNonZero; ///< min(|sum|, full)
+    Sum sumEvenOdd; ///< the distance to the next even number of full cells
+};
+
+inline constexpr std::int32_t fullCell = 1 << 17;
+
+/// The coverage of one sum, as the loops compute it: for constant runs between marked cells.
+inline std::uint8_t coverageNonZero(std::int32_t sum)
+{
+    const std::uint32_t area = sum < 0 ? -std::uint32_t(sum) : std::uint32_t(sum);
+    const std::uint32_t inside = area < std::uint32_t(fullCell) ? area : std::uint32_t(fullCell);
+    return std::uint8_t((inside * 255 + fullCell / 2) >> 17);
+}
+
+inline std::uint8_t coverageEvenOdd(std::int32_t sum)
+{
+    const std::uint32_t area = std::uint32_t(sum) & (2 * fullCell - 1);
+    const std::uint32_t inside = area < std::uint32_t(fullCell) ? area : 2 * fullCell - area;
+    return std::uint8_t((inside * 255 + fullCell / 2) >> 17);
+}
+
+/// The product of two bytes over 255, rounded.
+inline constexpr std::uint8_t multiplyBytes(std::uint8_t a, std::uint8_t b)
+{
+    return std::uint8_t((unsigned(a) * b + 128) * 257 >> 16);
+}
+
+/// The loops to use on this processor, chosen once.
+const SpanKernels& spanKernels();
+
+/// All loops that this processor runs, the portable ones first.
+std::span<const SpanKernels* const> availableSpanKernels();
+
+} // namespace vxr
