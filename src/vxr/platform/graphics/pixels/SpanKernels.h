@@ -6,6 +6,8 @@
 
 namespace vxr {
 
+struct RadialBlend;
+
 /// How pixels or a colour meet what lies below, under a coverage of 0 to 255 (`c` below, over 255). Each
 /// operation leaves pixels of coverage 0 as they are. Nothing but the given pixels is read or written.
 /// Sources and destinations don't overlap.
@@ -52,6 +54,9 @@ struct SpanKernels {
         std::int32_t* cells, std::size_t count, std::int32_t carry, std::uint8_t* coverage);
     Sum sumNonZero; ///< min(|sum|, full)
     Sum sumEvenOdd; ///< the distance to the next even number of full cells
+
+    /// Colours of a radial blend from column `x` on; (u, v) are the coordinates of column 0 in the row.
+    void (*radial)(const RadialBlend&, double u, double v, int x, std::size_t count, std::uint32_t* colors);
 };
 
 inline constexpr std::int32_t fullCell = 1 << 17;
