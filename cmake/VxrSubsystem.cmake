@@ -16,9 +16,10 @@ pkg_check_modules(PIXMAN REQUIRED IMPORTED_TARGET pixman-1)
 pkg_check_modules(LCMS REQUIRED IMPORTED_TARGET lcms2)
 pkg_check_modules(PNG REQUIRED IMPORTED_TARGET libpng)
 pkg_check_modules(CLIPPER REQUIRED IMPORTED_TARGET polyclipping)
+pkg_check_modules(XML REQUIRED IMPORTED_TARGET libxml-2.0)
 find_package(fmt REQUIRED)
 
-set(VXR_BACKENDS PkgConfig::CAIRO PkgConfig::PIXMAN PkgConfig::LCMS PkgConfig::PNG PkgConfig::CLIPPER fmt::fmt)
+set(VXR_BACKENDS PkgConfig::CAIRO PkgConfig::PIXMAN PkgConfig::LCMS PkgConfig::PNG PkgConfig::CLIPPER PkgConfig::XML fmt::fmt)
 
 # The path in an #include is the path in the tree and in the installed headers.
 set(VXR_INCLUDE_ROOT "${PROJECT_SOURCE_DIR}/src")

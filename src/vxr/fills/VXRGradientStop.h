@@ -20,6 +20,10 @@ public:
     std::shared_ptr<VXRGradientStop> cloneWithColor(std::shared_ptr<Color> color) const;
     std::shared_ptr<VXRGradientStop> copyWithZone() const; ///< with the same colour object
 
+    /// For readers that repair damaged gradients: moves the stop without regard to its neighbours. Clamped
+    /// into [0, 1] like every fraction.
+    void p_setFractionForUnarchivingFixup(float fraction) { _setFraction(fraction); }
+
     bool isEqual(const Object& other) const override; ///< equal fractions and colours
 
 private:
