@@ -159,6 +159,27 @@ TEST(Canvas, ScaleKeepsTheCentreAndGrowsTheFrame)
     EXPECT_TRUE(still.canvas->needsDisplay());
 }
 
+TEST(Canvas, RefusesAScaleThatIsNoneAndKeepsItsOwn)
+{
+    PageScene scene(windowSize, pageSize);
+    for (const float scale : { 0.0f, -1.0f, NAN, INFINITY }) {
+        EXPECT_THROW(scene.canvas->setScale(scale), InvalidArgumentException) << scale;
+        EXPECT_EQ(scene.canvas->viewScale(), 1);
+        EXPECT_EQ(scene.canvas->bounds(), Rect({ 0, 0 }, pageSize));
+    }
+}
+
+/// Where it is clipped to counts from there, whether or not there is a scroll view.
+TEST(Canvas, KnowsWhatIsVisibleOfItsSuperview)
+{
+    Window window({ 0, 0, 100, 80 });
+    auto canvas = std::make_shared<PageCanvas>(Rect { 20, 30, 200, 40 });
+    window.contentView()->addSubview(canvas);
+    EXPECT_EQ(canvas->visibleRect(), Rect(0, 0, 80, 40));
+    EXPECT_EQ(canvas->superviewVisibleRect(), Rect(-20, -10, 100, 80));
+    EXPECT_EQ(canvas->clipViewVisibleRect(), canvas->visibleRect());
+}
+
 TEST(Canvas, TheClipViewCopiesOnScrollOnTheDirectRoadOnly)
 {
     PageScene scene(windowSize, pageSize);

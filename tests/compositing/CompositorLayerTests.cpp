@@ -99,6 +99,8 @@ TEST(CompositorLayer, ShadowsAreCutTowardsNeighbours)
     Layered small(canvas, {}, { 30, 30 });
     small.prepare();
     EXPECT_EQ(small.layer.shadowClipForIndex(0), 0);
+    big.renderable.bounds = {}; // no tiles at all
+    EXPECT_EQ(big.layer.shadowClipForIndex(0), 0);
 }
 
 TEST(CompositorLayer, TileSizeComesFromTheDefaultsWithinLimits)

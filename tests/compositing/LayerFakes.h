@@ -81,6 +81,7 @@ struct FakeRenderable final : VXRLayeredRenderable {
     bool layerShouldClearOnUpdate() const override { return true; }
     bool requiresQuickdraw() const override { return false; }
     float opacity() const override { return fade; }
+    int renderingMode() const override { return modes.empty() ? 0 : modes.back(); }
     void setRenderingMode(int mode) override { modes.push_back(mode); }
     void drawRect(const Rect& rect) override
     {

@@ -1,4 +1,5 @@
 #include <vxr/fills/VXRAngleGradient.h>
+#include <vxr/fills/VXRShadingRep.h>
 #include <vxr/fills/VXRTransformGradient.h>
 #include <vxr/platform/base/Exceptions.h>
 #include <vxr/platform/graphics/Shading.h>
@@ -85,6 +86,24 @@ TEST(Gradient, StopsGoBehindThoseOfTheSameFraction)
     std::stable_sort(expected.begin(), expected.end(),
         [](const auto& a, const auto& b) { return a->fraction() < b->fraction(); });
     EXPECT_EQ(gradient->gradientStops(), expected);
+}
+
+TEST(Gradient, RefusesMissingStopsAndLivesWithMissingColours)
+{
+    auto gradient = gradientAt({ 0, 1 });
+    const VXRGradient::Stops before = gradient->gradientStops();
+    EXPECT_THROW(gradient->insertGradientStop(nullptr), InvalidArgumentException);
+    EXPECT_THROW(gradient->setGradientStops({ before[0], nullptr }), InvalidArgumentException);
+    EXPECT_EQ(gradient->gradientStops(), before);
+
+    EXPECT_THROW(VXRShadingRep::shadingWithStartEnd(red(), nullptr), InvalidArgumentException);
+    VXRGradient bare(nullptr, red(), VXRLinearGradient);
+    bare.insertStopAtFraction(0.5f);
+    EXPECT_EQ(bare.colorAtFraction(0.25f), nullptr);
+    EXPECT_TRUE(bare.isEqual(*bare.copyWithZone()));
+    bare.evenlyDistributeStops();
+    bare.removeStop(*bare.stopAtIndex(0));
+    EXPECT_EQ(bare.gradientStops().size(), 2u);
 }
 
 TEST(Gradient, BracketingStops)

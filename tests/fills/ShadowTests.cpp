@@ -142,6 +142,13 @@ TEST(Shadow, GoesThroughTheSequentialCoderAndReadsNothingDamaged)
         EXPECT_TRUE(decoder.isAtEnd());
     }
     VXACoder coder;
+    shadow(30, 5, 3, 0.5f, Color::namedColor(0.25f))->encodeWithCoder(coder);
+    VXADecoder named(coder.data());
+    EXPECT_TRUE(VXRShadow::initWithCoder(named)->isEqual(
+        *shadow(30, 5, 3, 0.5f, Color::colorWithCalibratedWhite(0, 0.25f))))
+        << "as it draws";
+
+    coder = {};
     shadow(30, 5, 3, 0.5f, red())->encodeWithCoder(coder);
     for (std::size_t length = 0; length < coder.data().size(); ++length) {
         VXADecoder decoder(coder.data().first(length));

@@ -32,7 +32,7 @@ public:
     float zoomFactor() const override { return zoom; }
     bool hasMixedContent() const override { return mixed; }
     int renderingMode() const override { return mode; }
-    void setRenderingMode(int m) override { mode = m, lines->push_back("layer mode " + std::to_string(m)); }
+    void setRenderingMode(int m) override { mode = m; }
     void addTexturesToArray(std::vector<VXRTexture*>&) override { lines->push_back("textures"); }
     void addShadowTexturesToArray(std::vector<VXRTexture*>&) override { lines->push_back("shadow textures"); }
     void addShadowlessTexturesToArray(std::vector<VXRTexture*>&) override

@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <functional>
 
 using namespace vxr;
 using namespace vxr::test;
@@ -24,9 +25,21 @@ public:
     Box() { setNaturalSize({ 30, 40 }); }
 
     bool quickdraw = false;
+    std::vector<int> modes;
+    std::function<void()> whileDrawing;
 
+    void setRenderingMode(int mode) override
+    {
+        modes.push_back(mode);
+        VXRRenderable::setRenderingMode(mode);
+    }
     bool requiresQuickdraw() const override { return quickdraw; }
-    void renderIntoContext(Context& context) override { context.fillRect({ 0, 0, 1, 1 }); }
+    void renderIntoContext(Context& context) override
+    {
+        context.fillRect({ 0, 0, 1, 1 });
+        if (whileDrawing)
+            whileDrawing();
+    }
 };
 
 std::shared_ptr<VXRShadow> blackShadow(float angle, float offset, int radius)
@@ -167,25 +180,23 @@ TEST(Renderable, DrawsInOneOrTwoPasses)
     box.setShadow(blackShadow(0, 10, 5));
     box.setOpacity(0.5f);
     const auto drawn = [&] {
-        calls.clear();
+        box.modes.clear();
         return recordingOf([&] { box.renderLayeredIntoContext(currentDrawingPort()); });
     };
     const std::string once
         = "save\nset-alpha 0.5\nset-shadow offset=20 0 blur=10 color=0 0 0 1\nbegin-layer\n"
           "fill-rect 0 0 1 1\nend-layer\nclear-shadow\nrestore\n";
     EXPECT_EQ(drawn(), once) << "no layer yet";
-    box.fakeLayer();
-    EXPECT_EQ(drawn(), once);
-    EXPECT_EQ(calls, (Lines { "layer mode 1", "layer mode 0" }));
+    EXPECT_EQ(box.modes, (std::vector { 1, 0 }));
 
     box.fakeLayer().mixed = true;
     EXPECT_EQ(drawn(),
         "save\nset-alpha 0.5\nbegin-layer\nfill-rect 0 0 1 1\nend-layer\nclear-shadow\nrestore\n" + once);
-    EXPECT_EQ(calls, (Lines { "layer mode 3", "layer mode 2", "layer mode 0" }));
+    EXPECT_EQ(box.modes, (std::vector { 3, 2, 0 }));
 
     box.setShadow(nullptr);
     drawn();
-    EXPECT_EQ(calls, (Lines { "layer mode 1", "layer mode 0" })) << "without a shadow nothing is mixed";
+    EXPECT_EQ(box.modes, (std::vector { 1, 0 })) << "without a shadow nothing is mixed";
     box.setCanvas(nullptr);
 }
 
@@ -248,4 +259,68 @@ TEST(Renderable, KeepsATextureSetUntilSessionOrContentChangeAndLeavesItAndTheCan
     }
     EXPECT_TRUE(kept->entries().empty());
     EXPECT_EQ(calls.back(), "unregister");
+}
+
+TEST(Renderable, LeavesEverySetThatAHostHolds)
+{
+    VXXTextureSession sessions[2];
+    auto box = std::make_unique<Box>();
+    const auto former = box->texture(&sessions[0]), present = box->texture(&sessions[1]);
+    const auto own
+        = VXRTextureSet::initWithSessionAllowActiveCollapseFinalTextureSource(&sessions[0], false, box.get());
+    own->addRenderableZOrderChunkStage(*box, 3, 0);
+    VXRTextureSet::initWithSessionAllowActiveCollapseFinalTextureSource(&sessions[0], false, box.get());
+    box = nullptr;
+    for (const auto& set : { former, present, own })
+        EXPECT_TRUE(set->texturesForChunkStage(0).empty() && set->entries().empty());
+    EXPECT_EQ(own->finalTextureSource(), nullptr);
+}
+
+TEST(Renderable, NoRenderingModeOutlivesADrawingInWhichTheLayerWasMadeOrFlushed)
+{
+    Lines calls;
+    Layered<Box> box(&calls);
+    for (const bool flushes : { false, true }) {
+        box.whileDrawing = [&] {
+            EXPECT_EQ(box.renderingMode(), VXRRenderingModeSingle);
+            box.layer();
+            if (flushes)
+                box.flushCompositorLayer();
+        };
+        recordingOf([&] { box.renderLayeredIntoContext(currentDrawingPort()); });
+        box.flushCompositorLayer();
+        EXPECT_EQ(box.renderingMode(), VXRRenderingModeNone) << flushes;
+    }
+}
+
+TEST(Renderable, MayLoseItsCanvasWhileItTellsItOfDamage)
+{
+    class LettingGo : public FakeCanvas {
+    public:
+        using FakeCanvas::FakeCanvas;
+        void invalidateRenderable(VXRRenderable& renderable) override { renderable.setCanvas(nullptr); }
+        void invalidateRenderableInRect(VXRRenderable& renderable, const Rect&) override
+        {
+            renderable.setCanvas(nullptr);
+        }
+    };
+    LettingGo canvas;
+    Box box;
+    for (const bool whole : { false, true }) {
+        box.setCanvas(&canvas);
+        if (whole)
+            box.invalidate();
+        else
+            box.setNeedsDisplayInRect({ 0, 0, 5, 5 });
+        EXPECT_EQ(box.canvas(), nullptr);
+    }
+}
+
+TEST(Renderable, ErasesWhatAnOverrideSaysOfItsShadowEvenWithoutOne)
+{
+    class Glowing : public Box {
+    public:
+        Rect shadowBoundsForRect(const Rect& r) const override { return insetRect(r, -7, -7); }
+    };
+    EXPECT_EQ(Glowing().erasableBounds(), Rect(-7, -7, 44, 54));
 }

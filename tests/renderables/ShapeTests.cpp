@@ -121,6 +121,10 @@ TEST(Shape, DrawsFillThenStrokeThenTailThenHead)
     shape->setFill(nullptr);
     shape->setStroke(nullptr);
     EXPECT_EQ(drawn(*shape), "save\nrestore\n") << "a path that ends where it began has no ends";
+
+    shape->path()->setFlatness(0.125f);
+    shape->setFill(Color::colorWithCalibratedRGB(1, 0, 0));
+    EXPECT_THAT(drawn(*shape), ::testing::HasSubstr("set-flatness 0.125\nfill"));
 }
 
 TEST(Shape, DrawsNothingInTheShadowlessPass)
@@ -129,10 +133,10 @@ TEST(Shape, DrawsNothingInTheShadowlessPass)
     Layered<VXRShape> shape(&calls);
     shape.setPath(Path::pathWithRect({ 0, 0, 10, 10 }));
     for (const int mode : { 0, 1, 2 }) {
-        shape.fakeLayer().mode = mode;
+        shape.setRenderingMode(mode);
         EXPECT_NE(drawn(shape), "") << mode;
     }
-    shape.fakeLayer().mode = VXRRenderingModeShadowless;
+    shape.setRenderingMode(VXRRenderingModeShadowless);
     EXPECT_EQ(drawn(shape), "");
 }
 

@@ -12,8 +12,9 @@ namespace vxr::test {
 using Lines = std::vector<std::string>;
 
 /// A canvas that answers what a test tells it and writes down what it is told.
-class FakeCanvas final : public VXRCanvasRole {
+class FakeCanvas : public VXRCanvasRole {
 public:
+    virtual ~FakeCanvas() = default;
     explicit FakeCanvas(Lines* calls = nullptr)
         : lines(calls)
     {

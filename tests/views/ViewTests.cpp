@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <map>
 #include <random>
 
 using namespace vxr;
@@ -20,10 +21,12 @@ class PictureView : public View {
 public:
     using View::View;
     bool flipped = true;
+    bool opaque = false;
     std::function<void(const Rect&)> paint;
     std::vector<Rect> drawn;
 
     bool isFlipped() const override { return flipped; }
+    bool isOpaque() const override { return opaque; }
     void drawRect(const Rect& rect) override
     {
         drawn.push_back(rect);
@@ -52,6 +55,21 @@ std::vector<std::uint32_t> withBox(
     for (int y = int(box.minY()); y < int(box.maxY()); ++y)
         std::fill_n(pixels.begin() + y * rowLength + int(box.minX()), int(box.size.width), value);
     return pixels;
+}
+
+/// The pixels that differ, less those within the damage.
+int changedOutside(
+    const std::vector<std::uint32_t>& before, const Window& window, const std::vector<Rect>& damage)
+{
+    auto after = allPixels(window);
+    for (const Rect& r : damage)
+        for (int y = int(r.minY()); y < int(r.maxY()); ++y)
+            std::copy_n(before.begin() + y * window.width() + int(r.minX()), int(r.size.width),
+                after.begin() + y * window.width() + int(r.minX()));
+    int count = 0;
+    for (std::size_t i = 0; i < after.size(); ++i)
+        count += after[i] != before[i];
+    return count;
 }
 
 /// A window that shows a document of stripes, which differ at every place, with marks on it.
@@ -139,7 +157,9 @@ TEST(ClipView, CopyingOnScrollEqualsRedrawingAndDrawsOnlyWhatIsNew)
     redrawing.scrollView->contentView().setCopiesOnScroll(false);
     std::mt19937 random(3);
     Point place { 0, 0 };
+    copying.window.takeDamage();
     for (int step = 0; step < 60; ++step) {
+        const auto before = allPixels(copying.window);
         const bool far = step % 7 == 0;
         place = copying.scrollView->contentView().constrainScrollPoint(
             { place.x + float(int(random() % (far ? 301 : 21)) - (far ? 150 : 10)),
@@ -155,6 +175,7 @@ TEST(ClipView, CopyingOnScrollEqualsRedrawingAndDrawsOnlyWhatIsNew)
             scene->window.displayIfNeeded();
         }
         ASSERT_EQ(allPixels(copying.window), allPixels(redrawing.window)) << "step " << step;
+        ASSERT_EQ(changedOutside(before, copying.window, copying.window.takeDamage()), 0) << "step " << step;
     }
     copying.scrollView->contentView().scrollToPoint({ place.x, place.y > 50 ? place.y - 4 : place.y + 4 });
     copying.document->drawn.clear();
@@ -175,6 +196,84 @@ TEST(ClipView, PixelsOfAViewInFrontStayWhereTheyAre)
     const auto scrolled = allPixels(scene.window);
     scene.window.display();
     EXPECT_EQ(scrolled, allPixels(scene.window));
+}
+
+/// Whatever lies over what: opaque views, views that show through, views in views, painted superviews.
+TEST(Window, RedrawnInPartsLooksAndIsReportedAsIfRedrawnWholly)
+{
+    std::mt19937 random(11);
+    const auto below = [&](int n) { return int(random() % unsigned(n)); };
+    Window window({ 0, 0, 90, 70 });
+    auto page = std::make_shared<PictureView>(Rect { 0, 0, 90, 70 });
+    window.setContentView(page);
+    std::vector<std::shared_ptr<PictureView>> views { page };
+    std::map<const View*, int> shades;
+    for (int i = 0; i < 14; ++i) {
+        auto view = std::make_shared<PictureView>(
+            Rect(float(below(60)), float(below(40)), float(5 + below(40)), float(5 + below(30))));
+        view->opaque = below(2);
+        views[i < 9 ? 0 : std::size_t(1 + below(8))]->addSubview(view);
+        views.push_back(view);
+    }
+    for (const auto& view : views)
+        view->paint = [&shades, v = view.get()](const Rect& r) {
+            const float alpha = v->opaque || !v->superview() ? 1 : 0.4f;
+            currentDrawingPort().setFillColor(ColorValue::rgb(float(shades[v] % 7) / 7, 0.3f, 0.6f, alpha));
+            currentDrawingPort().fillRect(r);
+        };
+    window.displayIfNeeded();
+    for (int step = 0; step < 300; ++step) {
+        const auto before = allPixels(window);
+        window.takeDamage();
+        View* last = nullptr;
+        for (int n = 1 + below(3); n > 0; --n) {
+            PictureView& view = *views[std::size_t(below(int(views.size())))];
+            last = &view;
+            if (below(5) == 0 && view.superview()) {
+                view.setHidden(!view.isHidden());
+            } else if (below(4) == 0 && view.superview()) {
+                view.setFrameOrigin({ float(below(60)), float(below(40)) });
+            } else {
+                ++shades[&view];
+                view.setNeedsDisplay(true);
+            }
+        }
+        if (below(4) == 0)
+            last->displayIfNeeded(); // the others still wait
+        window.displayIfNeeded();
+        ASSERT_EQ(changedOutside(before, window, window.takeDamage()), 0) << "step " << step;
+        const auto inParts = allPixels(window);
+        window.display();
+        ASSERT_EQ(inParts, allPixels(window)) << "step " << step;
+    }
+}
+
+TEST(Window, ViewsMayLeaveWhileTheyAreDrawn)
+{
+    Window window({ 0, 0, 30, 30 });
+    auto leaving = std::make_shared<PictureView>(Rect { 0, 0, 10, 10 });
+    auto next = std::make_shared<PictureView>(Rect { 10, 10, 10, 10 });
+    auto last = std::make_shared<PictureView>(Rect { 20, 20, 10, 10 });
+    for (const auto& view : { leaving, next, last })
+        window.contentView()->addSubview(view);
+    PictureView* gone = leaving.get();
+    gone->paint = [&, gone](const Rect&) {
+        next->removeFromSuperview();
+        gone->removeFromSuperview();
+    };
+    last->paint = [&](const Rect& r) {
+        fill(r, 0, 1, 0);
+        window.setContentView(nullptr);
+    };
+    leaving = nullptr;
+    window.displayIfNeeded();
+    EXPECT_TRUE(next->drawn.empty());
+    EXPECT_EQ(View::focusView(), nullptr);
+    EXPECT_EQ(GraphicsContext::currentContext(), nullptr);
+    EXPECT_EQ(pixelAt(window, 25, 5), 0xff00ff00u);
+    ASSERT_TRUE(window.contentView());
+    EXPECT_EQ(window.contentView()->frame(), Rect(0, 0, 30, 30));
+    EXPECT_TRUE(window.contentView()->subviews().empty());
 }
 
 TEST(ClipView, ScrollPointStaysOnTheDocumentAndOnWholePixels)

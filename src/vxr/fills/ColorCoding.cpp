@@ -5,6 +5,9 @@
 #include <vxr/host/archiving/VXADecoder.h>
 #include <vxr/platform/base/Exceptions.h>
 
+#include <algorithm>
+#include <iterator>
+
 namespace vxr {
 
 namespace {
@@ -16,10 +19,13 @@ constexpr std::string_view spaces[] = { NSCalibratedWhiteColorSpace, NSCalibrate
 void encodeColor(const Object& object, VXACoder& coder)
 {
     const auto& color = static_cast<const Color&>(object);
-    int space = 0;
-    while (spaces[space] != color.colorSpaceName())
-        ++space;
-    coder.encodeInt(space);
+    const auto space = std::find(std::begin(spaces), std::end(spaces), color.colorSpaceName());
+    if (space == std::end(spaces)) {
+        // A named colour has no components: it is coded as it draws.
+        encodeColor(*Color::colorWithCalibratedWhite(0, color.alphaComponent()), coder);
+        return;
+    }
+    coder.encodeInt(int(space - std::begin(spaces)));
     for (int i = 0; i < color.componentCount(); ++i)
         coder.encodeFloat(color.component(i));
     coder.encodeFloat(color.alphaComponent());

@@ -31,6 +31,12 @@ void requireIndex(std::size_t index, std::size_t count)
             + std::to_string(count) + " there are.");
 }
 
+void requireStop(const std::shared_ptr<VXRGradientStop>& stop)
+{
+    if (!stop)
+        throw InvalidArgumentException("A gradient's stop is missing.");
+}
+
 void requireRemovable(std::size_t count)
 {
     if (count < 3)
@@ -67,6 +73,7 @@ void VXRGradient::setGradientStops(const Stops& stops)
 {
     if (&stops == &mStops)
         return;
+    std::for_each(stops.begin(), stops.end(), requireStop);
     mStops = stops;
     releaseShadingRef();
 }
@@ -79,6 +86,7 @@ std::shared_ptr<VXRGradientStop> VXRGradient::stopAtIndex(std::size_t index) con
 
 void VXRGradient::insertGradientStop(std::shared_ptr<VXRGradientStop> stop)
 {
+    requireStop(stop);
     if (mStops.empty()) {
         mStops.push_back(std::move(stop));
         return;

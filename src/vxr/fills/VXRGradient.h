@@ -31,7 +31,8 @@ public:
     static std::shared_ptr<VXRGradient> radialGradientWithStartColorEndColor(
         std::shared_ptr<Color> startColor, std::shared_ptr<Color> endColor);
 
-    // Stops, in ascending order of fraction.
+    // Stops, in ascending order of fraction. None is missing (`InvalidArgumentException`); their colours
+    // may be, and then nothing is painted between them.
     const Stops& gradientStops() const { return mStops; }
     /// Keeps a list of its own with the same stop objects. The gradient's own list changes nothing.
     void setGradientStops(const Stops& stops);

@@ -3,6 +3,7 @@
 #include <vxr/fills/VXRColorRGB64.h>
 #include <vxr/fills/VXRShadingRepCache.h>
 #include <vxr/geometry/VXRColorUtilities.h>
+#include <vxr/platform/base/Exceptions.h>
 #include <vxr/platform/graphics/Image.h>
 
 #include <algorithm>
@@ -39,6 +40,8 @@ VXRShadingRep::~VXRShadingRep() = default;
 std::shared_ptr<VXRShadingRep> VXRShadingRep::shadingWithStartEnd(
     const std::shared_ptr<Color>& start, const std::shared_ptr<Color>& end)
 {
+    if (!start || !end)
+        throw InvalidArgumentException("A ramp needs two colours.");
     VXRShadingRepCache& cache = VXRShadingRepCache::instance();
     if (auto cached = cache.shadingWithStartEnd(*start, *end))
         return cached;

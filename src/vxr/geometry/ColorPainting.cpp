@@ -58,8 +58,7 @@ void Color::paintShape(VXRPaintedShape& shape)
         return;
     else
         VXRSetColor(*this);
-    const auto path = shape.transformedPath();
-    currentDrawingPort().fillPath(*path, path->windingRule());
+    shape.transformedPath()->fill();
 }
 
 void Color::paintRect(const Rect& rect)

@@ -46,6 +46,8 @@ public:
     /// is no clip view.
     virtual Rect clipViewVisibleRect() const = 0;
     virtual Rect visibleRect() const = 0; ///< canvas coordinates
+    /// What is visible of the canvas's superview, in canvas coordinates.
+    virtual Rect superviewVisibleRect() const { return clipViewVisibleRect(); }
     virtual Rect convertRectToWindow(const Rect&) const = 0; ///< canvas to window (y up) coordinates
 
 protected:

@@ -24,9 +24,11 @@ public:
     virtual float opacity() const { return 1; } ///< fades the whole layer, without a redraw
     /// Draws into the current graphics context, in canvas coordinates.
     virtual void drawRect(const Rect&) = 0;
+    /// Which pass is being drawn, a `VXRRenderingMode`; kept here for the renderable and its layer alike.
+    virtual int renderingMode() const = 0;
+    virtual void setRenderingMode(int) = 0;
 
     // What only some renderables answer.
-    virtual void setRenderingMode(int) { } ///< told which pass is about to be drawn
     virtual View* view() const { return nullptr; } ///< the hosted view, if there is one
     virtual void setViewShouldRender(bool) { }
 

@@ -19,8 +19,9 @@ VXRRenderable::~VXRRenderable()
 {
     if (mCanvas)
         mCanvas->unregisterRenderable(*this);
-    if (mTexture)
-        mTexture->removeRenderable(*this);
+    const auto sets = std::move(mTextureSets);
+    for (VXRTextureSet* set : sets)
+        set->removeRenderable(*this);
 }
 
 // State.
@@ -216,9 +217,7 @@ Rect VXRRenderable::erasableBounds() const
     Rect painted = alignmentBounds();
     if (mPaintedOutset != 0)
         painted = insetRect(painted, -mPaintedOutset, -mPaintedOutset);
-    if (shadow())
-        painted = shadowBoundsForRect(painted);
-    return unionRect(painted, geometricBounds());
+    return unionRect(shadowBoundsForRect(painted), geometricBounds());
 }
 
 // Geometry.

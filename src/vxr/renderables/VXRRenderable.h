@@ -126,6 +126,8 @@ public:
     virtual bool shouldOptimizeTranslation() const { return true; } ///< a move only shifts the bounds
     bool requiresQuickdraw() const override { return false; }
     bool layerShouldClearOnUpdate() const override { return true; }
+    int renderingMode() const final { return mRenderingMode; }
+    void setRenderingMode(int mode) override; ///< an override passes it on
     virtual void addBitmapsToRenderingQualityInfo(VXRBitmapRenderingQualityInfo&) { }
 
 protected:
@@ -135,11 +137,10 @@ protected:
     std::optional<Point> localPointForHitTest(Point point) const;
     /// How far painting reaches beyond the alignment bounds; asked when these are computed, kept with them.
     virtual float computePaintedOutset() const { return 0; }
-    int layerRenderingMode() const; ///< 0 while there is no layer and nothing is being drawn
 
 private:
+    friend class VXRTextureSet;
     bool layerCanWait() const;
-    void setLayerRenderingMode(int mode);
     void renderPass(Context& context, int mode);
     void drawTextures(const std::vector<VXRTexture*>&) const;
 
@@ -161,9 +162,10 @@ private:
     Rect mClipRect;
     bool mAllowsTiling = true;
     bool mDynamicallyTranslating = false;
-    std::int8_t mModeWithoutLayer = 0; ///< the rendering mode while there is no layer to keep it
+    std::int8_t mRenderingMode = 0;
     VXXTextureSession* mTextureSession = nullptr;
     std::shared_ptr<VXRTextureSet> mTexture;
+    std::vector<VXRTextureSet*> mTextureSets; ///< all that hold this renderable
 };
 
 } // namespace vxr

@@ -18,11 +18,8 @@ namespace vxr {
 
 const std::shared_ptr<VXRRenderableLayer>& VXRRenderable::layer() const
 {
-    if (!mLayer) {
+    if (!mLayer)
         mLayer = const_cast<VXRRenderable*>(this)->makeLayer();
-        if (mModeWithoutLayer != VXRRenderingModeNone)
-            mLayer->setRenderingMode(mModeWithoutLayer);
-    }
     return mLayer;
 }
 
@@ -35,17 +32,7 @@ std::shared_ptr<VXRRenderableLayer> VXRRenderable::makeLayer()
 /// would pass the news on to a hosted view.
 bool VXRRenderable::layerCanWait() const { return !mLayer && !view(); }
 
-int VXRRenderable::layerRenderingMode() const { return mLayer ? mLayer->renderingMode() : mModeWithoutLayer; }
-
-void VXRRenderable::setLayerRenderingMode(int mode)
-{
-    if (mLayer) {
-        mLayer->setRenderingMode(mode);
-        return;
-    }
-    mModeWithoutLayer = static_cast<std::int8_t>(mode);
-    setRenderingMode(mode);
-}
+void VXRRenderable::setRenderingMode(int mode) { mRenderingMode = static_cast<std::int8_t>(mode); }
 
 void VXRRenderable::flushCompositorLayer()
 {
@@ -103,7 +90,8 @@ void VXRRenderable::setNeedsDisplayInRect(const Rect& local)
         return;
     const Rect damaged = shadowBoundsForRect(boundsOfTransformedRect(transform(), local));
     mCanvas->invalidateRenderableInRect(*this, damaged);
-    mCanvas->setNeedsDisplayInRect(damaged);
+    if (mCanvas) // what it was told may have made it let go
+        mCanvas->setNeedsDisplayInRect(damaged);
 }
 
 bool VXRRenderable::shouldInvalidateOnTranslation() const
@@ -131,7 +119,7 @@ void VXRRenderable::beginLayer(Context& context)
     context.saveState();
     context.setAlpha(opacity());
     const auto present = shadow();
-    if (present && layerRenderingMode() != VXRRenderingModeShadowless)
+    if (present && mRenderingMode != VXRRenderingModeShadowless)
         VXRSetupShadow(*present, mCanvas ? mCanvas->viewScale() : 1.0f);
     context.beginTransparencyLayer();
 }
@@ -147,7 +135,7 @@ void VXRRenderable::endLayer(Context& context)
 
 void VXRRenderable::renderPass(Context& context, int mode)
 {
-    setLayerRenderingMode(mode);
+    setRenderingMode(mode);
     beginLayer(context);
     renderIntoContext(context);
     endLayer(context);
@@ -158,7 +146,7 @@ void VXRRenderable::renderLayeredIntoContext(Context& context)
     // Also when the drawing fails.
     const struct ModeReset {
         VXRRenderable& renderable;
-        ~ModeReset() { renderable.setLayerRenderingMode(VXRRenderingModeNone); }
+        ~ModeReset() { renderable.setRenderingMode(VXRRenderingModeNone); }
     } reset { *this };
     if (mLayer && mLayer->hasMixedContent() && shadow()) {
         renderPass(context, VXRRenderingModeShadowless);
@@ -179,7 +167,8 @@ void VXRRenderable::prepareToDraw()
     if (!mCanvas || !mCanvas->usesCompositor())
         return;
     setZoom(mCanvas->viewScale());
-    layer()->prepareToDraw();
+    const std::shared_ptr<VXRRenderableLayer> held = layer(); // drawing may flush it
+    held->prepareToDraw();
 }
 
 void VXRRenderable::setZoom(float zoom)

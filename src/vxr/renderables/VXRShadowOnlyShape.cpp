@@ -35,7 +35,7 @@ std::vector<LayerInfo*> VXRShadowOnlyShape::clippedShadowInfos()
 {
     const Rect bounds = alignmentBounds();
     const float zoom = layer()->zoomFactor();
-    const Rect visible = canvas() ? canvas()->clipViewVisibleRect() : Rect {};
+    const Rect visible = canvas() ? canvas()->superviewVisibleRect() : Rect {};
     int right = wholeNumber(std::ceil(zoom * (bounds.maxX() - visible.minX())));
     int bottom = wholeNumber(std::ceil(zoom * (bounds.maxY() - visible.minY())));
     if (4 * zoom != std::floor(4 * zoom)) {

@@ -142,7 +142,7 @@ void VXRShape::clip() const { transformedPath()->addClip(); }
 void VXRShape::renderIntoContext(Context& context)
 {
     // Every part of a shape casts the shadow.
-    if (layerRenderingMode() == VXRRenderingModeShadowless)
+    if (renderingMode() == VXRRenderingModeShadowless)
         return;
     const StateSaver saved(context);
     if (mFill)

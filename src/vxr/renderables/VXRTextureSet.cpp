@@ -18,6 +18,17 @@ VXRTextureSet::VXRTextureSet(
     , mAllowsActiveCollapse(allowActiveCollapse)
     , mFinalTextureSource(finalTextureSource)
 {
+    if (finalTextureSource)
+        finalTextureSource->mTextureSets.push_back(this);
+}
+
+VXRTextureSet::~VXRTextureSet()
+{
+    const auto leave = [this](VXRRenderable& renderable) { std::erase(renderable.mTextureSets, this); };
+    for (const Entry& entry : mEntries)
+        leave(*entry.renderable);
+    if (mFinalTextureSource)
+        leave(*mFinalTextureSource);
 }
 
 void VXRTextureSet::addRenderableZOrderChunkStage(VXRRenderable& renderable, int zOrder, int chunkStage)
@@ -25,10 +36,12 @@ void VXRTextureSet::addRenderableZOrderChunkStage(VXRRenderable& renderable, int
     const auto above = std::upper_bound(mEntries.begin(), mEntries.end(), zOrder,
         [](int order, const Entry& entry) { return order < entry.zOrder; });
     mEntries.insert(above, { &renderable, zOrder, chunkStage });
+    renderable.mTextureSets.push_back(this);
 }
 
-void VXRTextureSet::removeRenderable(const VXRRenderable& renderable)
+void VXRTextureSet::removeRenderable(VXRRenderable& renderable)
 {
+    std::erase(renderable.mTextureSets, this);
     std::erase_if(mEntries, [&](const Entry& entry) { return entry.renderable == &renderable; });
     if (mFinalTextureSource == &renderable)
         mFinalTextureSource = nullptr;

@@ -13,7 +13,7 @@ class VXRTexture;
 class VXXTextureSession;
 
 /// Renderables whose textures an animation presents together, bottom first. Owns neither the renderables
-/// nor the session: a renderable leaves the set that it keeps when it goes away.
+/// nor the session: a renderable leaves all sets when it goes away.
 class VXR_EXPORT VXRTextureSet : public Object {
 public:
     struct Entry {
@@ -32,12 +32,13 @@ public:
 
     /// Keeps the entries in z order, equal ones in the order of their coming.
     void addRenderableZOrderChunkStage(VXRRenderable&, int zOrder, int chunkStage);
-    void removeRenderable(const VXRRenderable&);
+    void removeRenderable(VXRRenderable&);
     std::span<const Entry> entries() const { return mEntries; }
 
     /// The renderables' textures up to a stage, after they were brought up to date.
     std::vector<VXRTexture*> texturesForChunkStage(int chunkStage) const;
 
+    ~VXRTextureSet() override;
     struct Key { }; ///< keeps the constructor for the class's own use
     VXRTextureSet(Key, VXXTextureSession*, bool allowActiveCollapse, VXRRenderable* finalTextureSource);
 

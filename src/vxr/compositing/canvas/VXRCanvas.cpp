@@ -8,6 +8,7 @@
 #include <vxr/geometry/TransformAdditions.h>
 #include <vxr/geometry/VXRGeometry.h>
 #include <vxr/host/utility/VXULog.h>
+#include <vxr/platform/base/Exceptions.h>
 #include <vxr/platform/base/NotificationCenter.h>
 #include <vxr/platform/base/UserDefaults.h>
 #include <vxr/platform/graphics/GraphicsContext.h>
@@ -16,6 +17,7 @@
 #include <vxr/renderables/VXRRenderable.h>
 
 #include <algorithm>
+#include <cmath>
 
 namespace vxr {
 
@@ -96,6 +98,8 @@ void VXRCanvas::unregisterRenderable(VXRRenderable& renderable)
 void VXRCanvas::setScaleScrollingToMaintainCenter(float scale, bool keepCenter)
 {
     const double ratio = 1.0 / double(_scale) * double(scale);
+    if (!(scale > 0 && float(ratio) > 0 && std::isfinite(float(ratio))))
+        throw InvalidArgumentException("A canvas's scale is a positive number.");
     const float old = _scale;
     if (isAccelerated() && window() && window()->isVisible())
         disableScreenUpdates();
@@ -188,6 +192,11 @@ void VXRCanvas::_propagateDirtyRectsToOpaqueAncestors()
     for (const auto& subview : left)
         subview->setNeedsDisplay(false);
     View::_propagateDirtyRectsToOpaqueAncestors();
+}
+
+Rect VXRCanvas::superviewVisibleRect() const
+{
+    return superview() ? convertRectFromView(superview()->visibleRect(), superview()) : visibleRect();
 }
 
 /// Layers are placed from its corner, and so is what a composite locks.

@@ -66,6 +66,7 @@ public:
 
     // Scale.
     float viewScale() const override { return _scale; }
+    /// Throws `InvalidArgumentException`, and changes nothing, unless the scale is positive and finite.
     void setScale(float scale) { setScaleScrollingToMaintainCenter(scale, true); }
     /// With `keepCenter` the frame grows with the scale and the visible centre stays in the middle.
     void setScaleScrollingToMaintainCenter(float scale, bool keepCenter);
@@ -98,6 +99,7 @@ public:
     bool isFlipped() const override { return true; }
     Rect visibleRect() const override { return View::visibleRect(); }
     Rect clipViewVisibleRect() const override;
+    Rect superviewVisibleRect() const override;
     Rect convertRectToWindow(const Rect& rect) const override { return convertRectToView(rect, nullptr); }
 
 protected:

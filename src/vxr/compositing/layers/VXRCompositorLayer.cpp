@@ -91,9 +91,13 @@ void VXRCompositorLayer::setHasMixedContent(bool mixed)
         tile->freeShadowlessData();
 }
 
+int VXRCompositorLayer::renderingMode() const
+{
+    return _renderable ? _renderable->renderingMode() : VXRRenderingModeNone;
+}
+
 void VXRCompositorLayer::setRenderingMode(int mode)
 {
-    _renderingMode = mode;
     if (_renderable)
         _renderable->setRenderingMode(mode);
 }
@@ -187,7 +191,7 @@ bool VXRCompositorLayer::tileContainsRect(const VXRTile& tile, const Rect& rect)
 
 int VXRCompositorLayer::shadowClipForIndex(int index) const
 {
-    const int wide = tilesWide(), high = tilesHigh();
+    const int wide = std::max(tilesWide(), 1), high = tilesHigh();
     int sides = VXRTileSideTop | VXRTileSideBottom | VXRTileSideLeft | VXRTileSideRight;
     if (index % wide == 0)
         sides &= ~VXRTileSideLeft;
@@ -337,7 +341,7 @@ void VXRCompositorLayer::prepareToDraw()
         computeErrorInView(*canvas);
     _activeTiles.clear();
     if (multiple) {
-        prepareGrid(canvas->clipViewVisibleRect());
+        prepareGrid(canvas->superviewVisibleRect());
     } else {
         if (_multipleTiles) {
             _multipleTiles = false;

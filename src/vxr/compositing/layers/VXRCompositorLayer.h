@@ -42,8 +42,8 @@ public:
     bool hasMixedContent() const override { return _hasMixedContent; }
     bool shouldClearOnUpdate() const { return _shouldClearOnUpdate; }
     void setShouldClearOnUpdate(bool clear) { _shouldClearOnUpdate = clear; }
-    int renderingMode() const override { return _renderingMode; }
-    void setRenderingMode(int) override; ///< told to the renderable too
+    int renderingMode() const override; ///< the renderable's
+    void setRenderingMode(int) override;
     Point error() const { return _error; } ///< canvas units; see computeErrorInView
 
     // Each composite: bring what is seen up to date, then collect the records of the active tiles.
@@ -101,7 +101,6 @@ private:
     bool _shouldClearOnUpdate = true;
     float _zoomFactor = -1; ///< -1 is no zoom yet, so that the first one counts as a change
     Point _error;
-    int _renderingMode = 0;
     std::vector<std::shared_ptr<VXRTile>> _activeTiles;
     std::vector<std::shared_ptr<VXRTile>> _tiles;
     bool _completelyInvalid = false;

@@ -67,7 +67,7 @@ Rect VXRCompositorLayer::invalidRows(const VXRTile& tile) const
 
 void VXRCompositorLayer::renderIntoTile(VXRTile& tile)
 {
-    const bool shadowless = _renderingMode == VXRRenderingModeShadowless;
+    const bool shadowless = renderingMode() == VXRRenderingModeShadowless;
     const bool wholly = _completelyInvalid || tile.isDirty() || _invalidRect == Rect {}
         || (shadowless && tile.isShadowlessContextFresh());
     Context& context = shadowless ? tile.shadowlessContext() : tile.shadowedContext();

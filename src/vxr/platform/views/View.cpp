@@ -294,11 +294,7 @@ void View::lockFocus()
     mWindow->focus(*this);
 }
 
-void View::unlockFocus()
-{
-    if (mWindow)
-        mWindow->unfocus(*this);
-}
+void View::unlockFocus() { Window::unfocus(*this); }
 
 View* View::focusView() { return Window::focusedView(); }
 

@@ -7,6 +7,7 @@
 
 #include <cmath>
 #include <cstring>
+#include <utility>
 
 namespace vxr {
 
@@ -36,16 +37,24 @@ Rect inWindow(const PixelBox& box, int height)
     return { float(box.x0), float(height - box.y1), float(box.x1 - box.x0), float(box.y1 - box.y0) };
 }
 
-/// Boxes to be drawn one after the other: a few that fill most of the area around them become one.
-std::vector<PixelBox> boxesToDraw(const PixelRegion& region)
+/// Boxes that fill most of the area around them are drawn faster as one.
+void joinBoxes(PixelRegion& region)
 {
-    std::vector<PixelBox> boxes = region.boxes();
     double area = 0;
-    for (const PixelBox& box : boxes)
+    for (const PixelBox& box : region.boxes())
         area += box.area();
-    if (boxes.size() > 1 && region.extents().area() <= area * 1.25)
-        return { region.extents() };
-    return boxes;
+    if (region.boxCount() > 1 && region.extents().area() <= area * 1.25)
+        region = PixelRegion(region.extents());
+}
+
+/// Keeps a view alive while it is drawn. None when nothing owns it but its creator.
+std::shared_ptr<View> ownerOf(const View& view)
+{
+    if (View* above = view.superview())
+        for (const auto& subview : above->subviews())
+            if (subview.get() == &view)
+                return subview;
+    return nullptr;
 }
 
 int newWindowNumber()
@@ -56,7 +65,8 @@ int newWindowNumber()
 
 struct FocusedView {
     View* view;
-    std::size_t depth; ///< states saved in the window's context before
+    std::shared_ptr<Context> context; ///< the window's; the view may leave the window while it is focused
+    std::size_t depth; ///< states saved in the context before
 };
 
 /// The focused views of all windows, in the order of focusing.
@@ -70,12 +80,6 @@ std::vector<FocusedView>& focusStack()
 
 struct Window::Damage {
     PixelRegion region;
-};
-
-/// One run of `displayIfNeeded`.
-struct Window::Pass {
-    PixelRegion inherited; ///< what the views above have drawn anew
-    FirstFailure failure;
 };
 
 Window::Window(const Rect& frame, bool deferred)
@@ -115,6 +119,8 @@ void Window::setContentView(std::shared_ptr<View> view)
 {
     if (mContentView)
         mContentView->moveToWindow(nullptr);
+    if (!view)
+        view = std::make_shared<View>();
     view->removeFromSuperview();
     mContentView = std::move(view);
     mContentView->moveToWindow(this);
@@ -200,7 +206,7 @@ void Window::focus(View& view)
     if (!mContext)
         mContext = CairoContext::createWithPixels(mPixels.data(), mWidth, mHeight, bytesPerRow());
     const View::Mapping m = view.mappingToWindow();
-    focusStack().push_back({ &view, mContext->stateDepth() });
+    focusStack().push_back({ &view, mContext, mContext->stateDepth() });
     mContext->saveState();
     mContext->setBaseTransform({});
     // Whole pixels: a smooth edge would let what lies below show through a little less with each redraw.
@@ -214,7 +220,7 @@ void Window::unfocus(View& view)
     auto& stack = focusStack();
     if (stack.empty() || stack.back().view != &view)
         return;
-    mContext->unwindToDepth(stack.back().depth);
+    stack.back().context->unwindToDepth(stack.back().depth);
     stack.pop_back();
     GraphicsContext::pop();
 }
@@ -233,15 +239,21 @@ void Window::displayIfNeeded() { displayViewIfNeeded(*mContentView); }
 
 void Window::displayViewIfNeeded(View& view)
 {
+    const std::shared_ptr<View> contentView = mContentView; // drawing may put another in its place
     propagate(view);
     // What shows through a view that isn't opaque is drawn by those above it, which then draw it too.
     View* top = &view;
     for (View* above = &view; above; above = above->superview())
         if (above->needsDisplay())
             top = above;
-    Pass pass;
-    drawView(*top, pass);
-    pass.failure.rethrow();
+    FirstFailure failure;
+    const std::shared_ptr<View> owner = ownerOf(*top);
+    PixelRegion drawn = drawView(*top, {}, failure);
+    // The views in front of it, and of those above it, lie over what was drawn.
+    for (View* behind = top; !drawn.isEmpty() && behind->window() == this && behind->superview();
+         behind = behind->superview())
+        drawSubviews(*behind->superview(), drawn, behind, failure);
+    failure.rethrow();
 }
 
 void Window::propagate(View& view)
@@ -254,39 +266,55 @@ void Window::propagate(View& view)
             propagate(*subview);
 }
 
-void Window::drawView(View& view, Pass& pass)
+PixelRegion Window::drawView(View& view, const PixelRegion& beneath, FirstFailure& failure)
 {
     if (view.isHidden())
-        return;
+        return {};
     const View::Mapping toWindow = view.mappingToWindow();
-    PixelRegion region = pass.inherited;
-    for (const Rect& dirty : view.dirtyRects())
-        region.add(touchedPixels(toWindow.map(dirty), mHeight));
-    region.limitTo(
-        intersection(touchedPixels(toWindow.map(view.visibleRect()), mHeight), { 0, 0, mWidth, mHeight }));
-    view.mDirtyRects.clear(); // drawing may ask for more
+    const PixelBox visible
+        = intersection(touchedPixels(toWindow.map(view.visibleRect()), mHeight), { 0, 0, mWidth, mHeight });
+    const bool covers = view.isOpaque() || !view.superview();
+    const std::vector<Rect> dirtyRects = std::exchange(view.mDirtyRects, {}); // drawing may ask for more
+    PixelRegion drawn = beneath;
+    for (const Rect& dirty : dirtyRects) {
+        const PixelBox box = intersection(touchedPixels(toWindow.map(dirty), mHeight), visible);
+        if (covers)
+            drawn.add(box);
+        else if (!beneath.contains(box))
+            view.mDirtyRects.push_back(dirty); // until what shows through is drawn too
+    }
+    drawn.limitTo(visible);
+    if (covers)
+        joinBoxes(drawn);
 
-    for (const PixelBox& box : boxesToDraw(region))
-        drawBoxOfView(view, box, pass);
-    mDamage->region.add(region);
+    mDamage->region.add(drawn);
+    for (const PixelBox& box : drawn.boxes())
+        if (view.window() == this)
+            drawBoxOfView(view, box, failure);
+    if (view.drawsSubviewsSeparately())
+        drawSubviews(view, drawn, nullptr, failure);
+    return drawn;
+}
 
-    if (!view.drawsSubviewsSeparately())
-        return;
-    const std::vector<std::shared_ptr<View>> subviews = view.subviews();
+/// Draws those of the subviews that are in front of `behind`, all of them without one. Each is drawn where
+/// the views behind it were.
+void Window::drawSubviews(View& view, PixelRegion& drawn, const View* behind, FirstFailure& failure)
+{
+    const std::vector<std::shared_ptr<View>> subviews = view.subviews(); // drawing may remove some
     for (const auto& subview : subviews) {
-        const PixelRegion above = pass.inherited;
-        pass.inherited = region;
-        drawView(*subview, pass);
-        pass.inherited = above;
+        if (!behind && subview->superview() == &view && subview->window() == this)
+            drawn.add(drawView(*subview, drawn, failure));
+        if (subview.get() == behind)
+            behind = nullptr;
     }
 }
 
-void Window::drawBoxOfView(View& view, const PixelBox& box, Pass& pass)
+void Window::drawBoxOfView(View& view, const PixelBox& box, FirstFailure& failure)
 {
     const Rect area = inWindow(box, mHeight);
     const Rect dirty = view.mappingToWindow().inverse().map(area);
     const std::optional<Rect> outer = mRedrawn;
-    pass.failure.attempt([&] {
+    failure.attempt([&] {
         const FocusLock focused(view);
         // The very pixels: a rectangle in the view's own coordinates need not hit them exactly.
         const AffineTransform current = mContext->currentTransform();

@@ -7,6 +7,8 @@
 
 namespace vxr {
 
+class FirstFailure;
+class PixelRegion;
 struct PixelBox;
 
 /// The pixels of a locked window. A separate alpha plane has one byte per pixel; without one its base is
@@ -40,7 +42,7 @@ public:
     void orderOut();
 
     View* contentView() const { return mContentView.get(); }
-    void setContentView(std::shared_ptr<View>); ///< resized to the window
+    void setContentView(std::shared_ptr<View>); ///< resized to the window; none stands for an empty view
 
     // The backing store: premultiplied ARGB32, top row first, transparent black at first.
     const std::uint32_t* pixels() const { return mPixels.data(); }
@@ -78,14 +80,16 @@ public:
 
 private:
     friend class View;
-    struct Pass;
 
     void displayViewIfNeeded(View&);
     void propagate(View&);
-    void drawView(View&, Pass&);
-    void drawBoxOfView(View&, const PixelBox&, Pass&);
+    /// Draws what is dirty of the view and of the views in it, and where `beneath` has been drawn anew.
+    /// Answers all that was drawn.
+    PixelRegion drawView(View&, const PixelRegion& beneath, FirstFailure&);
+    void drawSubviews(View&, PixelRegion& drawn, const View* behind, FirstFailure&);
+    void drawBoxOfView(View&, const PixelBox&, FirstFailure&);
     void focus(View&);
-    void unfocus(View&);
+    static void unfocus(View&);
     static View* focusedView();
     void makeStore();
 

@@ -46,6 +46,11 @@ public:
 
     bool isEmpty() const { return !pixman_region32_not_empty(get()); }
     int boxCount() const { return pixman_region32_n_rects(get()); }
+    bool contains(const PixelBox& box) const
+    {
+        pixman_box32_t all { box.x0, box.y0, box.x1, box.y1 };
+        return box.isEmpty() || pixman_region32_contains_rectangle(get(), &all) == PIXMAN_REGION_IN;
+    }
     void clear() { pixman_region32_clear(&mRegion); }
 
     void add(const PixelBox& box)
