@@ -1,6 +1,6 @@
 #include "Compare.h"
 
-#include <vxr/platform/graphics/cairo/CairoContext.h>
+#include <vxr/platform/graphics/BitmapContext.h>
 
 #include <cairo.h>
 
@@ -69,7 +69,7 @@ void append(cairo_t* cairo, const Path& path)
 Pair fillCurves()
 {
     const auto paths = curvedPaths();
-    const auto context = CairoContext::createBitmap(side, side);
+    const auto context = BitmapContext::createBitmap(side, side);
     const auto cairo = bareCairo();
     return { [=] {
                 for (const Path& path : *paths) {
@@ -89,7 +89,7 @@ Pair fillCurves()
 Pair strokeCurves()
 {
     const auto paths = curvedPaths();
-    const auto context = CairoContext::createBitmap(side, side);
+    const auto context = BitmapContext::createBitmap(side, side);
     const auto cairo = bareCairo();
     LineStyle style;
     style.width = 2;
@@ -112,7 +112,7 @@ Pair strokeCurves()
 /// A layer with a shadow around an object of 200 x 200 pixels.
 Work shadowLayerOn(int width, int height)
 {
-    return [context = CairoContext::createBitmap(width, height)] {
+    return [context = BitmapContext::createBitmap(width, height)] {
         StateSaver saved(*context);
         context->setShadow({ 4, -4 }, 9, ColorValue::gray(0, 0.5f));
         context->beginTransparencyLayer();

@@ -8,7 +8,7 @@
 #include <apps/vxr/import/Import.h>
 #include <apps/vxr/render/DrawingCanvas.h>
 
-#include <vxr/platform/graphics/cairo/CairoContext.h>
+#include <vxr/platform/graphics/BitmapContext.h>
 #include <vxr/platform/views/Window.h>
 
 #include <benchmark/benchmark.h>
@@ -106,7 +106,7 @@ struct Shown {
 const int modelOverCalls = compare("DRAWING/model-against-calls", atMost(1.10), [] {
     const auto shown = std::make_shared<Shown>("bt", false);
     const auto calls = std::make_shared<std::vector<Call>>(callsOf(app::svg::readDrawing(textOf("bt"))));
-    const auto context = CairoContext::createBitmap(pageWidth, pageHeight);
+    const auto context = BitmapContext::createBitmap(pageWidth, pageHeight);
     return Pair { [shown] { shown->window.display(); }, [calls, context] { issue(*calls, *context); } };
 });
 

@@ -3,9 +3,9 @@
 #include <vxr/fills/VXRAngleGradient.h>
 #include <vxr/fills/VXRShadingRep.h>
 #include <vxr/fills/VXRTransformGradient.h>
+#include <vxr/platform/graphics/BitmapContext.h>
 #include <vxr/platform/graphics/GraphicsContext.h>
 #include <vxr/platform/graphics/Shading.h>
-#include <vxr/platform/graphics/cairo/CairoContext.h>
 #include <vxr/protocols/VXRPaintedShape.h>
 
 #include <cairo.h>
@@ -66,7 +66,7 @@ struct Item {
 
 struct Page {
     std::vector<Item> items;
-    std::shared_ptr<CairoContext> bitmap = CairoContext::createBitmap(side, side);
+    std::shared_ptr<BitmapContext> bitmap = BitmapContext::createBitmap(side, side);
     cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, side, side);
 
     Page() = default;

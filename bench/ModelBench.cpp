@@ -3,8 +3,8 @@
 #include <vxr/fills/VXRShadow.h>
 #include <vxr/geometry/Color.h>
 #include <vxr/geometry/VXRColorUtilities.h>
+#include <vxr/platform/graphics/BitmapContext.h>
 #include <vxr/platform/graphics/GraphicsContext.h>
-#include <vxr/platform/graphics/cairo/CairoContext.h>
 #include <vxr/renderables/VXRShape.h>
 #include <vxr/strokes/VXRStroke.h>
 
@@ -48,7 +48,7 @@ std::shared_ptr<VXRShape> placedStar(int i)
 }
 
 struct Scene {
-    std::shared_ptr<CairoContext> context = CairoContext::createBitmap(1000, 625);
+    std::shared_ptr<BitmapContext> context = BitmapContext::createBitmap(1000, 625);
     std::vector<std::shared_ptr<VXRShape>> shapes;
     std::vector<std::shared_ptr<Path>> outlines; ///< of the shapes, where they are drawn
     std::vector<ColorValue> fills;

@@ -313,10 +313,11 @@ TEST(Drawing, SamplesDrawOnEveryRoad)
         window.display();
         EXPECT_EQ(compare(first, window.picture(), 0).largest, 0) << name;
         std::string pdf;
-        drawPDF(page, *vxr::PDFContext::createWithWriter([&](const unsigned char* data, std::size_t size) {
-            pdf.append(reinterpret_cast<const char*>(data), size);
-            return true;
-        }));
+        drawPDF(
+            page, *vxr::DocumentContext::createWithWriter([&](const unsigned char* data, std::size_t size) {
+                pdf.append(reinterpret_cast<const char*>(data), size);
+                return true;
+            }));
         EXPECT_TRUE(pdf.starts_with("%PDF-") && pdf.find("%%EOF") != std::string::npos) << name;
     }
 }

@@ -6,6 +6,7 @@
 #include <vxr/host/utility/VXULog.h>
 #include <vxr/platform/base/Exceptions.h>
 #include <vxr/platform/base/NotificationCenter.h>
+#include <vxr/platform/graphics/BitmapContext.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -90,7 +91,7 @@ TEST(Canvas, AFreshOneCompositesOnWhite)
 TEST(Canvas, DestinationIsNotTheScreenWhileTheContextIsNone)
 {
     VXRCanvas canvas({ 0, 0, 10, 10 });
-    const auto paper = CairoContext::createBitmap(4, 4);
+    const auto paper = BitmapContext::createBitmap(4, 4);
     canvas.setUsesCompositor(false);
     EXPECT_EQ(canvas.renderingDestination(), VXRDestinationDirect);
     const CurrentContextScope scope(*paper, false, false);

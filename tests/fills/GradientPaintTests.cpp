@@ -32,9 +32,9 @@ template <class Gradient> std::shared_ptr<Gradient> redToBlue(int type = VXRLine
     return std::make_shared<Gradient>(rgb(1, 0, 0), rgb(0, 0, 1), type);
 }
 
-std::shared_ptr<CairoContext> bitmapOf(int width, int height, const std::function<void()>& draw)
+std::shared_ptr<BitmapContext> bitmapOf(int width, int height, const std::function<void()>& draw)
 {
-    const auto bitmap = CairoContext::createBitmap(width, height);
+    const auto bitmap = BitmapContext::createBitmap(width, height);
     const CurrentContextScope scope(*bitmap, true, false);
     draw();
     return bitmap;

@@ -4,8 +4,8 @@
 #include <vxr/geometry/PathAdditions.h>
 #include <vxr/geometry/VXRGeometry.h>
 #include <vxr/host/utility/VXULog.h>
+#include <vxr/platform/graphics/BitmapContext.h>
 #include <vxr/platform/graphics/GraphicsContext.h>
-#include <vxr/platform/graphics/cairo/CairoContext.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -171,7 +171,7 @@ TEST(PathAdditions, EmitsEveryElementIntoTheContext)
 
 TEST(PathAdditions, ClearingTheStrokeErasesItsAreaAndNothingElse)
 {
-    const auto bitmap = CairoContext::createBitmap(40, 40);
+    const auto bitmap = BitmapContext::createBitmap(40, 40);
     bitmap->setFillColor(ColorValue::rgb(1, 0, 0));
     bitmap->fillRect({ 0, 0, 40, 40 });
     Path line = pathOf("M 10 20 L 30 20");

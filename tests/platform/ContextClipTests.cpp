@@ -15,7 +15,7 @@ constexpr int side = 120;
 /// Pixels within `seen`, in the bitmap's own rows, of a drawing clipped to it; the others are transparent.
 Picture seenPart(const Rect& seen, const std::function<void(Context&)>& draw)
 {
-    const auto context = CairoContext::createBitmap(side, side);
+    const auto context = BitmapContext::createBitmap(side, side);
     context->clipToRect(seen);
     draw(*context);
     return pictureOf(*context);
@@ -97,7 +97,7 @@ TEST(ContextClip, LayersAreBlendedAlikeWhateverTheKindOfClip)
     for (const float alpha : { 1.0f, 0.37f }) {
         Picture drawn[2];
         for (const bool byPath : { false, true }) {
-            const auto context = CairoContext::createBitmap(side, side);
+            const auto context = BitmapContext::createBitmap(side, side);
             paint(*context, ColorValue::rgb(1, 0.8f, 0.3f, 0.9f), { 0, 20, 100, 60 });
             Path diamond; // around everything
             for (const Point corner : { Point { 60, -70 }, { 190, 60 }, { 60, 190 }, { -70, 60 } })

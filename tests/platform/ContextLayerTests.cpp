@@ -63,7 +63,7 @@ TEST(ContextLayer, CopiesReplaceTheClipAndClearsTakeAwayWhatIsCovered)
 }
 
 /// The upper right corner of what is darker than the page, in default user space.
-Point darkCorner(const CairoContext& context)
+Point darkCorner(const BitmapContext& context)
 {
     Point corner { 0, 0 };
     for (int y = 0; y < context.height(); ++y)
@@ -116,7 +116,7 @@ TEST(ContextShadow, BlurEndsItsBaseLengthAwayAndFallsLikeAGaussian)
 TEST(ContextShadow, ClipShowsAShadowWhoseCasterLiesOutside)
 {
     const auto whole = whitePage(), parts = whitePage();
-    const auto draw = [](CairoContext& context) {
+    const auto draw = [](BitmapContext& context) {
         context.setShadow({ 22, -6 }, 7, ColorValue::rgb(0, 0, 1, 0.8f));
         context.setFillColor(red);
         context.fillPath(*Path::pathWithOvalInRect({ 2, 12, 20, 22 }), WindingRule::NonZero);

@@ -1,8 +1,8 @@
 #pragma once
 
 #include <tests/support/PictureCompare.h>
+#include <vxr/platform/graphics/BitmapContext.h>
 #include <vxr/platform/graphics/Shading.h>
-#include <vxr/platform/graphics/cairo/CairoContext.h>
 
 namespace vxr::test {
 
@@ -23,13 +23,13 @@ inline void paint(Context& context, const ColorValue& color, const Rect& rect)
     context.fillRect(rect);
 }
 
-inline std::shared_ptr<CairoContext> bitmap(int width = 20, int height = 10)
+inline std::shared_ptr<BitmapContext> bitmap(int width = 20, int height = 10)
 {
-    return CairoContext::createBitmap(width, height);
+    return BitmapContext::createBitmap(width, height);
 }
 
 /// Opaque, so that a shadow's darkness can be read from any channel.
-inline std::shared_ptr<CairoContext> whitePage(int width = 60, int height = 40)
+inline std::shared_ptr<BitmapContext> whitePage(int width = 60, int height = 40)
 {
     const auto context = bitmap(width, height);
     paint(*context, ColorValue::gray(1), { 0, 0, static_cast<float>(width), static_cast<float>(height) });
@@ -42,12 +42,12 @@ inline std::shared_ptr<const ShadingFunction> functionOf(ShadingFunction::Evalua
 }
 
 /// Whether two bitmaps of one size hold the same pixels.
-inline bool samePixels(const CairoContext& a, const CairoContext& b)
+inline bool samePixels(const BitmapContext& a, const BitmapContext& b)
 {
     return compare(pictureOf(a), pictureOf(b)).largest == 0;
 }
 
-inline bool isBlank(const CairoContext& context)
+inline bool isBlank(const BitmapContext& context)
 {
     return samePixels(context, *bitmap(context.width(), context.height()));
 }

@@ -266,7 +266,7 @@ TEST(Context, SubPathsThatAreNotNumbersAreLeftOut)
 TEST(Context, CallersPixelsAreDrawnInPlaceTopRowFirst)
 {
     std::vector<std::uint32_t> pixels(7 * 3, 0xff00ff00u);
-    const auto context = CairoContext::createWithPixels(pixels.data(), 5, 3, 28);
+    const auto context = BitmapContext::createWithPixels(pixels.data(), 5, 3, 28);
     paint(*context, red, { 0, 0, 5, 1 });
     EXPECT_EQ(context->pixels(), pixels.data());
     EXPECT_EQ(pixels[14], 0xffff0000u);
@@ -280,10 +280,10 @@ TEST(Context, CallersPixelsAreDrawnInPlaceTopRowFirst)
     EXPECT_TRUE(access->transform().isIdentity());
     access->unlock();
 
-    EXPECT_THROW(CairoContext::createBitmap(0, 5), InvalidArgumentException);
-    EXPECT_THROW(CairoContext::createBitmap(5, 32768), InvalidArgumentException);
-    EXPECT_THROW(CairoContext::createWithPixels(pixels.data(), 5, 3, 16), InvalidArgumentException);
-    EXPECT_THROW(CairoContext::createWithPixels(pixels.data(), 5, 3, 22), InvalidArgumentException);
+    EXPECT_THROW(BitmapContext::createBitmap(0, 5), InvalidArgumentException);
+    EXPECT_THROW(BitmapContext::createBitmap(5, 32768), InvalidArgumentException);
+    EXPECT_THROW(BitmapContext::createWithPixels(pixels.data(), 5, 3, 16), InvalidArgumentException);
+    EXPECT_THROW(BitmapContext::createWithPixels(pixels.data(), 5, 3, 22), InvalidArgumentException);
 }
 
 } // namespace

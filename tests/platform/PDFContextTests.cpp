@@ -1,5 +1,6 @@
 #include <tests/platform/ContextTestSupport.h>
 #include <vxr/platform/base/Exceptions.h>
+#include <vxr/platform/graphics/DocumentContext.h>
 #include <vxr/platform/graphics/Pattern.h>
 
 #include <gmock/gmock.h>
@@ -17,16 +18,16 @@ using testing::Not;
 
 const PDFPageBoxes page { .media = { 0, 0, 200, 100 }, .crop = {}, .bleed = {}, .trim = {}, .art = {} };
 
-std::shared_ptr<PDFContext> writingTo(std::string& bytes)
+std::shared_ptr<DocumentContext> writingTo(std::string& bytes)
 {
-    return PDFContext::createWithWriter([&](const unsigned char* data, std::size_t size) {
+    return DocumentContext::createWithWriter([&](const unsigned char* data, std::size_t size) {
         bytes.append(reinterpret_cast<const char*>(data), size);
         return true;
     });
 }
 
 /// The bytes of a document of one page.
-std::string documentOf(const std::function<void(PDFContext&)>& draw)
+std::string documentOf(const std::function<void(DocumentContext&)>& draw)
 {
     std::string bytes;
     const auto context = writingTo(bytes);
@@ -163,14 +164,15 @@ TEST(PDFContext, PagesCarryTheirBoxesRelativeToTheMedia)
 
 TEST(PDFContext, FailuresToWriteAreToldAtTheClose)
 {
-    const auto broken = PDFContext::createWithWriter([](const unsigned char*, std::size_t) { return false; });
+    const auto broken
+        = DocumentContext::createWithWriter([](const unsigned char*, std::size_t) { return false; });
     broken->beginPage(page);
     EXPECT_THROW(broken->close(), GenericException);
     EXPECT_NO_THROW(broken->close());
-    EXPECT_THROW(PDFContext::createWithFile("/nowhere/at/all.pdf"), GenericException);
+    EXPECT_THROW(DocumentContext::createWithFile("/nowhere/at/all.pdf"), GenericException);
 
     const auto path = std::filesystem::temp_directory_path() / "vxr-pdf-context-test.pdf";
-    PDFContext::createWithFile(path.string())->beginPage(page); // ends the document when it goes
+    DocumentContext::createWithFile(path.string())->beginPage(page); // ends the document when it goes
     std::string start;
     std::ifstream(path, std::ios::binary) >> start;
     EXPECT_THAT(start, testing::StartsWith("%PDF-"));
@@ -179,7 +181,7 @@ TEST(PDFContext, FailuresToWriteAreToldAtTheClose)
 
 TEST(PDFContext, HostileNumbersLeaveTheDocumentUsable)
 {
-    const std::string document = documentOf([](PDFContext& c) {
+    const std::string document = documentOf([](DocumentContext& c) {
         c.saveState();
         c.scale(0, 1);
         paint(c, red, { 0, 0, 10, 10 });

@@ -14,7 +14,7 @@ constexpr float NaN = std::numeric_limits<float>::quiet_NaN();
 
 template <class Draw> Picture drawn(Draw draw)
 {
-    const auto context = CairoContext::createBitmap(256, 256);
+    const auto context = BitmapContext::createBitmap(256, 256);
     context->setFlatness(0.05f);
     draw(*context);
     return pictureOf(*context);

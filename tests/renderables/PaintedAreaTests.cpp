@@ -1,8 +1,8 @@
 #include <tests/support/RecordingContext.h>
 #include <vxr/fills/VXRShadow.h>
 #include <vxr/geometry/Color.h>
+#include <vxr/platform/graphics/BitmapContext.h>
 #include <vxr/platform/graphics/GraphicsContext.h>
-#include <vxr/platform/graphics/cairo/CairoContext.h>
 #include <vxr/renderables/VXRLineEnd.h>
 #include <vxr/renderables/VXRShape.h>
 #include <vxr/strokes/VXRStroke.h>
@@ -98,7 +98,7 @@ private:
 };
 
 /// Whether all that is painted lies in the rectangle, in pixels, y down; none where nothing is painted.
-std::optional<bool> paintsWithin(const CairoContext& context, const Rect& allowed)
+std::optional<bool> paintsWithin(const BitmapContext& context, const Rect& allowed)
 {
     std::optional<bool> within;
     for (int y = 0; y < side; ++y)
@@ -118,7 +118,7 @@ TEST(PaintedArea, LiesWithinTheErasableBounds)
     int painted = 0;
     for (int i = 0; i < 2000; ++i) {
         const auto shape = maker.make();
-        const auto context = CairoContext::createBitmap(side, side);
+        const auto context = BitmapContext::createBitmap(side, side);
         {
             const CurrentContextScope scope(*context, true, true);
             context->translate(0, side);

@@ -64,7 +64,7 @@ Pixel Picture::at(int x, int y) const
         + static_cast<std::size_t>(x)]);
 }
 
-Pixel pixelAt(const CairoContext& context, int x, int y)
+Pixel pixelAt(const BitmapContext& context, int x, int y)
 {
     if (x < 0 || y < 0 || x >= context.width() || y >= context.height()) {
         ADD_FAILURE() << "no pixel at " << x << ", " << y;
@@ -75,17 +75,16 @@ Pixel pixelAt(const CairoContext& context, int x, int y)
         + static_cast<std::size_t>(x)]);
 }
 
-Picture pictureOf(const CairoContext& context)
+Picture pictureOf(const BitmapContext& context)
 {
     return pictureOf(context.pixels(), context.width(), context.height(), context.bytesPerRow(), 0);
 }
 
 Picture pictureOf(const Image& image)
 {
-    cairo_surface_t* surface = image.impl().surface();
-    return pictureOf(cairo_image_surface_get_data(surface), image.width(), image.height(),
-        static_cast<std::size_t>(cairo_image_surface_get_stride(surface)),
-        image.isOpaque() ? 0xff000000u : 0u);
+    const NativePixels& native = *image.impl().native();
+    return pictureOf(
+        native.pixels, native.width, native.height, static_cast<std::size_t>(native.stride) * 4, 0);
 }
 
 std::shared_ptr<const Image> imageOf(const Picture& picture)
@@ -134,7 +133,7 @@ PictureDifference compare(const Picture& a, const Picture& b, int tolerance)
                                          << off.largest << " levels at most; see " << actual;
 }
 
-::testing::AssertionResult matchesGolden(const CairoContext& context, const std::string& name, int tolerance)
+::testing::AssertionResult matchesGolden(const BitmapContext& context, const std::string& name, int tolerance)
 {
     return matchesGolden(pictureOf(context), name, tolerance);
 }

@@ -1,7 +1,7 @@
 #pragma once
 
+#include <vxr/platform/graphics/BitmapContext.h>
 #include <vxr/platform/graphics/Image.h>
-#include <vxr/platform/graphics/cairo/CairoContext.h>
 
 #include <gtest/gtest.h>
 
@@ -31,12 +31,12 @@ struct Picture {
     /// The pixel that covers [x, x + 1] by [y, y + 1] in default user space: y up, from the bottom row.
     Pixel at(int x, int y) const;
 };
-Picture pictureOf(const CairoContext&);
+Picture pictureOf(const BitmapContext&);
 Picture pictureOf(const Image&);
 std::shared_ptr<const Image> imageOf(const Picture&);
 
 /// The pixel of a bitmap context at [x, x + 1] by [y, y + 1] in default user space, y up.
-Pixel pixelAt(const CairoContext&, int x, int y);
+Pixel pixelAt(const BitmapContext&, int x, int y);
 
 /// How two pictures of one size differ; everything when the sizes do.
 struct PictureDifference {
@@ -49,6 +49,6 @@ PictureDifference compare(const Picture&, const Picture&, int tolerance = 0);
 /// there is no such file, NAME.actual.png and NAME.difference.png stand in the build folder's
 /// tests/pictures: look at them, and copy the actual picture over the golden one if it is right.
 ::testing::AssertionResult matchesGolden(const Picture&, const std::string& name, int tolerance = 2);
-::testing::AssertionResult matchesGolden(const CairoContext&, const std::string& name, int tolerance = 2);
+::testing::AssertionResult matchesGolden(const BitmapContext&, const std::string& name, int tolerance = 2);
 
 } // namespace vxr::test

@@ -4,8 +4,9 @@
 
 #include <apps/demo/Scene.h>
 
+#include <vxr/platform/graphics/BitmapContext.h>
+#include <vxr/platform/graphics/DocumentContext.h>
 #include <vxr/platform/graphics/Image.h>
-#include <vxr/platform/graphics/cairo/CairoContext.h>
 
 #include <fmt/format.h>
 
@@ -23,7 +24,7 @@ constexpr float pixelsPerPoint = 2;
 void writePNG(const vxr::demo::Scene& scene, const std::string& path)
 {
     const auto side = [](float points) { return static_cast<int>(std::ceil(points * pixelsPerPoint)); };
-    const auto context = vxr::CairoContext::createBitmap(side(scene.size.width), side(scene.size.height));
+    const auto context = vxr::BitmapContext::createBitmap(side(scene.size.width), side(scene.size.height));
     context->setBaseTransform(vxr::AffineTransform::makeScale(pixelsPerPoint, pixelsPerPoint));
     vxr::demo::drawScene(scene, context, true);
     OutputFile file(path);
@@ -36,7 +37,7 @@ void writePNG(const vxr::demo::Scene& scene, const std::string& path)
 void writePDF(const vxr::demo::Scene& scene, const std::string& path)
 {
     OutputFile file(path);
-    const auto context = vxr::PDFContext::createWithFile(file.temporaryPath());
+    const auto context = vxr::DocumentContext::createWithFile(file.temporaryPath());
     vxr::PDFPageBoxes boxes;
     boxes.media = { {}, scene.size };
     context->beginPage(boxes);

@@ -78,7 +78,7 @@ void renderOne(
             if (!picture->image()->writePNG(file.temporaryPath(), &reason))
                 throw std::runtime_error(reason);
         } else {
-            drawPDF(page, *vxr::PDFContext::createWithFile(file.temporaryPath()));
+            drawPDF(page, *vxr::DocumentContext::createWithFile(file.temporaryPath()));
         }
         file.commit();
     } catch (const std::exception& error) {

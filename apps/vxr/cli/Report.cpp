@@ -53,7 +53,7 @@ void reportOne(const std::string& input)
     const double againTime = milliseconds([&] { kept.display(); });
     const double pdfTime = milliseconds([&] {
         const auto discard = [](const unsigned char*, std::size_t) { return true; };
-        drawPDF(page, *vxr::PDFContext::createWithWriter(discard));
+        drawPDF(page, *vxr::DocumentContext::createWithWriter(discard));
     });
     const Difference difference = compare(direct, composited, 0);
     fmt::print("{:<16}{:>8}{:>10.1f}{:>12.1f}{:>10.1f}{:>10.1f}{:>13}\n",

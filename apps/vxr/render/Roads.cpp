@@ -5,6 +5,7 @@
 #include <apps/vxr/import/Convert.h>
 
 #include <vxr/platform/base/UserDefaults.h>
+#include <vxr/platform/graphics/BitmapContext.h>
 #include <vxr/platform/views/Window.h>
 
 #include <algorithm>
@@ -51,7 +52,7 @@ Picture drawOffScreen(const Page& page)
 {
     Picture picture { page.width, page.height, {} };
     picture.pixels.resize(static_cast<std::size_t>(page.width) * static_cast<std::size_t>(page.height));
-    const auto context = vxr::CairoContext::createWithPixels(
+    const auto context = vxr::BitmapContext::createWithPixels(
         picture.pixels.data(), page.width, page.height, static_cast<std::size_t>(page.width) * 4);
     drawInto(page, *context);
     context->pixels(); // everything drawn has arrived
@@ -90,7 +91,7 @@ Picture ShownPage::picture() const
     return { window.width(), window.height(), { first, first + count } };
 }
 
-void drawPDF(const Page& page, vxr::PDFContext& context)
+void drawPDF(const Page& page, vxr::DocumentContext& context)
 {
     vxr::PDFPageBoxes boxes;
     boxes.media = { 0, 0, static_cast<float>(page.width), static_cast<float>(page.height) };

@@ -2,8 +2,8 @@
 
 #include <apps/vxr/import/Import.h>
 
+#include <vxr/platform/graphics/DocumentContext.h>
 #include <vxr/platform/graphics/Image.h>
-#include <vxr/platform/graphics/cairo/CairoContext.h>
 
 #include <optional>
 
@@ -47,7 +47,7 @@ private:
 };
 
 /// One page in vectors, and the end of the document.
-void drawPDF(const Page&, vxr::PDFContext&);
+void drawPDF(const Page&, vxr::DocumentContext&);
 
 /// How two pictures of one size differ.
 struct Difference {

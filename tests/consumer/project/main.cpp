@@ -1,8 +1,8 @@
 #include <vxr/fills/VXRShadow.h>
 #include <vxr/geometry/Color.h>
+#include <vxr/platform/graphics/BitmapContext.h>
 #include <vxr/platform/graphics/GraphicsContext.h>
 #include <vxr/platform/graphics/Image.h>
-#include <vxr/platform/graphics/cairo/CairoContext.h>
 #include <vxr/renderables/VXRShape.h>
 #include <vxr/strokes/VXRStroke.h>
 
@@ -15,7 +15,7 @@ int main(int, char** argv)
     badge->setStroke(VXRStroke::strokeWithColorWidth(Color::whiteColor(), 6));
     badge->setShadow(VXRShadow::shadowWithAngleOffsetRadiusOpacityColor(60, 5, 9, 0.5f, Color::blackColor()));
 
-    auto bitmap = CairoContext::createBitmap(160, 160);
+    auto bitmap = BitmapContext::createBitmap(160, 160);
     CurrentContextScope current(*bitmap, /* drawsToScreen */ true, /* isFlipped */ false);
     badge->renderLayeredIntoContext(*bitmap);
     return bitmap->makeImage()->writePNG(argv[1]) ? 0 : 1;

@@ -1,7 +1,7 @@
 #include <vxr/compositing/canvas/VXRSubviewAbsolverView.h>
 
+#include <vxr/platform/graphics/BitmapContext.h>
 #include <vxr/platform/graphics/GraphicsContext.h>
-#include <vxr/platform/graphics/cairo/CairoContext.h>
 
 #include <cmath>
 
@@ -38,7 +38,7 @@ std::shared_ptr<const Image> VXRSubviewAbsolverView::pictureOfSubview(View& view
     if (!isWhole(wide) || !isWhole(high) || !(wide >= 1 && wide <= largestPicture)
         || !(high >= 1 && high <= largestPicture))
         return nullptr;
-    const auto bitmap = CairoContext::createBitmap(int(std::round(wide)), int(std::round(high)));
+    const auto bitmap = BitmapContext::createBitmap(int(std::round(wide)), int(std::round(high)));
     bitmap->translate(0, std::round(high));
     bitmap->scale(scale, -scale);
     drawUpright(view, *bitmap, true);

@@ -7,6 +7,7 @@
 #include <vxr/geometry/VXRColorUtilities.h>
 #include <vxr/geometry/VXRGeometry.h>
 #include <vxr/platform/base/UserDefaults.h>
+#include <vxr/platform/graphics/BitmapContext.h>
 #include <vxr/platform/graphics/pixels/Blur.h>
 #include <vxr/platform/graphics/pixels/LayerBlend.h>
 #include <vxr/protocols/VXRCanvasRole.h>
@@ -157,7 +158,7 @@ Context& VXRTile::contextOf(Plane& plane)
         plane.pixels.assign(std::size_t(mWide) * std::size_t(mHigh), 0);
     if (!plane.context)
         plane.context
-            = CairoContext::createWithPixels(plane.pixels.data(), mWide, mHigh, std::size_t(mWide) * 4);
+            = BitmapContext::createWithPixels(plane.pixels.data(), mWide, mHigh, std::size_t(mWide) * 4);
     return *plane.context;
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <vxr/platform/base/Object.h>
-#include <vxr/platform/graphics/cairo/CairoContext.h>
+#include <vxr/platform/graphics/Context.h>
 #include <vxr/platform/graphics/pixels/LayerInfo.h>
 
 #include <vector>
@@ -94,7 +94,7 @@ private:
     /// One bitmap of the tile.
     struct Plane {
         std::vector<std::uint32_t> pixels;
-        std::shared_ptr<CairoContext> context;
+        std::shared_ptr<Context> context;
         LayerInfo info;
         int inkX0 = 0, inkY0 = 0, inkX1 = 0, inkY1 = 0; ///< encloses all that is not transparent
         int opaqueX0 = 0, opaqueY0 = 0, opaqueX1 = 0, opaqueY1 = 0;

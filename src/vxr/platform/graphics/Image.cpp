@@ -38,13 +38,6 @@ Image::Impl::Impl(
 {
 }
 
-Image::Impl::~Impl()
-{
-    cairo_surface_destroy(mSurface); // null is allowed
-    for (cairo_surface_t* thinned : mThinned)
-        cairo_surface_destroy(thinned);
-}
-
 Image::Image(std::unique_ptr<Impl> impl)
     : mImpl(std::move(impl))
 {
@@ -89,6 +82,6 @@ bool Image::isOpaque() const
         || alpha == AlphaFormat::NoneSkipFirst;
 }
 
-void Image::prepare() const { mImpl->surface(); }
+void Image::prepare() const { mImpl->native(); }
 
 } // namespace vxr

@@ -1,39 +1,39 @@
 #pragma once
 
+#include <vxr/platform/graphics/EngineCaches.h>
 #include <vxr/platform/graphics/Image.h>
 
-#include <cairo.h>
-
-#include <array>
-#include <vector>
+#include <cstddef>
 
 namespace vxr {
 
-/// An image's memory and its form for the output. Seen by the back end only.
+/// An image as it is drawn: premultiplied ARGB in native byte order.
+struct NativePixels {
+    const std::uint32_t* pixels = nullptr;
+    int width = 0, height = 0;
+    std::ptrdiff_t stride = 0; ///< pixels from row to row
+    bool opaque = false; ///< every alpha is 255
+    std::shared_ptr<const void> owner; ///< of the memory
+};
+
+/// An image's memory, its form for drawing and what engines keep for it.
 struct Image::Impl {
     Impl(const ImageLayout& imageLayout, const std::uint8_t* imagePixels,
         std::shared_ptr<const void> pixelOwner);
-    ~Impl();
     Impl(const Impl&) = delete;
     Impl& operator=(const Impl&) = delete;
 
     ImageLayout layout;
     const std::uint8_t* pixels;
     std::shared_ptr<const void> owner;
+    EngineCaches caches;
 
-    /// The image as cairo takes it: premultiplied ARGB32, or RGB24 when opaque. Made on the first call
-    /// and kept; pixels that already are in that form are used where they lie. The surface keeps their
-    /// owner alive. Never written to. Null when memory is short, then there is nothing to draw.
-    cairo_surface_t* surface();
-
-    /// `surface` with pixels left out: every 2^x-th kept along a row and every 2^y-th row, those in the
-    /// middle. For smooth images drawn smaller: what is read then lies together. Each is kept.
-    cairo_surface_t* thinnedSurface(int x, int y);
-    static constexpr int mostThinning = 4; ///< for either of x and y
+    /// Made on the first call and kept; pixels that already are in that form are used where they lie. Null
+    /// when memory is short, then there is nothing to draw.
+    const NativePixels* native();
 
 private:
-    cairo_surface_t* mSurface = nullptr;
-    std::array<cairo_surface_t*, (mostThinning + 1) * (mostThinning + 1)> mThinned {};
+    NativePixels mNative;
 };
 
 /// Row `y` as straight r, g, b, a bytes of the output, for any layout.

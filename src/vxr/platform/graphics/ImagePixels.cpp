@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <bit>
 #include <cstring>
+#include <new>
 
 // Conversion of any layout to the two forms the output knows: straight RGBA bytes for files and
 // premultiplied native ARGB for drawing.
@@ -135,72 +136,28 @@ void convertRGBA(const ImageLayout& layout, const std::uint8_t* pixels, std::uin
     }
 }
 
+bool isPlainRGB(const ImageLayout& layout)
+{
+    return !layout.space
+        || (layout.space->model() == ColorModel::RGB && layout.space->convertsToOutputUnchanged());
+}
+
 /// Pixels that can be drawn from where they lie.
 bool isNativeForm(const ImageLayout& layout, const std::uint8_t* pixels)
 {
-    const bool rgb = !layout.space || layout.space->model() == ColorModel::RGB;
-    return rgb && (!layout.space || layout.space->convertsToOutputUnchanged()) && layout.nativeOrder
-        && (layout.alpha == AlphaFormat::PremultipliedFirst || layout.alpha == AlphaFormat::NoneSkipFirst)
+    return isPlainRGB(layout) && layout.nativeOrder && layout.alpha == AlphaFormat::PremultipliedFirst
         && layout.bytesPerRow % 4 == 0 && layout.bytesPerRow <= 0x7fffffff
         && reinterpret_cast<std::uintptr_t>(pixels) % 4 == 0;
 }
 
-void releaseOwner(void* owner) { delete static_cast<std::shared_ptr<const void>*>(owner); }
-
-/// A surface over the image's own pixels. It outlives the image where cairo still holds it (in a
-/// document being written), so it keeps the owner too.
-cairo_surface_t* wrapPixels(const Image::Impl& image, cairo_format_t format)
+void convertPixels(const ImageLayout& layout, const std::uint8_t* pixels, std::uint8_t* target, int stride)
 {
-    static const cairo_user_data_key_t ownerKey {};
-    cairo_surface_t* surface = cairo_image_surface_create_for_data(const_cast<std::uint8_t*>(image.pixels),
-        format, image.layout.width, image.layout.height, static_cast<int>(image.layout.bytesPerRow));
-    auto* owner = new std::shared_ptr<const void>(image.owner);
-    if (cairo_surface_set_user_data(surface, &ownerKey, owner, releaseOwner) != CAIRO_STATUS_SUCCESS)
-        delete owner;
-    return surface;
-}
-
-cairo_surface_t* convertPixels(const Image::Impl& image, cairo_format_t format)
-{
-    const ImageLayout& layout = image.layout;
-    cairo_surface_t* surface = cairo_image_surface_create(format, layout.width, layout.height);
-    if (cairo_surface_status(surface) != CAIRO_STATUS_SUCCESS)
-        return surface;
-    std::uint8_t* target = cairo_image_surface_get_data(surface);
-    const int stride = cairo_image_surface_get_stride(surface);
-    const bool plainRGB = !layout.space
-        || (layout.space->model() == ColorModel::RGB && layout.space->convertsToOutputUnchanged());
-    if (!plainRGB || !hasAlpha(layout.alpha) || layout.nativeOrder)
-        convertToNative(layout, image.pixels, target, stride);
+    if (!isPlainRGB(layout) || !hasAlpha(layout.alpha) || layout.nativeOrder)
+        convertToNative(layout, pixels, target, stride);
     else if (isPremultiplied(layout.alpha))
-        convertRGBA<false>(layout, image.pixels, target, stride);
+        convertRGBA<false>(layout, pixels, target, stride);
     else
-        convertRGBA<true>(layout, image.pixels, target, stride);
-    cairo_surface_mark_dirty(surface);
-    return surface;
-}
-
-/// An image surface of every 2^x-th pixel of every 2^y-th row.
-cairo_surface_t* thin(cairo_surface_t* source, int x, int y)
-{
-    const int width = cairo_image_surface_get_width(source), height = cairo_image_surface_get_height(source);
-    const int thinWidth = (width + (1 << x) - 1) >> x, thinHeight = (height + (1 << y) - 1) >> y;
-    cairo_surface_t* target
-        = cairo_image_surface_create(cairo_image_surface_get_format(source), thinWidth, thinHeight);
-    if (cairo_surface_status(target) != CAIRO_STATUS_SUCCESS)
-        return target;
-    const std::uint8_t* from = cairo_image_surface_get_data(source);
-    std::uint8_t* to = cairo_image_surface_get_data(target);
-    for (int row = 0; row < thinHeight; ++row, to += cairo_image_surface_get_stride(target)) {
-        const std::ptrdiff_t middle = std::min((row << y) + (1 << y) / 2, height - 1);
-        const auto* in
-            = reinterpret_cast<const std::uint32_t*>(from + middle * cairo_image_surface_get_stride(source));
-        auto* out = reinterpret_cast<std::uint32_t*>(to);
-        for (int column = 0; column < thinWidth; ++column)
-            out[column] = in[std::min((column << x) + (1 << x) / 2, width - 1)];
-    }
-    cairo_surface_mark_dirty(target);
-    return target;
+        convertRGBA<true>(layout, pixels, target, stride);
 }
 
 } // namespace
@@ -215,33 +172,24 @@ void readStraightRow(const ImageLayout& layout, const std::uint8_t* pixels, int 
     }
 }
 
-cairo_surface_t* Image::Impl::surface()
+const NativePixels* Image::Impl::native()
 {
-    if (mSurface)
-        return mSurface;
-    const cairo_format_t format = hasAlpha(layout.alpha) ? CAIRO_FORMAT_ARGB32 : CAIRO_FORMAT_RGB24;
-    cairo_surface_t* made
-        = isNativeForm(layout, pixels) ? wrapPixels(*this, format) : convertPixels(*this, format);
-    if (cairo_surface_status(made) == CAIRO_STATUS_SUCCESS)
-        mSurface = made;
-    else
-        cairo_surface_destroy(made);
-    return mSurface;
-}
-
-cairo_surface_t* Image::Impl::thinnedSurface(int x, int y)
-{
-    cairo_surface_t* whole = surface();
-    if (!whole || (x == 0 && y == 0))
-        return whole;
-    cairo_surface_t*& thinned = mThinned[static_cast<std::size_t>(y * (mostThinning + 1) + x)];
-    if (thinned)
-        return thinned;
-    cairo_surface_t* made = thin(whole, x, y);
-    if (cairo_surface_status(made) == CAIRO_STATUS_SUCCESS)
-        return thinned = made;
-    cairo_surface_destroy(made);
-    return nullptr;
+    if (mNative.pixels)
+        return &mNative;
+    const bool opaque = !hasAlpha(layout.alpha);
+    if (isNativeForm(layout, pixels)) {
+        mNative = { reinterpret_cast<const std::uint32_t*>(pixels), layout.width, layout.height,
+            static_cast<std::ptrdiff_t>(layout.bytesPerRow / 4), opaque, owner };
+        return &mNative;
+    }
+    const std::size_t count
+        = static_cast<std::size_t>(layout.width) * static_cast<std::size_t>(layout.height);
+    const std::shared_ptr<std::uint32_t[]> converted(new (std::nothrow) std::uint32_t[count]);
+    if (!converted)
+        return nullptr;
+    convertPixels(layout, pixels, reinterpret_cast<std::uint8_t*>(converted.get()), 4 * layout.width);
+    mNative = { converted.get(), layout.width, layout.height, layout.width, opaque, converted };
+    return &mNative;
 }
 
 } // namespace vxr

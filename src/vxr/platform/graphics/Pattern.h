@@ -1,6 +1,7 @@
 #pragma once
 
 #include <vxr/platform/base/Object.h>
+#include <vxr/platform/graphics/EngineCaches.h>
 #include <vxr/platform/graphics/values/AffineTransform.h>
 
 #include <functional>
@@ -26,14 +27,14 @@ public:
     float yStep() const { return mYStep; }
     void drawCell(Context& context) const { mDraw(context); }
 
-    std::shared_ptr<void>& backendCache() const { return mBackendCache; } ///< the back end's recorded cell
+    EngineCaches& engineCaches() const { return mEngineCaches; }
 
 private:
     Rect mCell;
     AffineTransform mMatrix;
     float mXStep, mYStep;
     Draw mDraw;
-    mutable std::shared_ptr<void> mBackendCache;
+    mutable EngineCaches mEngineCaches;
 };
 
 } // namespace vxr

@@ -254,7 +254,7 @@ Shading::~Shading() = default;
 void Shading::resample(std::span<const float> hints)
 {
     mStops = withoutNeedlessStops(Sampler(*mFunction, mSpace.get()).run(hints));
-    mBackendCache.reset();
+    mEngineCaches.clear();
 }
 
 } // namespace vxr

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <vxr/platform/graphics/EngineCaches.h>
 #include <vxr/platform/graphics/color/ColorSpace.h>
 #include <vxr/platform/graphics/values/Geometry.h>
 
@@ -64,15 +65,14 @@ public:
     /// one position where it jumps: within half an 8-bit level of the function.
     const std::vector<ShadingStop>& stops() const { return mStops; }
 
-    /// Samples the function again, for whoever changes what it answers. The back end's form goes.
+    /// Samples the function again, for whoever changes what it answers. Engines make their forms anew.
     void resample(std::span<const float> hints);
 
     struct Geometry; ///< for the factories
     Shading(const Geometry&, std::shared_ptr<const ColorSpace>, std::shared_ptr<const ShadingFunction>,
         std::span<const float> hints);
 
-    /// Back ends keep their own form of the shading here, made on the first draw.
-    std::shared_ptr<void>& backendCache() const { return mBackendCache; }
+    EngineCaches& engineCaches() const { return mEngineCaches; } ///< engines' own forms of the shading
 
 private:
     Kind mKind;
@@ -82,7 +82,7 @@ private:
     std::shared_ptr<const ColorSpace> mSpace;
     std::shared_ptr<const ShadingFunction> mFunction;
     std::vector<ShadingStop> mStops;
-    mutable std::shared_ptr<void> mBackendCache;
+    mutable EngineCaches mEngineCaches;
 };
 
 } // namespace vxr

@@ -2,6 +2,7 @@
 
 #include <vxr/platform/base/FirstFailure.h>
 #include <vxr/platform/base/NotificationCenter.h>
+#include <vxr/platform/graphics/BitmapContext.h>
 #include <vxr/platform/graphics/GraphicsContext.h>
 #include <vxr/platform/graphics/pixels/PixelRegion.h>
 
@@ -204,7 +205,7 @@ void Window::enableScreenUpdates()
 void Window::focus(View& view)
 {
     if (!mContext)
-        mContext = CairoContext::createWithPixels(mPixels.data(), mWidth, mHeight, bytesPerRow());
+        mContext = BitmapContext::createWithPixels(mPixels.data(), mWidth, mHeight, bytesPerRow());
     const View::Mapping m = view.mappingToWindow();
     focusStack().push_back({ &view, mContext, mContext->stateDepth() });
     mContext->saveState();

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <vxr/platform/graphics/cairo/CairoContext.h>
+#include <vxr/platform/graphics/Context.h>
 #include <vxr/platform/views/View.h>
 
 #include <optional>
@@ -101,7 +101,7 @@ private:
     int mUpdatesDisabled = 0;
     int mWidth = 0, mHeight = 0;
     std::vector<std::uint32_t> mPixels;
-    std::shared_ptr<CairoContext> mContext; ///< draws into the pixels
+    std::shared_ptr<Context> mContext; ///< draws into the pixels
     std::shared_ptr<View> mContentView;
     std::optional<Rect> mRedrawn; ///< pixels that the redraw in progress may change
     struct Damage;

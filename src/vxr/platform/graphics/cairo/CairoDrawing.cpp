@@ -1,5 +1,5 @@
 #include <vxr/platform/graphics/Image.h>
-#include <vxr/platform/graphics/cairo/CairoImpl.h>
+#include <vxr/platform/graphics/cairo/CairoEngine.h>
 #include <vxr/platform/graphics/cairo/CairoPathClip.h>
 
 #include <bit>
@@ -123,18 +123,18 @@ float usableMiterLimit(const LineStyle& style)
 
 } // namespace
 
-void CairoContext::Impl::appendArea(const Path& path)
+void CairoEngine::appendArea(const Path& path)
 {
     cairo_new_path(cr());
-    if (fitsEngine(path.points(), state.matrix)) {
+    if (fitsEngine(path.points(), matrix())) {
         appendElements(cr(), path);
         return;
     }
     cairo_identity_matrix(cr());
-    appendClippedArea(cr(), path, state.matrix, state.clip.grown(2), state.tolerance());
+    appendClippedArea(cr(), path, matrix(), state.clip.grown(2), tolerance());
 }
 
-bool CairoContext::Impl::setSource(const CairoPaint& paint, const DeviceBox& area)
+bool CairoEngine::setSource(const Paint& paint, const DeviceBox& area)
 {
     const auto& [red, green, blue, alpha] = paint.rgba;
     if (paint.pattern)
@@ -143,7 +143,7 @@ bool CairoContext::Impl::setSource(const CairoPaint& paint, const DeviceBox& are
     return true;
 }
 
-void CairoContext::Impl::setLineStyle(const LineStyle& style)
+void CairoEngine::setLineStyle(const LineStyle& style)
 {
     static constexpr cairo_line_cap_t caps[]
         = { CAIRO_LINE_CAP_BUTT, CAIRO_LINE_CAP_ROUND, CAIRO_LINE_CAP_SQUARE };
@@ -164,15 +164,15 @@ void CairoContext::Impl::setLineStyle(const LineStyle& style)
 }
 
 // Half the width times what a miter or a square cap multiplies it by, in the transform's largest scale.
-double CairoContext::Impl::strokeReach(const LineStyle& style) const
+double CairoEngine::strokeReach(const LineStyle& style) const
 {
     const double corner
         = style.join == LineJoin::Miter ? std::max<double>(usableMiterLimit(style), M_SQRT2) : M_SQRT2;
-    const cairo_matrix_t& m = state.matrix;
+    const cairo_matrix_t m = matrix();
     return style.width * 0.5 * corner * std::sqrt(m.xx * m.xx + m.xy * m.xy + m.yx * m.yx + m.yy * m.yy);
 }
 
-void CairoContext::Impl::clipToPath(const Path& path, WindingRule rule)
+void CairoEngine::clipToPath(const Path& path, WindingRule rule)
 {
     if (!canDraw()) {
         state.clip = {};
@@ -187,10 +187,10 @@ void CairoContext::Impl::clipToPath(const Path& path, WindingRule rule)
     finishOperation();
 }
 
-void CairoContext::Impl::clipToRect(const Rect& rect)
+void CairoEngine::clipToRect(const Rect& rect)
 {
     const auto corners = cornersOf(rect);
-    if (!canDraw() || !fitsEngine(corners, state.matrix))
+    if (!canDraw() || !fitsEngine(corners, matrix()))
         return clipToPath(pathOf(rect), WindingRule::NonZero);
     setStyle();
     cairo_new_path(cr());
@@ -198,11 +198,11 @@ void CairoContext::Impl::clipToRect(const Rect& rect)
     cairo_clip(cr());
     const DeviceBox box = deviceBounds(corners);
     state.clip = intersection(state.clip, box);
-    state.clipIsPixels = state.clipIsPixels && box == box.roundedOut() && isUpright(state.matrix);
+    state.clipIsPixels = state.clipIsPixels && box == box.roundedOut() && isUpright(matrix());
     finishOperation();
 }
 
-void CairoContext::Impl::clipToPixelsOf(const Image& image, const cairo_matrix_t& toDevice)
+void CairoEngine::clipToPixelsOf(const Image& image, const cairo_matrix_t& toDevice)
 {
     const Rect area(0, 0, static_cast<float>(image.width()), static_cast<float>(image.height()));
     cairo_new_path(cr());
@@ -210,12 +210,12 @@ void CairoContext::Impl::clipToPixelsOf(const Image& image, const cairo_matrix_t
         cairo_rectangle(cr(), 0, 0, image.width(), image.height());
     } else {
         cairo_identity_matrix(cr());
-        appendClippedArea(cr(), pathOf(area), toDevice, state.clip.grown(2), state.tolerance());
+        appendClippedArea(cr(), pathOf(area), toDevice, state.clip.grown(2), tolerance());
     }
     cairo_clip(cr());
 }
 
-void CairoContext::Impl::fillPath(const Path& path, WindingRule rule)
+void CairoEngine::fillPath(const Path& path, WindingRule rule)
 {
     if (!canDraw())
         return;
@@ -235,12 +235,12 @@ void CairoContext::Impl::fillPath(const Path& path, WindingRule rule)
     finishOperation();
 }
 
-void CairoContext::Impl::fillRect(const Rect& rect)
+void CairoEngine::fillRect(const Rect& rect)
 {
     if (!canDraw())
         return;
     const auto corners = cornersOf(rect);
-    if (state.castsShadow() || state.fill.pattern || !fitsEngine(corners, state.matrix))
+    if (state.castsShadow() || state.fill.pattern || !fitsEngine(corners, matrix()))
         return fillPath(pathOf(rect), WindingRule::NonZero);
     setStyle();
     setSource(state.fill, {});
@@ -251,7 +251,7 @@ void CairoContext::Impl::fillRect(const Rect& rect)
     finishOperation();
 }
 
-void CairoContext::Impl::strokePath(const Path& path, const LineStyle& style)
+void CairoEngine::strokePath(const Path& path, const LineStyle& style)
 {
     if (!canDraw() || !(style.width > 0) || !std::isfinite(style.width))
         return;
@@ -265,7 +265,7 @@ void CairoContext::Impl::strokePath(const Path& path, const LineStyle& style)
     setStyle();
     if (!setSource(state.stroke, bounds))
         return;
-    if (!fitsEngine(path.points(), state.matrix, reach)) {
+    if (!fitsEngine(path.points(), matrix(), reach)) {
         strokeHuge(path, style, reach);
     } else if (losesCorners(path, style)) {
         fillOutlineOf(path, style);
@@ -280,33 +280,33 @@ void CairoContext::Impl::strokePath(const Path& path, const LineStyle& style)
 }
 
 // Only what can be seen of the centre line is stroked, and of a pen too large for that the outline.
-void CairoContext::Impl::strokeHuge(const Path& path, const LineStyle& style, double reach)
+void CairoEngine::strokeHuge(const Path& path, const LineStyle& style, double reach)
 {
     if (reach < engineRange / 4) {
         setLineStyle(style);
-        strokeClippedLine(cr(), path, state.matrix, state.clip.grown(reach + 2), state.tolerance());
+        strokeClippedLine(cr(), path, matrix(), state.clip.grown(reach + 2), tolerance());
         return;
     }
     fillOutlineOf(path, style);
 }
 
-void CairoContext::Impl::fillOutlineOf(const Path& path, const LineStyle& style)
+void CairoEngine::fillOutlineOf(const Path& path, const LineStyle& style)
 {
     const double scale = std::sqrt(std::abs(state.transform.determinant()));
-    appendArea(*path.strokedOutline(style, static_cast<float>(state.tolerance() / scale)));
+    appendArea(*path.strokedOutline(style, static_cast<float>(tolerance() / scale)));
     cairo_set_fill_rule(cr(), CAIRO_FILL_RULE_WINDING);
     cairo_fill(cr());
 }
 
 // The engine takes dashes along the axes as boxes, each segment for itself, and where one leaves the clip it
 // forgets the corners of those beside it. On paper there is no clip to leave.
-bool CairoContext::Impl::losesCorners(const Path& path, const LineStyle& style) const
+bool CairoEngine::losesCorners(const Path& path, const LineStyle& style) const
 {
     return !onPaper && !style.dash.empty() && isDrawableDash(style) && style.join == LineJoin::Miter
-        && turnsAlongAxes(path, state.matrix);
+        && turnsAlongAxes(path, matrix());
 }
 
-void CairoContext::Impl::clearRect(const Rect& rect)
+void CairoEngine::clearRect(const Rect& rect)
 {
     if (!canDraw() || onPaper)
         return;
@@ -317,7 +317,7 @@ void CairoContext::Impl::clearRect(const Rect& rect)
     finishOperation();
 }
 
-void CairoContext::Impl::paintSource()
+void CairoEngine::paintSource()
 {
     if (state.alpha >= 1)
         cairo_paint(cr());

@@ -1,5 +1,5 @@
-#include <vxr/platform/graphics/ImageImpl.h>
-#include <vxr/platform/graphics/cairo/CairoImpl.h>
+#include <vxr/platform/graphics/cairo/CairoEngine.h>
+#include <vxr/platform/graphics/cairo/CairoImage.h>
 
 namespace vxr {
 
@@ -61,7 +61,7 @@ cairo_filter_t filterFor(InterpolationQuality most)
 int halvingsFor(double scale)
 {
     int halvings = 0;
-    for (; halvings < Image::Impl::mostThinning && scale <= 0.5; scale *= 2)
+    for (; halvings < mostImageThinning && scale <= 0.5; scale *= 2)
         ++halvings;
     return halvings;
 }
@@ -103,9 +103,9 @@ void setSmoothSource(cairo_t* cr, const Image& image, const cairo_matrix_t& m)
     constexpr double limit = 2;
     const double xScale = std::hypot(m.xx, m.yx), yScale = std::hypot(m.xy, m.yy);
     int x = halvingsFor(xScale), y = halvingsFor(yScale);
-    cairo_surface_t* surface = image.impl().thinnedSurface(x, y);
+    cairo_surface_t* surface = thinnedCairoSurface(image, x, y);
     if (!surface) {
-        surface = image.impl().surface();
+        surface = cairoSurface(image);
         x = y = 0;
     }
     cairo_matrix_t fromThinned = m;
@@ -132,34 +132,34 @@ bool covers(const Image& image, const cairo_matrix_t& m, const DeviceBox& box)
 
 } // namespace
 
-void CairoContext::Impl::drawImage(const Rect& rect, const Image& image)
+void CairoEngine::drawImage(const Rect& rect, const Image& image)
 {
     if (!canDraw())
         return;
-    cairo_matrix_t matrix = imageMatrix(rect, image, state.matrix);
-    cairo_surface_t* surface = isUsable(matrix) ? image.impl().surface() : nullptr;
+    cairo_matrix_t toDevice = imageMatrix(rect, image, matrix());
+    cairo_surface_t* surface = isUsable(toDevice) ? cairoSurface(image) : nullptr;
     if (!surface)
         return;
     if (state.castsShadow())
         return drawWithShadow([&] { drawImage(rect, image); });
-    const bool exact = snapToPixels(matrix, image.width(), image.height());
+    const bool exact = snapToPixels(toDevice, image.width(), image.height());
     CairoSaver saved(cr());
     setStyle();
-    cairo_set_matrix(cr(), &matrix);
+    cairo_set_matrix(cr(), &toDevice);
     if (onPaper || exact) {
         cairo_set_source_surface(cr(), surface, 0, 0);
         cairo_pattern_set_filter(
             cairo_get_source(cr()), exact ? CAIRO_FILTER_NEAREST : filterFor(state.quality));
     } else if (image.layout().smooth) {
-        setSmoothSource(cr(), image, matrix);
+        setSmoothSource(cr(), image, toDevice);
     } else {
-        setSteadySource(cr(), surface, matrix, filterFor(state.quality));
+        setSteadySource(cr(), surface, toDevice, filterFor(state.quality));
     }
     if (!onPaper) {
         // Nothing bleeds in from beside the image.
         cairo_pattern_set_extend(cairo_get_source(cr()), CAIRO_EXTEND_PAD);
-        if (!covers(image, matrix, state.clip))
-            clipToPixelsOf(image, matrix);
+        if (!covers(image, toDevice, state.clip))
+            clipToPixelsOf(image, toDevice);
     }
     paintSource();
     noteInk(deviceBounds(std::array { rect.origin, Point { rect.maxX(), rect.minY() },

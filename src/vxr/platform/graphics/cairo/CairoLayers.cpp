@@ -1,4 +1,4 @@
-#include <vxr/platform/graphics/cairo/CairoImpl.h>
+#include <vxr/platform/graphics/cairo/CairoEngine.h>
 #include <vxr/platform/graphics/pixels/LayerBlend.h>
 
 #include <cstring>
@@ -67,7 +67,7 @@ void clearRest(const CairoTarget& layer)
 } // namespace
 
 // Further away exactness isn't worth the memory.
-DeviceBox CairoContext::Impl::layerClip() const
+DeviceBox CairoEngine::layerClip() const
 {
     constexpr double farthest = 4096;
     DeviceBox box = state.clip;
@@ -79,11 +79,12 @@ DeviceBox CairoContext::Impl::layerClip() const
     return box;
 }
 
-void CairoContext::Impl::pushLayerTarget()
+void CairoEngine::pushLayer()
 {
+    if (targets.empty())
+        return;
     CairoTarget layer;
     layer.extents = state.castsShadow() ? casterExtents() : layerClip().roundedOut();
-    layer.stackDepth = stack.size();
     if (kind == Kind::Bitmap && !layer.extents.isEmpty()) {
         layer.memory = layerMemory.take(4 * static_cast<std::size_t>(layer.extents.width())
             * static_cast<std::size_t>(layer.extents.height()));
@@ -92,19 +93,19 @@ void CairoContext::Impl::pushLayerTarget()
         layer.surface.reset(recordingOf(layer.extents));
     }
     layer.cairo.reset(cairo_create(layer.surface.get()));
+    state.clip = layer.extents;
     targets.push_back(std::move(layer));
 }
 
-CairoTarget CairoContext::Impl::popLayerTarget()
+CairoTarget CairoEngine::popLayerTarget()
 {
     CairoTarget layer = std::move(targets.back());
     targets.pop_back();
-    stack.resize(layer.stackDepth);
     layer.cairo.reset();
     return layer;
 }
 
-void CairoContext::Impl::releaseLayer(CairoTarget layer)
+void CairoEngine::releaseLayer(CairoTarget layer)
 {
     if (layer.memory.bytes)
         clearRest(layer);
@@ -112,47 +113,23 @@ void CairoContext::Impl::releaseLayer(CairoTarget layer)
     layerMemory.giveBack(layer.memory);
 }
 
-void CairoContext::Impl::beginLayer()
-{
-    if (targets.empty())
-        return;
-    stack.push_back(state);
-    cairo_save(cr());
-    pushLayerTarget();
-    state.clip = targets.back().extents;
-    state.clipIsPixels = true;
-    state.layerReach = {};
-    state.alpha = 1;
-    state.operation = CompositeOperation::SourceOver;
-    state.shadow = {};
-}
-
-CairoTarget CairoContext::Impl::leaveLayer()
+void CairoEngine::popLayer(LayerEnd end)
 {
     CairoTarget layer = popLayerTarget();
-    state = std::move(stack.back());
-    stack.pop_back();
-    cairo_restore(cr());
-    return layer;
-}
-
-void CairoContext::Impl::endLayer()
-{
-    if (!isInLayer())
-        return;
-    CairoTarget layer = leaveLayer();
-    if (!state.clip.isEmpty()) {
-        if (state.operation == CompositeOperation::Copy)
+    didRestoreState();
+    if (end != LayerEnd::Drop && !state.clip.isEmpty()) {
+        if (end == LayerEnd::Compose && state.operation == CompositeOperation::Copy)
             clearClip();
         if (state.castsShadow())
             drawShadowOf(layer);
-        drawLayer(layer);
+        if (end == LayerEnd::Compose)
+            drawLayer(layer);
     }
     releaseLayer(std::move(layer));
     finishOperation();
 }
 
-void CairoContext::Impl::drawLayer(CairoTarget& layer)
+void CairoEngine::drawLayer(CairoTarget& layer)
 {
     if (canBlend(layer))
         return blendLayer(layer);
@@ -169,7 +146,7 @@ void CairoContext::Impl::drawLayer(CairoTarget& layer)
     noteInk(layer.ink);
 }
 
-bool CairoContext::Impl::canBlend(const CairoTarget& layer) const
+bool CairoEngine::canBlend(const CairoTarget& layer) const
 {
     return layer.memory.bytes && state.clipIsPixels && layerOperator() == CAIRO_OPERATOR_OVER
         && cairo_image_surface_get_format(targets.back().surface.get()) == CAIRO_FORMAT_ARGB32;
@@ -177,7 +154,7 @@ bool CairoContext::Impl::canBlend(const CairoTarget& layer) const
 
 // What the engine would do with the same bytes in three passes, in one: a row is blended and cleared while
 // it is near.
-void CairoContext::Impl::blendLayer(CairoTarget& layer)
+void CairoEngine::blendLayer(CairoTarget& layer)
 {
     const CairoTarget& target = targets.back();
     cairo_surface_flush(layer.surface.get());
@@ -202,7 +179,7 @@ void CairoContext::Impl::blendLayer(CairoTarget& layer)
 }
 
 // A layer's copy takes the place of everything within the clip.
-void CairoContext::Impl::clearClip()
+void CairoEngine::clearClip()
 {
     if (onPaper)
         return;
@@ -212,7 +189,7 @@ void CairoContext::Impl::clearClip()
 }
 
 // What a layer clears is what it covers.
-cairo_operator_t CairoContext::Impl::layerOperator() const
+cairo_operator_t CairoEngine::layerOperator() const
 {
     if (state.operation == CompositeOperation::Clear)
         return onPaper ? CAIRO_OPERATOR_DEST : CAIRO_OPERATOR_DEST_OUT;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <vxr/platform/graphics/DeviceBox.h>
 #include <vxr/platform/graphics/cairo/CairoHandles.h>
 #include <vxr/platform/graphics/path/Path.h>
 

@@ -1,5 +1,6 @@
+#include <vxr/platform/graphics/EngineContext.h>
 #include <vxr/platform/graphics/Pattern.h>
-#include <vxr/platform/graphics/cairo/CairoImpl.h>
+#include <vxr/platform/graphics/cairo/CairoEngine.h>
 
 #include <utility>
 
@@ -17,19 +18,16 @@ constexpr double maxUnits = 1 << 14;
 constexpr int maxOverlap = 8; ///< cells that may lie over one another along an axis
 
 /// What is kept of a pattern between two uses.
-struct PatternCache {
+struct CairoPatternCache {
     AffineTransform cellTransform; ///< that `cell` was recorded under
     CairoSurfacePtr cell;
     double columns = 0, rows = 0; ///< that `period` was recorded in
     CairoSurfacePtr period;
 };
 
-PatternCache& cacheOf(const Pattern& pattern)
+CairoPatternCache& cacheOf(const Pattern& pattern)
 {
-    auto& cache = pattern.backendCache();
-    if (!cache)
-        cache = std::make_shared<PatternCache>();
-    return *static_cast<PatternCache*>(cache.get());
+    return pattern.engineCaches().findOrMake<CairoPatternCache>();
 }
 
 double usableStep(float step, float cellSide)
@@ -50,7 +48,7 @@ DeviceBox boundsOf(const cairo_matrix_t& matrix, double x0, double y0, double x1
 
 /// Draws one cell in the space of the cell at the origin. Where cells touch, their edges are not
 /// smoothed: each has pixels of its own, and no seam shows.
-void drawCell(CairoContext& context, const Pattern& pattern, Point offset)
+void drawCell(Context& context, const Pattern& pattern, Point offset)
 {
     const Rect& cell = pattern.cell();
     const bool apart
@@ -137,7 +135,7 @@ private:
     /// The cell at the origin under the transform without its translation, recorded once.
     cairo_surface_t* recordedCell() const
     {
-        PatternCache& cache = cacheOf(mPattern);
+        CairoPatternCache& cache = cacheOf(mPattern);
         AffineTransform transform = mToDevice;
         transform.tX = transform.tY = 0;
         if (cache.cell && cache.cellTransform == transform)
@@ -146,7 +144,7 @@ private:
         const DeviceBox box
             = boundsOf(cairoMatrix(transform, 0), cell.minX(), cell.minY(), cell.maxX(), cell.maxY());
         cache.cellTransform = transform;
-        cache.cell = recordDrawing(box.grown(1).roundedOut(), 0, mOnPaper, [&](CairoContext& context) {
+        cache.cell = recordDrawing(box.grown(1).roundedOut(), 0, mOnPaper, [&](Context& context) {
             context.setBaseTransform(transform);
             drawCell(context, mPattern, {});
         });
@@ -182,7 +180,7 @@ private:
     {
         columns = std::ceil(std::clamp(columns, 1.0, maxUnits));
         rows = std::ceil(std::clamp(rows, 1.0, maxUnits));
-        PatternCache& cache = cacheOf(mPattern);
+        CairoPatternCache& cache = cacheOf(mPattern);
         const Rect& cell = mPattern.cell();
         if (!cache.period || cache.columns != columns || cache.rows != rows) {
             cache.columns = columns;
@@ -212,7 +210,7 @@ private:
 
     CairoSurfacePtr recordedPeriod(double columns, double rows) const
     {
-        return recordDrawing({ 0, 0, columns, rows }, rows, mOnPaper, [&](CairoContext& context) {
+        return recordDrawing({ 0, 0, columns, rows }, rows, mOnPaper, [&](Context& context) {
             drawPeriod(context, static_cast<float>(columns / mXStep), static_cast<float>(rows / mYStep));
         });
     }
@@ -229,7 +227,7 @@ private:
                          : CairoSurfacePtr(cairo_surface_reference(fine.get()));
     }
 
-    void drawPeriod(CairoContext& context, float xScale, float yScale) const
+    void drawPeriod(Context& context, float xScale, float yScale) const
     {
         const Rect& cell = mPattern.cell();
         AffineTransform transform = AffineTransform::makeScale(xScale, yScale);
@@ -253,56 +251,34 @@ private:
 
 } // namespace
 
-bool CairoContext::Impl::setPatternSource(const Pattern& pattern, const DeviceBox& wanted)
+bool CairoEngine::setPatternSource(const Pattern& pattern, const DeviceBox& wanted)
 {
-    const AffineTransform toDevice = concat(pattern.matrix(), base);
+    const AffineTransform toDevice = concat(pattern.matrix(), baseTransform());
     const DeviceBox area = intersection(wanted.grown(1), state.clip).roundedOut();
     if (!toDevice.inverted() || pattern.cell().isEmpty() || area.isEmpty())
         return false;
-    const PlacedPattern placed(pattern, toDevice, deviceHeight, onPaper);
+    const PlacedPattern placed(pattern, toDevice, deviceHeight(), onPaper);
     const CairoPatternPtr source = placed.source(area);
     if (!source || cairo_pattern_status(source.get()) != CAIRO_STATUS_SUCCESS)
         return false;
     cairo_identity_matrix(cr());
     cairo_set_source(cr(), source.get());
-    cairo_set_matrix(cr(), &state.matrix);
+    const cairo_matrix_t m = matrix();
+    cairo_set_matrix(cr(), &m);
     return true;
 }
 
-// A pattern has no alpha of its own to the engine: it is composed as a layer. A copy clears first, so
-// that what follows lies on nothing.
-bool CairoContext::Impl::drawPatternWithAlpha(const CairoPaint& paint, const std::function<void()>& draw)
-{
-    const float alpha = paint.rgba[3];
-    if (!paint.pattern || (alpha * state.alpha >= 1 && state.operation != CompositeOperation::Copy)
-        || state.operation == CompositeOperation::Clear)
-        return false;
-    const CairoState before = state;
-    state.shadow = {};
-    if (state.operation == CompositeOperation::Copy) {
-        state.operation = CompositeOperation::Clear;
-        draw();
-        state.operation = CompositeOperation::SourceOver;
-    }
-    state.alpha *= alpha;
-    beginLayer();
-    state.fill.rgba[3] = state.stroke.rgba[3] = 1;
-    draw();
-    endLayer();
-    state = before;
-    return true;
-}
-
-CairoSurfacePtr recordDrawing(const DeviceBox& extents, double deviceHeight, bool onPaper,
-    const std::function<void(CairoContext&)>& draw)
+CairoSurfacePtr recordDrawing(
+    const DeviceBox& extents, double deviceHeight, bool onPaper, const std::function<void(Context&)>& draw)
 {
     const cairo_rectangle_t rectangle { extents.x0, extents.y0, extents.width(), extents.height() };
     CairoSurfacePtr surface(cairo_recording_surface_create(CAIRO_CONTENT_COLOR_ALPHA, &rectangle));
-    auto impl = std::make_unique<CairoContext::Impl>(CairoContext::Impl::Kind::Recording, nullptr, 0, 0);
-    impl->onPaper = onPaper;
-    impl->startSurface(CairoSurfacePtr(cairo_surface_reference(surface.get())), extents, deviceHeight);
-    const auto context = CairoContext::Impl::makeContext(std::move(impl));
-    draw(*context);
+    auto engine = std::make_unique<CairoEngine>(CairoEngine::Kind::Recording, nullptr, 0, 0);
+    if (onPaper)
+        engine->drawOnPaper();
+    engine->startSurface(CairoSurfacePtr(cairo_surface_reference(surface.get())), extents, deviceHeight);
+    EngineContext<Context> context(std::move(engine));
+    draw(context);
     return surface;
 }
 

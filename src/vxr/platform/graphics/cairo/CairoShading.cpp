@@ -1,5 +1,5 @@
 #include <vxr/platform/graphics/Shading.h>
-#include <vxr/platform/graphics/cairo/CairoImpl.h>
+#include <vxr/platform/graphics/cairo/CairoEngine.h>
 
 namespace vxr {
 
@@ -61,10 +61,12 @@ CairoPatternPtr makeGradient(const Shading& s, cairo_extend_t extend, const Stre
 
 cairo_pattern_t* cachedGradient(const Shading& s)
 {
-    auto& cache = s.backendCache();
-    if (!cache)
+    auto cache = s.engineCaches().find<cairo_pattern_t>();
+    if (!cache) {
         cache = std::shared_ptr<cairo_pattern_t>(makeGradient(s, extendOf(s)).release(), CairoRelease());
-    return static_cast<cairo_pattern_t*>(cache.get());
+        s.engineCaches().store(cache);
+    }
+    return cache.get();
 }
 
 /// Neither circle lies within the other: the extended blend is a cone or a strip.
@@ -125,7 +127,7 @@ Path extendedSide(const Shading& s, const Rect& visible, double size)
 
 } // namespace
 
-void CairoContext::Impl::drawShading(const Shading& shading)
+void CairoEngine::drawShading(const Shading& shading)
 {
     if (!canDraw() || !isDrawable(shading))
         return;
@@ -154,7 +156,7 @@ void CairoContext::Impl::drawShading(const Shading& shading)
 }
 
 // The engine extends a blend on both sides or none; for one side alone, the other is clipped away.
-void CairoContext::Impl::clipToExtendedSide(const Shading& s)
+void CairoEngine::clipToExtendedSide(const Shading& s)
 {
     const Rect visible = clipBounds();
     const double size = std::hypot(visible.size.width, visible.size.height)

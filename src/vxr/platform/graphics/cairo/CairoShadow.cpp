@@ -1,4 +1,4 @@
-#include <vxr/platform/graphics/cairo/CairoImpl.h>
+#include <vxr/platform/graphics/cairo/CairoEngine.h>
 #include <vxr/platform/graphics/pixels/Blur.h>
 
 #include <utility>
@@ -94,10 +94,10 @@ double resolutionOnPaper(const DeviceBox& box, double sigma)
 
 // The shadow is given in base space: scaled and turned by the base transform alone. On bitmaps it moves
 // by whole pixels, so that it looks the same wherever it is drawn from.
-CairoContext::Impl::DeviceShadow CairoContext::Impl::deviceShadow() const
+CairoEngine::DeviceShadow CairoEngine::deviceShadow() const
 {
-    const Size offset = base.map(state.shadow.offset);
-    const double scale = std::sqrt(std::abs(base.determinant()));
+    const Size offset = baseTransform().map(state.shadow.offset);
+    const double scale = std::sqrt(std::abs(baseTransform().determinant()));
     const double sigma = std::min<double>(state.shadow.blur * scale / 3, maxBlurSigma);
     const double reach = std::ceil(3 * sigma) + 1;
     if (!std::isfinite(offset.width) || !std::isfinite(offset.height) || !std::isfinite(sigma))
@@ -107,7 +107,7 @@ CairoContext::Impl::DeviceShadow CairoContext::Impl::deviceShadow() const
 }
 
 // What lies outside of the clip may cast its shadow into it.
-DeviceBox CairoContext::Impl::casterExtents() const
+DeviceBox CairoEngine::casterExtents() const
 {
     const DeviceShadow shadow = deviceShadow();
     const DeviceBox casters = layerClip().moved(-shadow.dx, -shadow.dy).grown(shadow.reach);
@@ -117,7 +117,7 @@ DeviceBox CairoContext::Impl::casterExtents() const
     return intersection(united(clip, casters.roundedOut()), around);
 }
 
-void CairoContext::Impl::drawShadowOf(const CairoTarget& layer)
+void CairoEngine::drawShadowOf(const CairoTarget& layer)
 {
     const DeviceShadow shadow = deviceShadow();
     const DeviceBox ink = inkOf(layer);
@@ -150,23 +150,6 @@ void CairoContext::Impl::drawShadowOf(const CairoTarget& layer)
     cairo_pattern_set_filter(pattern.get(), CAIRO_FILTER_BILINEAR);
     cairo_mask(cr(), pattern.get());
     noteInk(shown);
-}
-
-// Drawn through a layer of its own. A copy replaces nothing but what it covers, so it comes on top of
-// the shadow that its layer has cast.
-void CairoContext::Impl::drawWithShadow(const std::function<void()>& draw)
-{
-    const bool copies = state.operation == CompositeOperation::Copy;
-    beginLayer();
-    draw();
-    if (!copies)
-        return endLayer();
-    CairoTarget layer = leaveLayer();
-    drawShadowOf(layer);
-    releaseLayer(std::move(layer));
-    const CairoShadowStyle shadow = std::exchange(state.shadow, {});
-    draw();
-    state.shadow = shadow;
 }
 
 } // namespace vxr

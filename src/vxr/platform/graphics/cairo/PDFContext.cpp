@@ -1,28 +1,15 @@
 #include <vxr/platform/base/Exceptions.h>
-#include <vxr/platform/graphics/cairo/CairoContext.h>
-#include <vxr/platform/graphics/cairo/CairoImpl.h>
+#include <vxr/platform/graphics/EngineContext.h>
+#include <vxr/platform/graphics/cairo/CairoEngine.h>
+#include <vxr/platform/graphics/cairo/CairoFactory.h>
 #include <vxr/platform/graphics/cairo/PDFPageBoxUpdate.h>
 
 #include <cairo-pdf.h>
 
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
 #include <new>
 #include <utility>
 
 namespace vxr {
-
-/// The document while it is being written. It is held whole until it is closed, since the pages' boxes
-/// are added at its end.
-struct PDFContext::Document {
-    Write write;
-    std::string bytes;
-    CairoSurfacePtr surface;
-    std::vector<PDFPageBoxes> pages;
-    bool isPageOpen = false;
-    bool isClosed = false;
-};
 
 namespace {
 
@@ -39,36 +26,35 @@ bool isPageSize(Size size)
     return size.width > 0 && size.height > 0 && std::isfinite(size.width) && std::isfinite(size.height);
 }
 
-} // namespace
+/// The document is held whole until it is closed, since the pages' boxes are added at its end.
+class PDFContext final : public EngineContext<DocumentContext> {
+public:
+    explicit PDFContext(Write);
+    ~PDFContext() override;
 
-PDFContext::PDFContext(std::unique_ptr<Impl> impl, Write write)
-    : CairoContext(std::move(impl))
-    , mDocument(std::make_unique<Document>())
+    void beginPage(const PDFPageBoxes&) override;
+    void endPage() override;
+    void close() override;
+
+private:
+    CairoEngine& paper() const { return static_cast<CairoEngine&>(engine()); }
+
+    Write mWrite;
+    std::string mBytes;
+    CairoSurfacePtr mSurface;
+    std::vector<PDFPageBoxes> mPages;
+    bool mIsPageOpen = false;
+    bool mIsClosed = false;
+};
+
+PDFContext::PDFContext(Write write)
+    : EngineContext(std::make_unique<CairoEngine>(CairoEngine::Kind::Document, nullptr, 0, 0))
+    , mWrite(std::move(write))
+    , mSurface(cairo_pdf_surface_create_for_stream(append, &mBytes, 1, 1))
 {
-    mDocument->write = std::move(write);
-    mDocument->surface.reset(cairo_pdf_surface_create_for_stream(append, &mDocument->bytes, 1, 1));
-    if (cairo_surface_status(mDocument->surface.get()) != CAIRO_STATUS_SUCCESS)
+    if (cairo_surface_status(mSurface.get()) != CAIRO_STATUS_SUCCESS)
         throw std::bad_alloc();
-    cairo_pdf_surface_restrict_to_version(mDocument->surface.get(), CAIRO_PDF_VERSION_1_4);
-}
-
-std::shared_ptr<PDFContext> PDFContext::createWithWriter(Write write)
-{
-    auto impl = std::make_unique<Impl>(Impl::Kind::Document, nullptr, 0, 0);
-    return std::shared_ptr<PDFContext>(new PDFContext(std::move(impl), std::move(write)));
-}
-
-std::shared_ptr<PDFContext> PDFContext::createWithFile(const std::string& path)
-{
-    std::shared_ptr<std::FILE> file(std::fopen(path.c_str(), "wb"), [](std::FILE* opened) {
-        if (opened)
-            std::fclose(opened);
-    });
-    if (!file)
-        throw GenericException("Can't create " + path + ": " + std::strerror(errno));
-    return createWithWriter([file](const unsigned char* data, std::size_t size) {
-        return std::fwrite(data, 1, size, file.get()) == size && std::fflush(file.get()) == 0;
-    });
+    cairo_pdf_surface_restrict_to_version(mSurface.get(), CAIRO_PDF_VERSION_1_4);
 }
 
 PDFContext::~PDFContext()
@@ -83,45 +69,51 @@ void PDFContext::beginPage(const PDFPageBoxes& boxes)
 {
     if (!isPageSize(boxes.media.size))
         throw InvalidArgumentException("A page needs a media box with an area.");
-    if (mDocument->isClosed)
+    if (mIsClosed)
         return;
     endPage();
     const Size size = boxes.media.size;
-    cairo_surface_t* surface = mDocument->surface.get();
+    cairo_surface_t* surface = mSurface.get();
     cairo_pdf_surface_set_size(surface, size.width, size.height);
-    impl().startSurface(
+    paper().startSurface(
         CairoSurfacePtr(cairo_surface_reference(surface)), { 0, 0, size.width, size.height }, size.height);
-    mDocument->pages.push_back(boxes);
-    mDocument->isPageOpen = true;
+    mPages.push_back(boxes);
+    mIsPageOpen = true;
 }
 
 void PDFContext::endPage()
 {
-    if (!mDocument->isPageOpen)
+    if (!mIsPageOpen)
         return;
-    impl().stopSurface();
-    cairo_surface_show_page(mDocument->surface.get());
-    mDocument->isPageOpen = false;
+    paper().stopSurface();
+    cairo_surface_show_page(mSurface.get());
+    mIsPageOpen = false;
 }
 
 void PDFContext::close()
 {
-    if (mDocument->isClosed)
+    if (mIsClosed)
         return;
     endPage();
-    mDocument->isClosed = true;
-    cairo_surface_finish(mDocument->surface.get());
-    const cairo_status_t status = cairo_surface_status(mDocument->surface.get());
+    mIsClosed = true;
+    cairo_surface_finish(mSurface.get());
+    const cairo_status_t status = cairo_surface_status(mSurface.get());
     if (status != CAIRO_STATUS_SUCCESS)
         throw GenericException(std::string("Can't write the document: ") + cairo_status_to_string(status));
-    std::string& bytes = mDocument->bytes;
-    appendPageBoxUpdate(bytes, mDocument->pages);
-    const bool written = mDocument->write
-        && mDocument->write(reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size());
-    mDocument->write = nullptr;
-    bytes = {};
+    appendPageBoxUpdate(mBytes, mPages);
+    const bool written
+        = mWrite && mWrite(reinterpret_cast<const unsigned char*>(mBytes.data()), mBytes.size());
+    mWrite = nullptr;
+    mBytes = {};
     if (!written)
         throw GenericException("Can't write the document.");
+}
+
+} // namespace
+
+std::shared_ptr<DocumentContext> makePDFContext(DocumentContext::Write write)
+{
+    return std::make_shared<PDFContext>(std::move(write));
 }
 
 } // namespace vxr

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <vxr/platform/graphics/cairo/CairoContext.h>
+#include <vxr/platform/graphics/DocumentContext.h>
 
 #include <span>
 #include <string>

@@ -1,24 +1,21 @@
 #pragma once
 
 #include <vxr/platform/graphics/Context.h>
-#include <vxr/platform/graphics/cairo/CairoHandles.h>
+#include <vxr/platform/graphics/DeviceBox.h>
+
+#include <array>
+#include <memory>
 
 namespace vxr {
 
-/// From a space mapped by `t` into device space, y up, to cairo's, whose y runs down from `height`.
-inline cairo_matrix_t cairoMatrix(const AffineTransform& t, double height)
-{
-    return { t.m11, -t.m12, t.m21, -t.m22, t.tX, height - t.tY };
-}
-
 /// What fills or strokes: a colour, or a pattern whose alpha is the colour's.
-struct CairoPaint {
+struct Paint {
     std::array<float, 4> rgba { 0, 0, 0, 1 };
     std::shared_ptr<const Pattern> pattern;
 };
 
 /// A shadow in base space. Without a colour there is none.
-struct CairoShadowStyle {
+struct ShadowStyle {
     Size offset;
     float blur = 0;
     std::array<float, 4> rgba {};
@@ -26,30 +23,23 @@ struct CairoShadowStyle {
     bool isVisible() const { return rgba[3] > 0; }
 };
 
-/// Everything that a save keeps. The clip itself is kept by cairo, in step with the stack of states.
-struct CairoState {
+/// Everything that a save keeps and that is the same in every engine. The clip's exact form is the engine's.
+struct GraphicsState {
     AffineTransform transform; ///< user space to device space, y up
-    cairo_matrix_t matrix; ///< user space to cairo's device space, y down
     bool drawable = true; ///< the transform has an inverse
     DeviceBox clip; ///< encloses the clip
     bool clipIsPixels = true; ///< the clip is all of the box, and that has whole coordinates
     DeviceBox layerReach; ///< that layers extend to at the sides
-    CairoPaint fill, stroke;
+    Paint fill, stroke;
     LineStyle line;
     float flatness = Path::defaultFlatness;
     float alpha = 1;
     CompositeOperation operation = CompositeOperation::SourceOver;
     bool antialias = true;
     InterpolationQuality quality = InterpolationQuality::Default;
-    CairoShadowStyle shadow;
+    ShadowStyle shadow;
 
     bool castsShadow() const { return shadow.isVisible() && operation != CompositeOperation::Clear; }
-    cairo_antialias_t cairoAntialias() const
-    {
-        return antialias ? CAIRO_ANTIALIAS_DEFAULT : CAIRO_ANTIALIAS_NONE;
-    }
-    /// cairo's default of 0.1 pixels for the usual flatness; the flatness itself is an upper bound.
-    double tolerance() const { return std::clamp(static_cast<double>(flatness) / 6, 0.01, 100.0); }
 };
 
 } // namespace vxr

@@ -1,12 +1,18 @@
 #pragma once
 
-#include <vxr/platform/graphics/cairo/CairoContext.h>
+#include <vxr/platform/graphics/DrawingEngine.h>
+#include <vxr/platform/graphics/cairo/CairoHandles.h>
 #include <vxr/platform/graphics/cairo/CairoLayerMemory.h>
-#include <vxr/platform/graphics/cairo/CairoState.h>
 
 namespace vxr {
 
 constexpr double maxLayerSide = 32767; ///< of an image
+
+/// From a space mapped by `t` into device space, y up, to cairo's, whose y runs down from `height`.
+inline cairo_matrix_t cairoMatrix(const AffineTransform& t, double height)
+{
+    return { t.m11, -t.m12, t.m21, -t.m22, t.tX, height - t.tY };
+}
 
 /// Where drawing goes: the surface of the context itself, or that of an open transparency layer.
 /// All of them share one device space; a layer's surface is a window onto it.
@@ -14,49 +20,58 @@ struct CairoTarget {
     CairoSurfacePtr surface;
     CairoPtr cairo;
     DeviceBox extents;
-    std::size_t stackDepth = 0; ///< states saved before the layer began; no restore goes below
+    std::vector<DeviceBox> savedClips; ///< the boxes around the clips of saved states
     LayerMemory::Block memory; ///< of a layer on a bitmap
     DeviceBox ink; ///< encloses what was drawn into a layer
     DeviceBox cleared; ///< part of it that holds nothing any more
 };
 
-struct CairoContext::Impl final : PixelAccess {
+class CairoEngine final : public DrawingEngine, private PixelAccess {
+public:
     enum class Kind { Bitmap, Recording, Document };
 
     /// Without a surface nothing is drawn until `startSurface`.
-    Impl(Kind, CairoSurfacePtr, int width, int height);
-    ~Impl();
+    CairoEngine(Kind, CairoSurfacePtr, int width, int height);
+    ~CairoEngine() override;
 
-    // Setting up.
-    static std::shared_ptr<CairoContext> makeContext(std::unique_ptr<Impl>);
     /// Fresh state, nothing clipped. The line y = 0 of default user space is `deviceHeight` down.
     void startSurface(CairoSurfacePtr, const DeviceBox& extents, double deviceHeight);
     void stopSurface(); ///< open layers are ended; nothing is drawn any more
-    void setTransform(const AffineTransform&);
+    void drawOnPaper() { onPaper = true; } ///< for what is recorded for a document
 
     // Drawing; the operations of the context.
-    bool canDraw() const { return !targets.empty() && state.drawable && !state.clip.isEmpty(); }
-    Rect clipBounds() const;
-    void clipToPath(const Path&, WindingRule);
-    void clipToRect(const Rect&);
-    void fillPath(const Path&, WindingRule);
-    void strokePath(const Path&, const LineStyle&);
-    void fillRect(const Rect&);
-    void clearRect(const Rect&);
-    void drawImage(const Rect&, const Image&);
-    void drawShading(const Shading&);
-    void beginLayer();
-    void endLayer();
+    void clipToPath(const Path&, WindingRule) override;
+    void clipToRect(const Rect&) override;
+    void fillPath(const Path&, WindingRule) override;
+    void strokePath(const Path&, const LineStyle&) override;
+    void fillRect(const Rect&) override;
+    void clearRect(const Rect&) override;
+    void drawImage(const Rect&, const Image&) override;
+    void drawShading(const Shading&) override;
+    PixelAccess* pixelAccess() override { return kind == Kind::Bitmap ? this : nullptr; }
+
+private:
+    void didSaveState() override;
+    void didRestoreState() override;
+    void pushLayer() override;
+    void popLayer(LayerEnd) override;
+
+    /// User space to cairo's device space, y down.
+    cairo_matrix_t matrix() const { return cairoMatrix(state.transform, deviceHeight()); }
+    cairo_antialias_t cairoAntialias() const
+    {
+        return state.antialias ? CAIRO_ANTIALIAS_DEFAULT : CAIRO_ANTIALIAS_NONE;
+    }
+    /// cairo's default of 0.1 pixels for the usual flatness; the flatness itself is an upper bound.
+    double tolerance() const { return std::clamp(static_cast<double>(state.flatness) / 6, 0.01, 100.0); }
 
     // Steps of an operation.
     void setStyle(); ///< matrix, operation, antialiasing and flatness
     cairo_operator_t cairoOperator() const;
     cairo_operator_t layerOperator() const;
     void setLineStyle(const LineStyle&);
-    bool setSource(const CairoPaint&, const DeviceBox& area); ///< false when there is nothing to paint with
+    bool setSource(const Paint&, const DeviceBox& area); ///< false when there is nothing to paint with
     bool setPatternSource(const Pattern&, const DeviceBox& area);
-    /// Whether the paint is a pattern that `draw` could not paint itself, and has been painted.
-    bool drawPatternWithAlpha(const CairoPaint&, const std::function<void()>& draw);
     void appendArea(const Path&); ///< the outline for a fill or clip; changes the matrix for a huge one
     void strokeHuge(const Path&, const LineStyle&, double reach);
     bool losesCorners(const Path&, const LineStyle&) const; ///< when the engine strokes it
@@ -69,7 +84,6 @@ struct CairoContext::Impl final : PixelAccess {
     void recoverFromError();
     DeviceBox deviceBounds(std::span<const Point>) const;
     double strokeReach(const LineStyle&) const; ///< how far a stroke extends, in device space
-    bool isInLayer() const { return targets.size() > 1; }
     cairo_t* cr() const { return targets.back().cairo.get(); }
 
     // Layers and shadows.
@@ -81,9 +95,6 @@ struct CairoContext::Impl final : PixelAccess {
     DeviceShadow deviceShadow() const;
     DeviceBox layerClip() const; ///< what cuts layers: the clip, wider if they are to reach further
     DeviceBox casterExtents() const; ///< of all that is seen or casts a shadow that is
-    CairoTarget leaveLayer(); ///< and back to the state before it
-    void drawWithShadow(const std::function<void()>& draw);
-    void pushLayerTarget();
     CairoTarget popLayerTarget();
     void clearClip();
     void drawLayer(CairoTarget& layer);
@@ -104,16 +115,12 @@ struct CairoContext::Impl final : PixelAccess {
     Kind kind;
     bool onPaper; ///< what is drawn can't be taken away again, and stays vectors
     int pixelWidth, pixelHeight;
-    double deviceHeight = 0;
-    AffineTransform base;
-    CairoState state;
-    std::vector<CairoState> stack;
     std::vector<CairoTarget> targets; ///< the context's own surface, then the open layers
     LayerMemory layerMemory;
 };
 
 /// A recording of what `draw` draws into a context whose device space is bounded by `extents`.
-CairoSurfacePtr recordDrawing(const DeviceBox& extents, double deviceHeight, bool onPaper,
-    const std::function<void(CairoContext&)>& draw);
+CairoSurfacePtr recordDrawing(
+    const DeviceBox& extents, double deviceHeight, bool onPaper, const std::function<void(Context&)>& draw);
 
 } // namespace vxr

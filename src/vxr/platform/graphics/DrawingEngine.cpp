@@ -1,0 +1,167 @@
+#include <vxr/platform/graphics/DrawingEngine.h>
+
+#include <vxr/platform/graphics/Pattern.h>
+
+#include <utility>
+
+namespace vxr {
+
+DrawingEngine::DrawingEngine() = default;
+DrawingEngine::~DrawingEngine() = default;
+
+void DrawingEngine::startSurface(const DeviceBox& extents, double height)
+{
+    mStack.clear();
+    mLayerDepths.clear();
+    state = {};
+    state.clip = extents;
+    mDeviceHeight = height;
+    mIsOpen = true;
+    setBaseTransform({});
+}
+
+void DrawingEngine::stopSurface()
+{
+    while (isInLayer())
+        endLayer();
+    mStack.clear();
+    mIsOpen = false;
+}
+
+void DrawingEngine::saveState()
+{
+    mStack.push_back(state);
+    didSaveState();
+}
+
+void DrawingEngine::restoreState()
+{
+    const std::size_t floor = isInLayer() ? mLayerDepths.back() : 0;
+    if (mStack.size() <= floor)
+        return;
+    state = std::move(mStack.back());
+    mStack.pop_back();
+    didRestoreState();
+}
+
+void DrawingEngine::unwindToDepth(std::size_t depth)
+{
+    while (mStack.size() > depth) {
+        if (isInLayer() && mLayerDepths.back() == mStack.size())
+            leaveLayer(LayerEnd::Drop);
+        else
+            restoreState();
+    }
+}
+
+void DrawingEngine::setBaseTransform(const AffineTransform& t)
+{
+    mBase = t;
+    setTransform(t);
+}
+
+void DrawingEngine::setTransform(const AffineTransform& t)
+{
+    state.transform = t;
+    const double d = t.determinant();
+    state.drawable = std::isfinite(d) && d != 0 && std::isfinite(t.tX) && std::isfinite(t.tY);
+}
+
+Rect DrawingEngine::clipBounds() const
+{
+    const auto inverse = state.transform.inverted();
+    if (!canDraw() || !inverse)
+        return {};
+    const DeviceBox& box = state.clip;
+    const auto top = static_cast<float>(mDeviceHeight - box.y0);
+    const auto bottom = static_cast<float>(mDeviceHeight - box.y1);
+    const auto left = static_cast<float>(box.x0), right = static_cast<float>(box.x1);
+    DeviceBox user = inverseBox();
+    for (const Point corner :
+        { Point { left, bottom }, Point { right, bottom }, Point { left, top }, Point { right, top } }) {
+        const Point p = inverse->map(corner);
+        user.include(p.x, p.y);
+    }
+    const auto x = static_cast<float>(user.x0), y = static_cast<float>(user.y0);
+    return { x, y, static_cast<float>(user.x1) - x, static_cast<float>(user.y1) - y };
+}
+
+void DrawingEngine::setLayerReach(const Rect& r)
+{
+    state.layerReach = { r.minX(), mDeviceHeight - r.maxY(), r.maxX(), mDeviceHeight - r.minY() };
+}
+
+void DrawingEngine::beginLayer()
+{
+    if (!mIsOpen)
+        return;
+    saveState();
+    mLayerDepths.push_back(mStack.size());
+    try {
+        pushLayer();
+    } catch (...) { // there was no memory for it
+        mLayerDepths.pop_back();
+        restoreState();
+        throw;
+    }
+    state.clipIsPixels = true;
+    state.layerReach = {};
+    state.alpha = 1;
+    state.operation = CompositeOperation::SourceOver;
+    state.shadow = {};
+}
+
+void DrawingEngine::leaveLayer(LayerEnd end)
+{
+    while (mStack.size() > mLayerDepths.back())
+        restoreState();
+    mLayerDepths.pop_back();
+    state = std::move(mStack.back());
+    mStack.pop_back();
+    popLayer(end);
+}
+
+void DrawingEngine::endLayer()
+{
+    if (isInLayer())
+        leaveLayer(LayerEnd::Compose);
+}
+
+// A copy replaces nothing but what it covers, so it comes on top of the shadow that its layer has cast.
+void DrawingEngine::drawWithShadow(const std::function<void()>& draw)
+{
+    const bool copies = state.operation == CompositeOperation::Copy;
+    beginLayer();
+    draw();
+    if (!copies)
+        return endLayer();
+    leaveLayer(LayerEnd::ShadowOnly);
+    const ShadowStyle shadow = std::exchange(state.shadow, {});
+    draw();
+    state.shadow = shadow;
+}
+
+// A copy clears first, so that what follows lies on nothing.
+bool DrawingEngine::drawPatternWithAlpha(const Paint& paint, const std::function<void()>& draw)
+{
+    const float alpha = paint.rgba[3];
+    if (!paint.pattern || (alpha * state.alpha >= 1 && state.operation != CompositeOperation::Copy)
+        || state.operation == CompositeOperation::Clear)
+        return false;
+    const GraphicsState before = state;
+    state.shadow = {};
+    if (state.operation == CompositeOperation::Copy) {
+        state.operation = CompositeOperation::Clear;
+        draw();
+        state.operation = CompositeOperation::SourceOver;
+    }
+    state.alpha *= alpha;
+    beginLayer();
+    state.fill.rgba[3] = state.stroke.rgba[3] = 1;
+    draw();
+    endLayer();
+    state = before;
+    return true;
+}
+
+} // namespace vxr

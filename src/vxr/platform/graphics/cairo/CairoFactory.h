@@ -1,0 +1,14 @@
+#pragma once
+
+#include <vxr/platform/graphics/DocumentContext.h>
+#include <vxr/platform/graphics/DrawingEngine.h>
+
+namespace vxr {
+
+/// Draws into the caller's pixels, which outlive the engine.
+std::unique_ptr<DrawingEngine> makeCairoBitmapEngine(
+    std::uint8_t* pixels, int width, int height, std::size_t bytesPerRow);
+
+std::shared_ptr<DocumentContext> makePDFContext(DocumentContext::Write);
+
+} // namespace vxr
