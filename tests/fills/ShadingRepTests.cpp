@@ -168,6 +168,31 @@ TEST(ShadingRepCache, KeepsThe64ThatWereUsedLast)
     }
 }
 
+TEST(ShadingRepCache, RampsPushedOutWaitWithinALimitOfBytes)
+{
+    VXRShadingRepCache cache;
+    cache.setFinishedByteLimit(20 * VXRShadingRep::bytes);
+    std::vector<std::shared_ptr<VXRShadingRep>> reps;
+    for (int number = 0; number < 100; ++number) {
+        reps.push_back(grayRep(number));
+        cache.addShadingRep(reps.back());
+    }
+    EXPECT_EQ(cache.finishedBytes(), 20 * VXRShadingRep::bytes);
+    for (int number = 0; number < 100; ++number) {
+        const auto equal = grayRep(number);
+        const bool waits = number >= 16 && number < 36; // 36 went, 20 of them are kept
+        EXPECT_EQ(cache.takeFinished(*equal->startColor(), *equal->endColor()),
+            waits ? reps[std::size_t(number)] : nullptr)
+            << number;
+    }
+    EXPECT_EQ(cache.finishedBytes(), 0u);
+    cache.addShadingRep(grayRep(200));
+    cache.setFinishedByteLimit(0);
+    EXPECT_EQ(cache.finishedBytes(), 0u);
+    cache.addShadingRep(grayRep(201));
+    EXPECT_EQ(cache.finishedBytes(), 0u);
+}
+
 TEST(ShadingRepCache, EqualColoursShareOneRamp)
 {
     const auto a = Color::colorWithCalibratedRGB(0.3f, 0.1f, 0), b = Color::blackColor();

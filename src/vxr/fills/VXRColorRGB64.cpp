@@ -53,12 +53,16 @@ void VXRColorRGB64::getRedGreenBlueAlpha(
     *alpha = _alpha;
 }
 
+VXRColorRGB64 VXRColorRGB64::blended(float fraction, const VXRColorRGB64& other) const
+{
+    return { mixed(_red, other._red, fraction), mixed(_green, other._green, fraction),
+        mixed(_blue, other._blue, fraction), mixed(_alpha, other._alpha, fraction) };
+}
+
 std::shared_ptr<VXRColorRGB64> VXRColorRGB64::blendedColorWithFractionOfColor(
     float fraction, const VXRColorRGB64& other) const
 {
-    return std::make_shared<VXRColorRGB64>(mixed(_red, other._red, fraction),
-        mixed(_green, other._green, fraction), mixed(_blue, other._blue, fraction),
-        mixed(_alpha, other._alpha, fraction));
+    return std::make_shared<VXRColorRGB64>(blended(fraction, other));
 }
 
 } // namespace vxr

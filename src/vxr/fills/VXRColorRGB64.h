@@ -21,6 +21,7 @@ public:
     /// This colour at 0, `other` at 1; each channel mixed in single precision and truncated.
     std::shared_ptr<VXRColorRGB64> blendedColorWithFractionOfColor(
         float fraction, const VXRColorRGB64& other) const;
+    VXRColorRGB64 blended(float fraction, const VXRColorRGB64& other) const; ///< the same as a value
 
 private:
     std::uint16_t _red = 0, _green = 0, _blue = 0, _alpha = 0;

@@ -5,6 +5,7 @@
 #include <vxr/geometry/VXRColorUtilities.h>
 #include <vxr/platform/base/Exceptions.h>
 #include <vxr/platform/graphics/Image.h>
+#include <vxr/platform/graphics/pixels/ErrorDiffusion.h>
 
 #include <algorithm>
 
@@ -14,11 +15,6 @@ namespace {
 
 /// Where a column stands between the colours. The last one doesn't reach the end colour.
 constexpr float fractionOfColumn(int x) { return static_cast<float>(x) * 0.001953125f; }
-
-void addSaturated(std::uint16_t& value, int error)
-{
-    value = static_cast<std::uint16_t>(std::min(value + error, 65535));
-}
 
 std::uint8_t byteOf(float component)
 {
@@ -45,6 +41,10 @@ std::shared_ptr<VXRShadingRep> VXRShadingRep::shadingWithStartEnd(
     VXRShadingRepCache& cache = VXRShadingRepCache::instance();
     if (auto cached = cache.shadingWithStartEnd(*start, *end))
         return cached;
+    if (auto finished = cache.takeFinished(*start, *end)) {
+        cache.addShadingRep(finished);
+        return finished;
+    }
     auto made = std::make_shared<VXRShadingRep>();
     made->setStartColor(start);
     made->setEndColor(end);
@@ -55,53 +55,27 @@ std::shared_ptr<VXRShadingRep> VXRShadingRep::shadingWithStartEnd(
 
 void VXRShadingRep::update()
 {
-    _bigData.assign(valueCount, 0);
+    _bigData.assign(std::size_t { width } * channels, 0);
     _buildBitmapRepresentation64();
     _bigData = {};
 }
 
 void VXRShadingRep::_buildBitmapRepresentation64()
 {
-    const auto start = VXRColorRGB64::colorWithNSColor(*_startColor);
-    const auto end = VXRColorRGB64::colorWithNSColor(*_endColor);
-    constexpr std::size_t row = std::size_t { width } * channels;
+    const VXRColorRGB64 start(*_startColor), end(*_endColor);
     for (int x = 0; x < width; ++x) {
-        const auto color = start->blendedColorWithFractionOfColor(fractionOfColumn(x), *end);
+        const VXRColorRGB64 color = start.blended(fractionOfColumn(x), end);
         std::uint16_t* pixel = &_bigData[static_cast<std::size_t>(x) * channels];
-        color->getRedGreenBlueAlpha(pixel + 1, pixel + 2, pixel + 3, pixel);
+        color.getRedGreenBlueAlpha(pixel + 1, pixel + 2, pixel + 3, pixel);
     }
-    for (int y = 1; y < height; ++y)
-        std::copy_n(_bigData.begin(), row, _bigData.begin() + static_cast<std::ptrdiff_t>(row) * y);
     _errorDither();
     makeImage();
 }
 
-// Floyd and Steinberg's weights: 7 to the right, 3, 5 and the remainder below.
 void VXRShadingRep::_errorDither()
 {
     renewData();
-    constexpr std::ptrdiff_t row = std::ptrdiff_t { width } * channels;
-    std::uint16_t* value = _bigData.data();
-    std::uint8_t* output = _data->data();
-    for (int y = 0; y < height; ++y) {
-        for (int x = 0; x < width; ++x) {
-            for (int channel = 0; channel < channels; ++channel, ++value, ++output) {
-                *output = static_cast<std::uint8_t>(*value / 257);
-                const int error = *value - *output * 257;
-                const int right = error * 7 / 16, belowLeft = error * 3 / 16, below = error * 5 / 16;
-                if (x < width - 1)
-                    addSaturated(value[channels], right);
-                if (y == height - 1)
-                    continue;
-                if (x > 0)
-                    addSaturated(value[row - channels], belowLeft);
-                addSaturated(value[row], below);
-                // The first column has no pixel below on its left, and that share is lost.
-                if (x < width - 1)
-                    addSaturated(value[row + channels], error - right - belowLeft - below);
-            }
-        }
-    }
+    diffuseErrors(_bigData.data(), width, height, _data->data());
 }
 
 void VXRShadingRep::_buildBitmapRepresentation32()
@@ -138,7 +112,6 @@ void VXRShadingRep::makeImage()
     layout.space = VXRGenericRGBColorSpace();
     layout.smooth = true;
     _imageRef = Image::create(layout, _data->data(), _data->size(), _data);
-    _imageRef->prepare(); // once here, never while drawing
 }
 
 } // namespace vxr

@@ -15,14 +15,15 @@ class VXR_EXPORT VXRShadingRep : public Object {
 public:
     static constexpr int width = 512;
     static constexpr int height = 128;
+    static constexpr std::size_t bytes = std::size_t { width } * height * 4; ///< of one ramp's pixels
 
     VXRShadingRep(); ///< white to black, not updated yet
     ~VXRShadingRep() override;
     VXRShadingRep(const VXRShadingRep&) = delete;
     VXRShadingRep& operator=(const VXRShadingRep&) = delete;
 
-    /// The ramp of that pair, from the cache or made and put there. Only the cache owns it: use it and
-    /// let it go.
+    /// The ramp of that pair, from the cache, from the finished ramps behind it, or made; put in front of the
+    /// cache. Only the cache owns it: use it and let it go.
     static std::shared_ptr<VXRShadingRep> shadingWithStartEnd(
         const std::shared_ptr<Color>& start, const std::shared_ptr<Color>& end);
 
@@ -52,7 +53,7 @@ private:
     std::shared_ptr<Color> _endColor;
     float _angle = 0;
     std::shared_ptr<std::vector<std::uint8_t>> _data; ///< shared with the image made over it
-    std::vector<std::uint16_t> _bigData; ///< while `update` runs
+    std::vector<std::uint16_t> _bigData; ///< while `update` runs: what every row is before it is dithered
     std::shared_ptr<const Image> _imageRef;
 };
 

@@ -1,8 +1,25 @@
 #include <vxr/fills/VXRShadingRepCache.h>
 
 #include <algorithm>
+#include <functional>
 
 namespace vxr {
+
+namespace {
+
+/// Equal colours have equal components.
+std::size_t hashOf(const Color& start, const Color& end)
+{
+    std::size_t hash = 0;
+    for (const Color* color : { &start, &end }) {
+        for (int i = 0; i < color->componentCount(); ++i)
+            hash = hash * 1000003 + std::hash<float> {}(color->component(i));
+        hash = hash * 1000003 + std::hash<float> {}(color->alphaComponent());
+    }
+    return hash;
+}
+
+} // namespace
 
 VXRShadingRepCache::VXRShadingRepCache() = default;
 VXRShadingRepCache::~VXRShadingRepCache() = default;
@@ -25,9 +42,51 @@ std::shared_ptr<VXRShadingRep> VXRShadingRepCache::shadingWithStartEnd(const Col
 
 void VXRShadingRepCache::addShadingRep(std::shared_ptr<VXRShadingRep> rep)
 {
-    if (_cachedShadings.size() == capacity)
+    if (_cachedShadings.size() == capacity) {
+        keepFinished(std::move(_cachedShadings.back()));
         _cachedShadings.pop_back();
+    }
     _cachedShadings.insert(_cachedShadings.begin(), std::move(rep));
+}
+
+void VXRShadingRepCache::keepFinished(std::shared_ptr<VXRShadingRep> rep)
+{
+    const std::size_t hash = hashOf(*rep->startColor(), *rep->endColor());
+    mFinished.push_front({ hash, std::move(rep) });
+    mFinishedByColors.emplace(hash, mFinished.begin());
+    dropFinishedBeyondLimit();
+}
+
+std::shared_ptr<VXRShadingRep> VXRShadingRepCache::takeFinished(const Color& start, const Color& end)
+{
+    const auto [first, last] = mFinishedByColors.equal_range(hashOf(start, end));
+    const auto found = std::find_if(first, last, [&](const auto& entry) {
+        const VXRShadingRep& rep = *entry.second->rep;
+        return rep.startColor()->isEqual(start) && rep.endColor()->isEqual(end);
+    });
+    if (found == last)
+        return nullptr;
+    auto rep = std::move(found->second->rep);
+    mFinished.erase(found->second);
+    mFinishedByColors.erase(found);
+    return rep;
+}
+
+void VXRShadingRepCache::setFinishedByteLimit(std::size_t limit)
+{
+    mFinishedByteLimit = limit;
+    dropFinishedBeyondLimit();
+}
+
+void VXRShadingRepCache::dropFinishedBeyondLimit()
+{
+    while (!mFinished.empty() && finishedBytes() > mFinishedByteLimit) {
+        const auto oldest = std::prev(mFinished.end());
+        const auto [first, last] = mFinishedByColors.equal_range(oldest->hash);
+        mFinishedByColors.erase(
+            std::find_if(first, last, [&](const auto& entry) { return entry.second == oldest; }));
+        mFinished.erase(oldest);
+    }
 }
 
 } // namespace vxr

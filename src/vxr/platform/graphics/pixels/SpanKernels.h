@@ -6,11 +6,14 @@
 
 namespace vxr {
 
+struct ImageGrid;
 struct RadialBlend;
+using CubicWeights = std::int16_t[256][4];
 
-/// How pixels or a colour meet what lies below, under a coverage of 0 to 255 (`c` below, over 255). Each
-/// operation leaves pixels of coverage 0 as they are. Nothing but the given pixels is read or written.
-/// Sources and destinations don't overlap.
+/// How pixels or a colour meet what lies below, under a coverage of 0 to 255
+/// (`c` below, over 255). Each operation leaves pixels of coverage 0 as they
+/// are. Nothing but the given pixels is read or written. Sources and
+/// destinations don't overlap.
 struct SpanOperation {
     using Color
         = void (*)(std::uint32_t* destination, std::size_t count, std::uint32_t color, std::uint8_t coverage);
@@ -27,16 +30,18 @@ struct SpanOperation {
     PixelsMask pixelsMask; ///< a span of source pixels, a coverage per pixel
 };
 
-/// Row loops over premultiplied ARGB32 pixels (alpha in the upper byte), 8-bit coverage and the cells of a
-/// signed-area rasteriser. Any count is allowed, 0 too, and no pointer needs to be aligned. Every set of
-/// loops gives the same bytes: each product of two bytes over 255 is rounded to the nearest.
+/// Row loops over premultiplied ARGB32 pixels (alpha in the upper byte), 8-bit
+/// coverage and the cells of a signed-area rasteriser. Any count is allowed, 0
+/// too, and no pointer needs to be aligned. Every set of loops gives the same
+/// bytes: each product of two bytes over 255 is rounded to the nearest.
 struct SpanKernels {
     const char* name;
 
     /// By the numbers of `CompositeOperation`:
     /// 0 clear: d (1 - c); colour and source are not looked at.
     /// 1 copy: s c + d (1 - c), rounded once.
-    /// 2 over: s c + d (1 - alpha of s c), each product rounded as in pixman; sums saturate.
+    /// 2 over: s c + d (1 - alpha of s c), each product rounded as in pixman;
+    /// sums saturate.
     SpanOperation operations[3];
 
     const SpanOperation& over() const { return operations[2]; }
@@ -47,21 +52,36 @@ struct SpanKernels {
     void (*multiplyMask)(std::uint8_t* mask, const std::uint8_t* other, std::size_t count);
     void (*fadeMask)(std::uint8_t* mask, std::size_t count, std::uint8_t factor);
 
-    /// Turns cells of signed area, in which `fullCell` is a whole pixel, into coverage: sums `carry` and the
-    /// cells up to and with each pixel's, applies the fill rule, and sets the cells to 0. Returns the sum of
-    /// all, which is the carry of the cells to the right. Sums wrap around.
+    /// Turns cells of signed area, in which `fullCell` is a whole pixel, into
+    /// coverage: sums `carry` and the cells up to and with each pixel's, applies
+    /// the fill rule, and sets the cells to 0. Returns the sum of all, which is
+    /// the carry of the cells to the right. Sums wrap around.
     using Sum = std::int32_t (*)(
         std::int32_t* cells, std::size_t count, std::int32_t carry, std::uint8_t* coverage);
     Sum sumNonZero; ///< min(|sum|, full)
     Sum sumEvenOdd; ///< the distance to the next even number of full cells
 
-    /// Colours of a radial blend from column `x` on; (u, v) are the coordinates of column 0 in the row.
+    /// Colours of a radial blend from column `x` on; (u, v) are the coordinates
+    /// of column 0 in the row.
     void (*radial)(const RadialBlend&, double u, double v, int x, std::size_t count, std::uint32_t* colors);
+
+    // Samples of an image, from the place (u, v) on: mixtures of the four or
+    // sixteen pixels from there, whose fractions are the weights, and averages of
+    // boxes around it, of at most 253 columns. What a level has beyond a whole
+    // one is cut off after `offsets[x & 7]` 128ths have been added.
+    void (*linear)(
+        const ImageGrid&, std::int64_t u, std::int64_t v, std::size_t count, std::uint32_t* pixels);
+    void (*cubic)(const ImageGrid&, const CubicWeights& across, const CubicWeights& down,
+        const std::uint8_t* offsets, std::int64_t u, std::int64_t v, int x, std::size_t count,
+        std::uint32_t* pixels);
+    void (*average)(const ImageGrid&, const std::uint8_t* offsets, std::int64_t u, std::int64_t v, int x,
+        std::size_t count, std::uint32_t* pixels);
 };
 
 inline constexpr std::int32_t fullCell = 1 << 17;
 
-/// The coverage of one sum, as the loops compute it: for constant runs between marked cells.
+/// The coverage of one sum, as the loops compute it: for constant runs between
+/// marked cells.
 inline std::uint8_t coverageNonZero(std::int32_t sum)
 {
     const std::uint32_t area = sum < 0 ? -std::uint32_t(sum) : std::uint32_t(sum);

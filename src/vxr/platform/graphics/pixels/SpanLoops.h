@@ -1,6 +1,7 @@
-// The loops of SpanKernels.h for one instruction set. Included once by each source that makes a set of loops,
-// with VXR_SPAN_BYTES defined as the size of its widest vector; everything here has internal linkage, since
-// those sources are compiled for processors that others may not have.
+// The loops of SpanKernels.h for one instruction set. Included once by each
+// source that makes a set of loops, with VXR_SPAN_BYTES defined as the size of
+// its widest vector; everything here has internal linkage, since those sources
+// are compiled for processors that others may not have.
 
 #include <vxr/platform/graphics/pixels/RadialBlend.h>
 #include <vxr/platform/graphics/pixels/SpanKernels.h>
@@ -193,8 +194,8 @@ template <int size> VXR_SPAN_INLINE void store(std::uint32_t* to, Pixels<size> p
 
 constexpr std::size_t widest = VXR_SPAN_BYTES / 4;
 
-// What is blended: `at<size>(i)` is a vector of it from pixel i on. `few` makes the same from up to three
-// pixels that is as long as a vector.
+// What is blended: `at<size>(i)` is a vector of it from pixel i on. `few` makes
+// the same from up to three pixels that is as long as a vector.
 
 struct OneColor {
     std::uint32_t color;
@@ -310,7 +311,8 @@ VXR_SPAN_INLINE Pixels<size> blended(
         source.template at<size>(i), load<size>(destination + i), coverage.template at<size>(i));
 }
 
-/// Blends a widest vector in place. Most of a layer is opaque or empty, and so is most of a mask.
+/// Blends a widest vector in place. Most of a layer is opaque or empty, and so
+/// is most of a mask.
 template <class Operation, class Source, class Coverage>
 VXR_SPAN_INLINE void step(
     std::uint32_t* destination, std::size_t i, const Source& source, const Coverage& coverage)
@@ -336,8 +338,8 @@ VXR_SPAN_INLINE void step(
     store<size>(destination + i, Operation::template full<size>(pixels, load<size>(destination + i)));
 }
 
-// Where a span is not whole vectors, the last one overlaps the one before: it is blended first and stored
-// last, so that no pixel is blended twice.
+// Where a span is not whole vectors, the last one overlaps the one before: it
+// is blended first and stored last, so that no pixel is blended twice.
 
 template <class Operation, int size, class Source, class Coverage>
 VXR_SPAN_INLINE void blendTwo(
@@ -502,7 +504,8 @@ void fadeMask(std::uint8_t* mask, std::size_t count, std::uint8_t factor)
         mask[i] = multiplyBytes(mask[i], factor);
 }
 
-// Cells to coverage. `Rule` turns sums into areas inside, vectors of four or eight.
+// Cells to coverage. `Rule` turns sums into areas inside, vectors of four or
+// eight.
 
 #if defined(__SSE2__)
 
@@ -634,12 +637,13 @@ std::int32_t sumCells(std::int32_t* cells, std::size_t count, std::int32_t carry
     return carry;
 }
 
-// Radial blends. Coordinates are taken in double precision at every 16th column and in single precision
-// between, so that a pixel's don't depend on the span.
+// Radial blends. Coordinates are taken in double precision at every 16th column
+// and in single precision between, so that a pixel's don't depend on the span.
 
 constexpr int radialGroup = 16;
 
-/// The place of a parameter that may lie beyond the table's ends, or not be a number.
+/// The place of a parameter that may lie beyond the table's ends, or not be a
+/// number.
 VXR_SPAN_INLINE std::int32_t placeWithin(float at, float last)
 {
     float within = at > 0 ? at : 0;
@@ -663,16 +667,19 @@ VXR_SPAN_INLINE void placesOnCone(const RadialBlend& blend, float u0, float v0, 
 {
     const float du = float(blend.columnU), dv = float(blend.columnV), last = blend.last;
     const float least = blend.extendsStart ? -3e38f : 0, most = blend.extendsEnd ? 3e38f : last;
+    const float side = blend.side, origin = blend.origin, slope = blend.slope;
     const std::int32_t none = std::int32_t(last) + 2;
     for (int i = 0; i < radialGroup; ++i) {
         const float u = u0 + float(i) * du, v = v0 + float(i) * dv;
         const float square = u * u - v * v;
-        const float root = __builtin_sqrtf(square > 0 ? square : 0), middle = blend.origin + blend.slope * u;
+        const float root = __builtin_sqrtf(square > 0 ? square : 0), middle = origin + slope * u;
         const float greater = middle + root, smaller = middle - root;
-        const float at = greater < least || greater > most ? smaller : greater;
-        const bool misses = square < 0 || u * blend.side < 0 || at < least || at > most;
-        const std::int32_t place = placeWithin(at, last);
-        places[i] = misses ? none : place;
+        const float inside = greater < least ? smaller : greater, at = inside > most ? smaller : inside;
+        std::int32_t place = placeWithin(at, last);
+        place = at < least ? none : place;
+        place = at > most ? none : place;
+        place = square < 0 ? none : place;
+        places[i] = u * side < 0 ? none : place;
     }
 }
 
@@ -705,13 +712,23 @@ void radial(const RadialBlend& blend, double u, double v, int x, std::size_t cou
         radialSpan<false>(blend, u, v, x, count, colors);
 }
 
+} // namespace
+
+} // namespace vxr
+
+#include <vxr/platform/graphics/pixels/ImageLoops.h>
+
+namespace vxr {
+
+namespace {
+
 constexpr SpanKernels kernelsNamed(const char* name)
 {
     return { name,
         { { clearColor, clearColorMask, clearPixels, clearPixelsMask },
             { copyColor, copyColorMask, copyPixels, copyPixelsMask },
             { overColor, overColorMask, overPixels, overPixelsMask } },
-        fade, multiplyMask, fadeMask, sumCells<NonZero>, sumCells<EvenOdd>, radial };
+        fade, multiplyMask, fadeMask, sumCells<NonZero>, sumCells<EvenOdd>, radial, linear, cubic, average };
 }
 
 } // namespace
