@@ -1,0 +1,88 @@
+#include <apps/import/Libraries.h>
+
+#include <apps/import/BitmapFile.h>
+#include <apps/import/PageArea.h>
+#include <apps/import/PixelConversion.h>
+
+#include <vips/vips.h>
+
+#include <cstdlib>
+#include <stdexcept>
+#include <string>
+
+namespace vxr::importing {
+
+namespace {
+
+/// Loaders for other trades, for what other jobs do better, or that have known little care for bad files.
+constexpr const char* blockedLoaders[]
+    = { "VipsForeignLoadPdf", "VipsForeignLoadSvg", "VipsForeignLoadMat", "VipsForeignLoadOpenslide",
+          "VipsForeignLoadFits", "VipsForeignLoadCsv", "VipsForeignLoadMatrix", "VipsForeignLoadVips",
+          "VipsForeignLoadAnalyze", "VipsForeignLoadRad", "VipsForeignLoadNifti", "VipsForeignLoadPpm" };
+
+/// Pictures of one pixel, as hexadecimal digits.
+constexpr const char* samplePictures[] = {
+    "89504e470d0a1a0a0000000d49484452000000010000000108000000003a7e9b550000000a49444154789c636000000002000148"
+    "70"
+    "af6e0000000049454e44ae426082",
+    "ffd8ffdb004300080606070605080707070909080a0c140d0c0b0b0c1912130f141d1a1f1e1d1a1c1c20242e2720222c231c1c28"
+    "37"
+    "292c30313434341f27393d38323c2e333432ffc0000b080001000101011100ffc400140001000000000000000000000000000000"
+    "08ffc40014100100000000000000000000000000000000ffda0008010100003f003fbfffd9",
+    "424d3a00000000000000360000002800000001000000010000000100180000000000040000000000000000000000000000000000"
+    "000000000000",
+};
+
+constexpr char samplePage[]
+    = "%PDF-1.4\n1 0 obj<</Type/Catalog/Pages 2 0 R>>endobj "
+      "2 0 obj<</Type/Pages/Kids[3 0 R]/Count 1>>endobj "
+      "3 0 obj<</Type/Page/Parent 2 0 R/MediaBox[0 0 9 9]/Contents 4 0 R"
+      "/Resources<</Font<</F<</Type/Font/Subtype/Type1/BaseFont/Helvetica>>>>>>>>endobj "
+      "4 0 obj<</Length 24>>stream\nBT/F 9 Tf 1 1 Td(a)Tj ET\nendstream endobj "
+      "trailer<</Root 1 0 R>>";
+
+std::string fromHexadecimal(std::string_view digits)
+{
+    std::string bytes;
+    for (std::size_t i = 0; i + 1 < digits.size(); i += 2)
+        bytes += char(std::stoi(std::string(digits.substr(i, 2)), nullptr, 16));
+    return bytes;
+}
+
+/// Decoding only: saving runs a pool of threads.
+void decodeSamples()
+{
+    for (const char* digits : samplePictures) {
+        const std::string bytes = fromHexadecimal(digits);
+        try {
+            BitmapFile file(std::as_bytes(std::span(bytes)));
+            file.readRows([](std::uint32_t, const std::byte*) {});
+        } catch (const std::exception&) { // the jobs will say so again
+        }
+    }
+}
+
+} // namespace
+
+void loadLibraries()
+{
+    ::setenv("VIPS_CONCURRENCY", "1", 1);
+    ::setenv("OMP_NUM_THREADS", "1", 1);
+    ::setenv("MAGICK_THREAD_LIMIT", "1", 1);
+    ::setenv("VIPS_DISC_THRESHOLD", "64g", 1); // never a temporary file
+    ::setenv("VIPS_WARNING", "0", 1);
+    if (VIPS_INIT("vxr-import"))
+        throw std::runtime_error(vips_error_buffer());
+    vips_concurrency_set(1);
+    vips_cache_set_max(0);
+    for (const char* loader : blockedLoaders)
+        vips_operation_block_set(loader, TRUE);
+    decodeSamples();
+    loadDefaultConversions();
+    try {
+        drawSamplePage(samplePage);
+    } catch (const std::exception&) {
+    }
+}
+
+} // namespace vxr::importing
