@@ -3,6 +3,7 @@
 #include <apps/import/Job.h>
 #include <apps/import/PngColor.h>
 #include <apps/import/Profiles.h>
+#include <apps/import/PsdFile.h>
 #include <apps/import/Signatures.h>
 
 #include <vips/vips.h>
@@ -68,8 +69,11 @@ BitmapFile::BitmapFile(std::span<const std::byte> bytes)
     mInfo.kind = bitmapKind(bytes);
     if (mInfo.kind.empty())
         throw Refusal("The file is of no known kind.");
-    mImage = vips_image_new_from_buffer(bytes.data(), bytes.size(), "", "access", VIPS_ACCESS_SEQUENTIAL,
-        "fail_on", VIPS_FAIL_ON_ERROR, nullptr);
+    if (mInfo.kind == "psd")
+        openPSD(bytes);
+    if (!mImage)
+        mImage = vips_image_new_from_buffer(bytes.data(), bytes.size(), "", "access", VIPS_ACCESS_SEQUENTIAL,
+            "fail_on", VIPS_FAIL_ON_ERROR, nullptr);
     if (!mImage)
         refuse();
     try {
@@ -83,6 +87,27 @@ BitmapFile::BitmapFile(std::span<const std::byte> bytes)
 }
 
 BitmapFile::~BitmapFile() { g_object_unref(mImage); }
+
+/// Leaves the image empty for kinds that the loaders read as well.
+void BitmapFile::openPSD(std::span<const std::byte> bytes)
+{
+    PsdFile file;
+    if (!file.readHeader(bytes))
+        return;
+    const auto samples = file.readSamples();
+    const bool isWide = file.bitsPerSample == 16;
+    mImage = vips_image_new_from_memory_copy(samples.data(), samples.size(), int(file.width),
+        int(file.height), int(file.colors + file.hasAlpha), isWide ? VIPS_FORMAT_USHORT : VIPS_FORMAT_UCHAR);
+    if (!mImage)
+        throw OversizeError();
+    mImage->Type = file.colors == 4 ? VIPS_INTERPRETATION_CMYK
+        : file.colors == 3          ? (isWide ? VIPS_INTERPRETATION_RGB16 : VIPS_INTERPRETATION_sRGB)
+                                    : (isWide ? VIPS_INTERPRETATION_GREY16 : VIPS_INTERPRETATION_B_W);
+    constexpr double inchInMillimetres = 25.4;
+    mImage->Xres = mImage->Yres = file.pixelsPerInch > 0 ? file.pixelsPerInch / inchInMillimetres : 1;
+    if (!file.profile.empty())
+        vips_image_set_blob_copy(mImage, VIPS_META_ICC_NAME, file.profile.data(), file.profile.size());
+}
 
 /// Samples become unsigned numbers of 8 or 16 bits in one of the three models.
 void BitmapFile::normaliseSamples()

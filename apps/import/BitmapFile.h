@@ -26,6 +26,7 @@ public:
     void readRows(const std::function<void(std::uint32_t row, const std::byte* samples)>& take);
 
 private:
+    void openPSD(std::span<const std::byte> bytes);
     void normaliseSamples();
     void readFormat();
     void readMetadata(std::span<const std::byte> bytes);

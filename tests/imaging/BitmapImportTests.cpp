@@ -30,7 +30,6 @@ const KeptCase keptCases[] = {
     { "JPEG 2000, lossless", { .width = 40, .height = 30, .bands = 3 }, ".jp2[lossless]", "jp2" },
     { "BMP", { .bands = 3 }, ".bmp", "bmp" },
     { "ICO", { .width = 16, .height = 16, .bands = 4 }, ".ico", "ico" },
-    { "PSD", { .bands = 3 }, ".psd", "psd" },
 };
 
 } // namespace
@@ -70,6 +69,35 @@ TEST_F(BitmapImport, KeepsEverySampleOfLosslessFiles)
                     ASSERT_NEAR(value, ramp(i / picture.bands, y, i % picture.bands), 0.001) << y << ' ' << i;
                 }
             }
+    }
+}
+
+TEST_F(BitmapImport, ReadsTheCompositeOfLayeredFiles)
+{
+    struct PSDCase {
+        const char* name;
+        std::uint8_t mode;
+        int bands, bits;
+        bool isPacked;
+    };
+    const PSDCase cases[] = { { "RGB", 3, 3, 8, false }, { "RGB, packed", 3, 3, 8, true },
+        { "CMYK, packed", 4, 4, 8, true }, { "CMYK, 16 bits", 4, 4, 16, false }, { "grey", 1, 1, 8, true } };
+    for (const PSDCase& psd : cases) {
+        SCOPED_TRACE(psd.name);
+        const MadePicture picture { .bands = psd.bands, .bitsPerSample = psd.bits, .sample = ramp };
+        const auto bitmap = decode(makePSD(picture, psd.mode, psd.isPacked));
+        ASSERT_TRUE(bitmap) << failure.message;
+        EXPECT_EQ(bitmap->info().kind, "psd");
+        EXPECT_EQ(bitmap->info().horizontalResolution, 150);
+        ASSERT_EQ(bitmap->format().samplesPerPixel, unsigned(psd.bands));
+        ASSERT_EQ(bitmap->format().bitsPerSample, unsigned(psd.bits));
+        const std::size_t bytes = std::size_t(psd.bits) / 8;
+        for (std::size_t i = 0; i < bitmap->pixels().size() / bytes; ++i) {
+            std::uint16_t wide = 0;
+            std::memcpy(&wide, bitmap->pixels().data() + i * bytes, bytes);
+            const int band = int(i) % psd.bands, x = int(i) / psd.bands % 8, y = int(i) / psd.bands / 8;
+            ASSERT_NEAR(wide / (psd.bits == 16 ? 65535. : 255.), ramp(x, y, band), 0.001) << i;
+        }
     }
 }
 

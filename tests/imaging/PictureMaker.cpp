@@ -80,6 +80,44 @@ std::string makePicture(const MadePicture& picture, const std::string& suffix)
     return result;
 }
 
+std::string makePSD(const MadePicture& picture, std::uint8_t mode, bool isPacked)
+{
+    std::string psd = "8BPS";
+    const auto number = [](unsigned value, int bytes) {
+        std::string digits;
+        while (bytes-- > 0)
+            digits += char(value >> (8 * bytes));
+        return digits;
+    };
+    psd += number(1, 2) + std::string(6, '\0') + number(unsigned(picture.bands), 2);
+    psd += number(unsigned(picture.height), 4) + number(unsigned(picture.width), 4);
+    psd += number(unsigned(picture.bitsPerSample), 2) + number(mode, 2) + number(0, 4);
+    const std::string resolution = number(150 << 16, 4) + std::string(12, '\0');
+    const std::string resources = "8BIM" + number(0x3ed, 2) + number(0, 2) + number(16, 4) + resolution;
+    psd += number(unsigned(resources.size()), 4) + resources + number(0, 4) + number(isPacked, 2);
+    std::string lengths, rows;
+    for (int band = 0; band < picture.bands; ++band)
+        for (int y = 0; y < picture.height; ++y) {
+            std::string row;
+            for (int x = 0; x < picture.width; ++x) {
+                const double sample = picture.sample(x, y, band), stored = mode == 4 ? 1 - sample : sample;
+                row += picture.bitsPerSample == 16 ? number(unsigned(stored * 65535 + 0.5), 2)
+                                                   : number(unsigned(stored * 255 + 0.5), 1);
+            }
+            // Half of the row as it is, the rest as runs of one.
+            if (isPacked) {
+                const std::size_t half = row.size() / 2;
+                std::string packed = number(unsigned(half - 1), 1) + row.substr(0, half);
+                for (const char byte : row.substr(half))
+                    packed += std::string("\0", 1) + byte;
+                row = packed;
+                lengths += number(unsigned(row.size()), 2);
+            }
+            rows += row;
+        }
+    return psd + lengths + rows;
+}
+
 std::string makePDF(const std::vector<std::string>& objects)
 {
     std::string pdf = "%PDF-1.6\n";

@@ -22,6 +22,9 @@ struct MadePicture {
 /// can't be written here.
 std::string makePicture(const MadePicture&, const std::string& suffix);
 
+/// A layered file's header and composite, 150 pixels an inch, by the numbers of its format.
+std::string makePSD(const MadePicture&, std::uint8_t mode, bool isPacked);
+
 /// A PDF of the objects, the first of them the catalog.
 std::string makePDF(const std::vector<std::string>& objects);
 
