@@ -71,11 +71,15 @@ std::byte* JobOutput::mapPayload(std::uint64_t bytes)
     void* mapped = ::mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_SHARED, mPayload, 0);
     if (mapped == MAP_FAILED)
         throw OversizeError();
-    return static_cast<std::byte*>(mapped);
+    mMapped = { static_cast<std::byte*>(mapped), std::size_t(bytes) };
+    return mMapped.data();
 }
 
 void JobOutput::finish(ImportOutcome outcome, std::string_view message)
 {
+    if (!mMapped.empty()) // it could not be sealed
+        ::munmap(mMapped.data(), mMapped.size());
+    mMapped = {};
     report.outcome = outcome;
     report.trailingBytes = trailing.size();
     message.copy(report.message, sizeof report.message - 1);

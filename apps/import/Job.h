@@ -59,13 +59,14 @@ public:
     void setPayloadSize(std::uint64_t bytes);
     void writePayload(std::uint64_t offset, const void* bytes, std::size_t size);
     void writePayload(std::string_view bytes); ///< the whole of it
-    /// The payload in memory, for jobs that write here and there. Lasts until the process ends.
+    /// The payload in memory, for jobs that write here and there; until `finish`.
     std::byte* mapPayload(std::uint64_t bytes);
     void finish(ImportOutcome outcome, std::string_view message = {});
 
 private:
     int mReport, mPayload;
     std::uint64_t mMostBytes;
+    std::span<std::byte> mMapped;
 };
 
 /// Does what the request asks; throws when it can't. Runs in the job's process.

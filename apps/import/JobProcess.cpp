@@ -1,12 +1,14 @@
 #include <apps/import/JobProcess.h>
 
 #include <apps/import/Job.h>
+#include <apps/import/Messages.h>
 #include <apps/import/TemporaryFolder.h>
 
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
@@ -19,12 +21,14 @@
 #include <cstdlib>
 #include <fstream>
 #include <new>
+#include <utility>
 
 namespace vxr::importing {
 
 namespace {
 
-constexpr int firstJobDescriptor = 100;
+constexpr int firstJobDescriptor = 40; ///< beyond what the program itself has open
+constexpr rlim_t mostDescriptors = 64; ///< that a job may open
 constexpr std::uint64_t leastMemory = std::uint64_t { 256 } << 20;
 /// Address space for reservations (arenas, stacks of threads) that never become memory.
 constexpr std::uint64_t reservedBytes = std::uint64_t { 1 } << 30;
@@ -74,55 +78,13 @@ ImportOutcome outcomeOf(int signal)
     return signal == SIGXCPU ? ImportOutcome::TimedOut : ImportOutcome::Crashed;
 }
 
-} // namespace
-
-int countThreads() { return int(statusNumber("Threads:")); }
-
-JobProcess::JobProcess(const Sandbox& sandbox, int hostSocket)
-    : mSandbox(sandbox)
-    , mHostSocket(hostSocket)
-    , mOwnProcess(::getpid())
-    , mBasePrivateBytes(statusNumber("VmData:") << 10)
-    , mBaseAddressBytes(statusNumber("VmSize:") << 10)
+/// Runs the job and leaves its result, or why there is none.
+void runAndReport(const Request& request, const JobFiles& files)
 {
-}
-
-void JobProcess::become(const Request& request, int input, int report, int payload, const std::string& folder)
-{
-    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
-    if (::getppid() != mOwnProcess)
-        ::_exit(9); // the program died before the line above
-    silence();
-    volunteerForOutOfMemory();
-    input = moved(input);
-    report = moved(report);
-    payload = moved(payload);
-    ::syscall(SYS_close_range, 3u, unsigned(firstJobDescriptor - 1), 0u);
-    ::signal(SIGPIPE, SIG_IGN);
-    std::set_new_handler(nullptr); // one of the libraries sets a handler that throws what nobody catches
-
-    const bool isPostScript = request.job == Job::ConvertEPS;
-    const auto memory = std::max(request.limits.memoryBytes, leastMemory);
-    const auto address = mBaseAddressBytes + memory + reservedBytes + sizeOf(input)
-        + (isPostScript ? 0 : request.limits.outputBytes); // mapped by the others
-    setLimits(
-        { mBasePrivateBytes + memory, address, request.limits.outputBytes, request.limits.processorSeconds });
-    if (isPostScript) {
-        // Ghostscript may write below its temporary folder: this one is the job's own.
-        ::clearenv();
-        ::setenv("TMPDIR", folder.c_str(), 1);
-        ::setenv("TEMP", folder.c_str(), 1);
-    }
-    const int firstToClose = std::max({ input, report, payload }) + 1;
-    const bool isConfined
-        = isPostScript ? mSandbox.enterForPostScript(firstToClose, folder) : mSandbox.enter(firstToClose);
-    if (!isConfined)
-        ::_exit(8);
-
-    JobOutput output(report, payload, request.limits.outputBytes);
+    JobOutput output(files.report, files.payload, request.limits.outputBytes);
     try {
-        const JobInput file(input);
-        runJob(request, file, output);
+        const JobInput input(files.input);
+        runJob(request, input, output);
         output.finish(ImportOutcome::Done);
     } catch (const OversizeError& error) {
         output.finish(ImportOutcome::TooLarge, error.what());
@@ -131,34 +93,151 @@ void JobProcess::become(const Request& request, int input, int report, int paylo
     } catch (const std::exception& error) {
         output.finish(ImportOutcome::Refused, error.what());
     }
+}
+
+} // namespace
+
+JobProcess::JobProcess(const Sandbox& sandbox, int hostSocket)
+    : mSandbox(sandbox)
+    , mHostSocket(hostSocket)
+    , mOwnProcess(::getpid())
+    , mBasePrivateBytes(statusNumber("VmData:") << 10)
+    , mBaseAddressBytes(statusNumber("VmSize:") << 10)
+    , mNext(startWorker())
+{
+}
+
+JobProcess::~JobProcess()
+{
+    dismiss(mNext);
+    reap(true);
+}
+
+/// What every job's process does first.
+void JobProcess::prepare() const
+{
+    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+    if (::getppid() != mOwnProcess)
+        ::_exit(9); // the program died before the line above
+    silence();
+    volunteerForOutOfMemory();
+    ::signal(SIGPIPE, SIG_IGN);
+    std::set_new_handler(nullptr); // one of the libraries sets a handler that throws what nobody catches
+}
+
+JobProcess::Worker JobProcess::startWorker()
+{
+    int ends[2];
+    if (::socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends) != 0)
+        return {};
+    const int process = ::fork();
+    if (process == 0)
+        work(ends[1]);
+    ::close(ends[1]);
+    if (process < 0) {
+        ::close(ends[0]);
+        return {};
+    }
+    return { process, int(::syscall(SYS_pidfd_open, process, 0)), ends[0] };
+}
+
+void JobProcess::work(int socket)
+{
+    prepare();
+    socket = moved(socket);
+    ::syscall(SYS_close_range, 3u, unsigned(firstJobDescriptor - 1), 0u);
+    if (!mSandbox.enter(socket + 1))
+        ::_exit(8);
+    Request request;
+    int files[3];
+    if (!receiveMessage(socket, &request, sizeof request, files))
+        ::_exit(0);
+    const bool hasInput = request.job != Job::FileTypes && request.job != Job::Misbehave;
+    runAndReport(
+        request, hasInput ? JobFiles { files[2], files[0], files[1] } : JobFiles { -1, files[0], files[1] });
+    if (::write(socket, "", 1) != 1)
+        ::_exit(7);
     ::_exit(0); // what the libraries would do at the end is of no use
 }
 
-JobProcess::End JobProcess::waitFor(int process, const Request& request)
+JobProcess::Worker JobProcess::startPostScript(
+    const Request& request, const JobFiles& files, const std::string& folder)
+{
+    const int process = ::fork();
+    if (process == 0)
+        becomePostScript(request, files, folder);
+    return process < 0 ? Worker {} : Worker { process, int(::syscall(SYS_pidfd_open, process, 0)), -1 };
+}
+
+void JobProcess::becomePostScript(const Request& request, JobFiles files, const std::string& folder)
+{
+    prepare();
+    files = { moved(files.input), moved(files.report), moved(files.payload) };
+    ::syscall(SYS_close_range, 3u, unsigned(firstJobDescriptor - 1), 0u);
+    // Ghostscript may write below its temporary folder: this one is the job's own.
+    ::clearenv();
+    ::setenv("TMPDIR", folder.c_str(), 1);
+    ::setenv("TEMP", folder.c_str(), 1);
+    if (folder.empty()
+        || !mSandbox.enterForPostScript(std::max({ files.input, files.report, files.payload }) + 1, folder))
+        ::_exit(8);
+    runAndReport(request, files);
+    ::_exit(1); // it has not become Ghostscript
+}
+
+/// From here the kernel watches. The process has hardly used anything yet.
+void JobProcess::limit(const Worker& worker, const Request& request, const JobFiles& files) const
+{
+    const std::uint64_t memory = std::max(request.limits.memoryBytes, leastMemory);
+    const std::uint64_t mapped = sizeOf(files.input) + request.limits.outputBytes;
+    const auto set = [&](__rlimit_resource resource, rlim_t most, rlim_t beyond = 0) {
+        const rlimit limits { most, most + beyond };
+        ::prlimit(worker.process, resource, &limits, nullptr);
+    };
+    set(RLIMIT_DATA, mBasePrivateBytes + memory);
+    set(RLIMIT_AS, mBaseAddressBytes + memory + reservedBytes + mapped);
+    set(RLIMIT_FSIZE, request.limits.outputBytes);
+    set(RLIMIT_CPU, request.limits.processorSeconds, 1);
+    set(RLIMIT_NOFILE, mostDescriptors);
+    set(RLIMIT_CORE, 0);
+}
+
+JobProcess::End JobProcess::waitFor(Worker worker, const Request& request)
 {
     using Clock = std::chrono::steady_clock;
     const auto limit = Clock::now() + std::chrono::milliseconds(request.limits.waitMilliseconds);
-    const int handle = int(::syscall(SYS_pidfd_open, process, 0));
-    End end;
     for (;;) {
         const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(limit - Clock::now()).count();
-        pollfd watched[] { { handle, POLLIN, 0 }, { mHostSocket, POLLRDHUP, 0 } };
-        const int count = ::poll(watched, 2, left > 0 ? int(left) : 0);
+        pollfd watched[] { { worker.handle, POLLIN, 0 }, { mHostSocket, POLLRDHUP, 0 },
+            { worker.socket, POLLIN, 0 } };
+        const int count = ::poll(watched, 3, left > 0 ? int(left) : 0);
         if (count < 0 && errno == EINTR)
             continue;
-        end.hostIsGone = count > 0 && watched[1].revents != 0;
-        if (count <= 0)
-            end.outcome = ImportOutcome::TimedOut;
-        if (count <= 0 || end.hostIsGone)
-            ::kill(process, SIGKILL);
-        break;
+        char done = 1;
+        if (count > 0 && watched[2].revents != 0 && ::read(worker.socket, &done, 1) == 1) {
+            dismiss(worker);
+            return {};
+        }
+        if (count > 0 && watched[0].revents == 0 && watched[1].revents == 0) {
+            ::close(std::exchange(worker.socket, -1)); // it is about to end
+            continue;
+        }
+        if (count > 0 && watched[1].revents == 0)
+            return endOf(worker, request);
+        dismiss(worker);
+        return { ImportOutcome::TimedOut, 0, count > 0 };
     }
-    ::close(handle);
+}
+
+JobProcess::End JobProcess::endOf(Worker worker, const Request& request)
+{
     int status = 0;
     rusage used {};
-    while (::wait4(process, &status, 0, &used) < 0 && errno == EINTR) { }
-    if (end.outcome != ImportOutcome::Done)
-        return end;
+    while (::wait4(worker.process, &status, 0, &used) < 0 && errno == EINTR) { }
+    ::close(worker.handle);
+    if (worker.socket >= 0)
+        ::close(worker.socket);
+    End end;
     if (WIFSIGNALED(status)) {
         end.signal = std::uint32_t(WTERMSIG(status));
         end.outcome = outcomeOf(WTERMSIG(status));
@@ -172,15 +251,51 @@ JobProcess::End JobProcess::waitFor(int process, const Request& request)
     return end;
 }
 
-JobProcess::End JobProcess::run(const Request& request, int input, int report, int payload)
+void JobProcess::dismiss(Worker worker)
 {
-    TemporaryFolder folder(request.job == Job::ConvertEPS);
-    const int process = ::fork();
-    if (process == 0)
-        become(request, input, report, payload, folder.path());
-    if (process < 0)
+    if (worker.process < 0)
+        return;
+    ::kill(worker.process, SIGKILL);
+    ::close(worker.handle);
+    if (worker.socket >= 0)
+        ::close(worker.socket);
+    mEnding.push_back(worker.process);
+}
+
+void JobProcess::reap(bool all)
+{
+    std::erase_if(mEnding, [all](int process) {
+        int ended = 0;
+        do
+            ended = ::waitpid(process, nullptr, all ? 0 : WNOHANG);
+        while (ended < 0 && errno == EINTR);
+        return ended != 0;
+    });
+}
+
+JobProcess::End JobProcess::run(const Request& request, const JobFiles& files)
+{
+    reap(false);
+    const bool isPostScript = request.job == Job::ConvertEPS;
+    const TemporaryFolder folder(isPostScript);
+    if (isPostScript) {
+        const Worker worker = startPostScript(request, files, folder.path());
+        if (worker.process < 0)
+            return { ImportOutcome::TooLarge, 0, false };
+        limit(worker, request, files);
+        const End end = waitFor(worker, request);
+        reap(true); // nothing more comes into the folder
+        return end;
+    }
+    const Worker worker = mNext.process >= 0 ? std::exchange(mNext, {}) : startWorker();
+    if (worker.process < 0)
         return { ImportOutcome::TooLarge, 0, false };
-    return waitFor(process, request);
+    limit(worker, request, files);
+    const int descriptors[] { files.report, files.payload, files.input };
+    const std::size_t count = files.input < 0 ? 2 : 3;
+    sendMessage(worker.socket, &request, sizeof request, std::span(descriptors).first(count));
+    mNext = startWorker();
+    return waitFor(worker, request);
 }
 
 } // namespace vxr::importing

@@ -3,13 +3,25 @@
 #include <apps/import/Sandbox.h>
 #include <vxr/platform/imaging/ImportProtocol.h>
 
+#include <string>
+#include <vector>
+
 namespace vxr::importing {
 
-/// Runs each job in a process of its own, forked from this one with its libraries loaded and warm.
+/// The files of a job: the input, or -1, and those that it writes.
+struct JobFiles {
+    int input = -1, report = -1, payload = -1;
+};
+
+/// Runs each job in a process of its own, forked from this one with its libraries loaded and warm. The
+/// process of the next job is made while one works, and waits, confined already, for what to do.
 class JobProcess {
 public:
     /// `hostSocket` is watched: when the host goes, the job goes.
     JobProcess(const Sandbox& sandbox, int hostSocket);
+    ~JobProcess();
+    JobProcess(const JobProcess&) = delete;
+    JobProcess& operator=(const JobProcess&) = delete;
 
     struct End {
         ImportOutcome outcome = ImportOutcome::Done;
@@ -17,20 +29,33 @@ public:
         bool hostIsGone = false;
     };
 
-    /// Waits for the job's end. `report` and `payload` are the files that it writes.
-    End run(const Request&, int input, int report, int payload);
+    /// Waits for the job's result or end. Afterwards it can still spoil its files, so seal them at once.
+    End run(const Request&, const JobFiles&);
 
 private:
-    [[noreturn]] void become(const Request&, int input, int report, int payload, const std::string& folder);
-    End waitFor(int process, const Request&);
+    struct Worker {
+        int process = -1;
+        int handle = -1; ///< a descriptor that stands for the process
+        int socket = -1; ///< to it; -1 for Ghostscript's, which is told everything at its start
+    };
+
+    void prepare() const;
+    Worker startWorker();
+    Worker startPostScript(const Request&, const JobFiles&, const std::string& folder);
+    [[noreturn]] void work(int socket);
+    [[noreturn]] void becomePostScript(const Request&, JobFiles, const std::string& folder);
+    void limit(const Worker&, const Request&, const JobFiles&) const;
+    End waitFor(Worker, const Request&);
+    End endOf(Worker, const Request&);
+    void dismiss(Worker); ///< ends it without waiting
+    void reap(bool all);
 
     const Sandbox& mSandbox;
     int mHostSocket;
     int mOwnProcess;
     std::uint64_t mBasePrivateBytes, mBaseAddressBytes; ///< what a job inherits of either
+    Worker mNext;
+    std::vector<int> mEnding; ///< processes that have been told to end
 };
-
-/// Threads of this process; a fork is safe with one.
-int countThreads();
 
 } // namespace vxr::importing

@@ -7,7 +7,6 @@
 #include <seccomp.h>
 #include <sys/mman.h>
 #include <sys/prctl.h>
-#include <sys/resource.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -27,7 +26,7 @@ constexpr const char* allowedCalls[] = { "read", "pread64", "readv", "preadv", "
     "clock_gettime", "clock_getres", "clock_nanosleep", "nanosleep", "gettimeofday", "time", "times",
     "getrusage", "sysinfo", "uname", "getpid", "gettid", "getuid", "geteuid", "getgid", "getegid", "poll",
     "ppoll", "eventfd2", "pipe2", "rt_sigaction", "rt_sigprocmask", "rt_sigreturn", "sigaltstack", "exit",
-    "exit_group", "restart_syscall", "getrlimit" };
+    "exit_group", "recvmsg", "restart_syscall", "getrlimit" };
 
 /// What Ghostscript does beyond that.
 constexpr const char* postScriptCalls[] = { "execve", "memfd_create", "dup2", "setpgid", "arch_prctl",
@@ -162,12 +161,6 @@ bool install(const std::vector<sock_filter>& filter, int rules, int firstToClose
     return ::prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) == 0;
 }
 
-void limit(int resource, rlim_t most, rlim_t hardMost)
-{
-    const rlimit limits { most, hardMost };
-    ::setrlimit(__rlimit_resource_t(resource), &limits);
-}
-
 } // namespace
 
 Sandbox::Sandbox()
@@ -199,16 +192,6 @@ bool Sandbox::enterForPostScript(int firstToClose, const std::string& folder) co
                 & ~std::uint64_t { LANDLOCK_ACCESS_FS_EXECUTE });
     }
     return install(mPostScriptFilter, rules, firstToClose);
-}
-
-void setLimits(const ProcessLimits& most)
-{
-    limit(RLIMIT_DATA, most.privateBytes, most.privateBytes);
-    limit(RLIMIT_AS, most.addressBytes, most.addressBytes);
-    limit(RLIMIT_FSIZE, most.fileBytes, most.fileBytes);
-    limit(RLIMIT_CPU, most.processorSeconds, most.processorSeconds + 1);
-    limit(RLIMIT_NOFILE, 64, 64);
-    limit(RLIMIT_CORE, 0, 0);
 }
 
 } // namespace vxr::importing

@@ -30,12 +30,4 @@ private:
     int mReadRules = -1;
 };
 
-/// Most that a process may take, by the kernel's own limits.
-struct ProcessLimits {
-    std::uint64_t privateBytes, addressBytes, fileBytes;
-    std::uint32_t processorSeconds;
-};
-
-void setLimits(const ProcessLimits&);
-
 } // namespace vxr::importing

@@ -1,13 +1,12 @@
 #include <apps/import/Service.h>
 
+#include <apps/import/Messages.h>
+
 #include <fcntl.h>
 #include <sys/mman.h>
-#include <sys/socket.h>
 #include <unistd.h>
 
-#include <array>
-#include <cerrno>
-#include <cstring>
+#include <span>
 
 namespace vxr::importing {
 
@@ -41,79 +40,34 @@ private:
 
 } // namespace
 
-bool Service::receive(Request& request, int& input)
-{
-    iovec content { &request, sizeof request };
-    alignas(cmsghdr) std::array<char, CMSG_SPACE(sizeof(int))> control {};
-    msghdr message {};
-    message.msg_iov = &content;
-    message.msg_iovlen = 1;
-    message.msg_control = control.data();
-    message.msg_controllen = control.size();
-    ssize_t received = 0;
-    do
-        received = ::recvmsg(mSocket, &message, MSG_CMSG_CLOEXEC);
-    while (received < 0 && errno == EINTR);
-    input = -1;
-    if (received > 0)
-        for (cmsghdr* header = CMSG_FIRSTHDR(&message); header; header = CMSG_NXTHDR(&message, header))
-            if (header->cmsg_level == SOL_SOCKET && header->cmsg_type == SCM_RIGHTS)
-                std::memcpy(&input, CMSG_DATA(header), sizeof input);
-    return received == ssize_t(sizeof request) && request.magic == protocolMagic;
-}
-
-void Service::send(const Reply& reply, int report, int payload)
-{
-    iovec content { const_cast<Reply*>(&reply), sizeof reply };
-    const std::array<int, 2> files { report, payload };
-    alignas(cmsghdr) std::array<char, CMSG_SPACE(sizeof files)> control {};
-    msghdr message {};
-    message.msg_iov = &content;
-    message.msg_iovlen = 1;
-    if (report >= 0) {
-        message.msg_control = control.data();
-        message.msg_controllen = control.size();
-        cmsghdr* header = CMSG_FIRSTHDR(&message);
-        header->cmsg_level = SOL_SOCKET;
-        header->cmsg_type = SCM_RIGHTS;
-        header->cmsg_len = CMSG_LEN(sizeof files);
-        std::memcpy(CMSG_DATA(header), files.data(), sizeof files);
-    }
-    while (::sendmsg(mSocket, &message, MSG_NOSIGNAL) < 0 && errno == EINTR) { }
-}
-
 bool Service::answer(const Request& request, int input)
 {
     Reply reply;
     reply.id = request.id;
     const MemoryOutput report("report"), payload("payload");
-    if (report.descriptor() < 0 || payload.descriptor() < 0) {
+    const int results[] { report.descriptor(), payload.descriptor() };
+    if (results[0] < 0 || results[1] < 0) {
         reply.outcome = ImportOutcome::TooLarge;
-        send(reply, -1, -1);
-        return true;
+        return sendMessage(mSocket, &reply, sizeof reply, {});
     }
-    const JobProcess::End end = mJobs.run(request, input, report.descriptor(), payload.descriptor());
+    const JobProcess::End end = mJobs.run(request, { input, results[0], results[1] });
     if (end.hostIsGone)
         return false;
     reply.outcome = end.outcome;
     reply.signal = end.signal;
-    const bool isDone = end.outcome == ImportOutcome::Done;
-    // The job has ended, so nobody can hold the files open for writing.
-    if (isDone && report.seal() && payload.seal()) {
-        send(reply, report.descriptor(), payload.descriptor());
-        return true;
-    }
-    if (isDone)
-        reply.outcome = ImportOutcome::Unavailable;
-    send(reply, -1, -1);
-    return true;
+    if (end.outcome != ImportOutcome::Done)
+        return sendMessage(mSocket, &reply, sizeof reply, {});
+    if (report.seal() && payload.seal())
+        return sendMessage(mSocket, &reply, sizeof reply, results);
+    reply.outcome = ImportOutcome::Crashed; // it has kept its files mapped
+    return sendMessage(mSocket, &reply, sizeof reply, {});
 }
 
 void Service::serve()
 {
     Request request;
-    for (int input = -1; receive(request, input);) {
-        const bool goesOn = answer(request, input);
+    for (int input = -1; receiveMessage(mSocket, &request, sizeof request, std::span(&input, 1));) {
+        const bool goesOn = request.magic == protocolMagic && answer(request, input);
         if (input >= 0)
             ::close(input);
         if (!goesOn)

@@ -16,8 +16,6 @@ public:
     void serve();
 
 private:
-    bool receive(Request&, int& input);
-    void send(const Reply&, int report, int payload);
     bool answer(const Request&, int input); ///< false when the host has gone
 
     JobProcess& mJobs;

@@ -29,7 +29,9 @@ protected:
 
     void SetUp() override
     {
-        if (!importer().isAvailable())
+        if (*VXR_IMPORT)
+            ASSERT_TRUE(importer().isAvailable());
+        else if (!importer().isAvailable())
             GTEST_SKIP() << "there is no import program";
     }
 
