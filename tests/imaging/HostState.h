@@ -24,7 +24,7 @@ struct HostState {
         for ([[maybe_unused]] const auto& entry : files::directory_iterator("/proc/self/fd"))
             ++state.descriptors;
         for (const auto& entry : files::directory_iterator(files::temp_directory_path()))
-            state.importFolders += entry.path().filename().string().starts_with("vxr-import-");
+            state.importFolders += entry.is_directory();
         std::ifstream status("/proc/self/status");
         for (std::string line; std::getline(status, line);)
             if (line.starts_with("VmRSS:"))
