@@ -95,6 +95,9 @@ TEST(LineAndRect, SegmentsTouchTheRectangle)
         { "FarPast", { -1e30f, 1 }, { 1, 1e30f }, false },
         // Bisections that no further number would end.
         { "NeighboursAtACorner", { 1, 2 }, { edge, above }, false, { edge, 1, 1, 1 } },
+        { "NotANumber", { 0, -1 }, { infinity, std::numeric_limits<float>::quiet_NaN() }, false },
+        { "NegativeSize", { -5, 20 }, { 20, -5 }, false, { 10, 10, -10, -10 } },
+        { "NegativeSizeFar", { -1e30f, 5 }, { 1e30f, 5 }, false, { 10, 10, -10, -10 } },
         { "Infinite", { -infinity, 1.5f }, { 1.5f, infinity }, false, { edge, 1, 1, 1 } },
     };
     for (const auto& c : cases) {

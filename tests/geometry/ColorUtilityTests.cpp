@@ -3,6 +3,7 @@
 #include <vxr/geometry/VXRColorUtilities.h>
 #include <vxr/host/utility/VXUSystemVersion.h>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 using namespace vxr;
@@ -111,6 +112,17 @@ TEST(ColorPainter, FillsByTheWindingRuleWhiteOnBlackAndWhiteAndNothingTransparen
     canvas.blackAndWhite = true;
     EXPECT_EQ(painted(1), "set-color 1 1 1 1\n" + fill);
     EXPECT_EQ(painted(0), "set-color 1 1 1 1\n" + fill);
+}
+
+TEST(ColorPainter, FillsWithTheFlatnessOfThePath)
+{
+    FakeShape shape(Size { 2, 2 });
+    shape.outline->setFlatness(0.05f);
+    EXPECT_EQ(recordingOf([&] { Color::colorWithDeviceRGB(1, 0, 0)->paintShape(shape); }), recordingOf([&] {
+        Color::colorWithDeviceRGB(1, 0, 0)->set();
+        shape.outline->fill();
+    }));
+    EXPECT_THAT(recordingOf([&] { shape.outline->fill(); }), ::testing::HasSubstr("flatness"));
 }
 
 TEST(ColorPainter, TransparentRectanglesArePaintedAsSwatchesOnly)

@@ -4,11 +4,13 @@
 #include <tests/support/PathBuilder.h>
 #include <tests/support/PolygonBuilder.h>
 #include <tests/support/RecordingContext.h>
+#include <vxr/platform/base/Exceptions.h>
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <limits>
 #include <string>
 
 namespace vxr::testing {
@@ -113,6 +115,15 @@ TEST(Polygon, PointArrayDoublesWhenFull)
     }
     for (int i = 0; i < 5; ++i)
         EXPECT_EQ(points[std::size_t(i)], Point(float(i), float(-i)));
+}
+
+TEST(Polygon, PointArrayRefusesIndicesThatNoArrayHas)
+{
+    std::vector<Point> points;
+    for (int index : { -1, std::numeric_limits<int>::min(), std::numeric_limits<int>::max() })
+        EXPECT_THROW(addPointToArray(1, 2, index, points, 4), InvalidArgumentException) << index;
+    EXPECT_TRUE(points.empty());
+    EXPECT_EQ(addPointToArray(1, 2, 9, points, 4), 10) << "far beyond the end";
 }
 
 TEST(CombinePolys, UnitesAnyNumberOfSetsAndLeavesASingleOneAsItIs)

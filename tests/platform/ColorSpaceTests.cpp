@@ -1,4 +1,5 @@
 #include <vxr/platform/graphics/color/ColorSpace.h>
+#include <vxr/platform/graphics/color/ProfileTransformCache.h>
 
 #include <tests/platform/ProfileSupport.h>
 
@@ -129,6 +130,33 @@ TEST(ColorSpace, DamagedProfilesAreRefusedOrUsedButNeverCrash)
         if (const auto space = ColorSpace::createWithICCProfile(damaged, 3))
             converted(*space, { 1, 2, 3, 250, 100, 0 });
     }
+}
+
+TEST(ProfileTransformCache, KeepsTheProfilesUsedLastAndNoMore)
+{
+    // The profile's creator, four bytes of the header, tells them apart and changes no colour.
+    const auto numbered = [](int number) {
+        auto profile = linearRGBProfile();
+        profile[80] = static_cast<std::byte>(number);
+        return profile;
+    };
+    ProfileTransformCache cache(3);
+    const auto first = cache.transformsFor(numbered(0), ColorModel::RGB);
+    ASSERT_TRUE(first);
+    EXPECT_EQ(cache.transformsFor(numbered(0), ColorModel::RGB), first);
+    EXPECT_FALSE(cache.transformsFor(numbered(0), ColorModel::Gray)) << "not a profile of greys";
+    for (int i = 1; i < 6; ++i) {
+        ASSERT_TRUE(cache.transformsFor(numbered(i), ColorModel::RGB));
+        EXPECT_EQ(cache.transformsFor(numbered(0), ColorModel::RGB), first) << "in use all the time";
+        EXPECT_LE(cache.size(), 3u);
+    }
+    const auto early = cache.transformsFor(numbered(5), ColorModel::RGB);
+    for (int i = 10; i < 13; ++i)
+        cache.transformsFor(numbered(i), ColorModel::RGB);
+    EXPECT_NE(cache.transformsFor(numbered(0), ColorModel::RGB), first) << "dropped, and made again";
+    std::uint8_t rgb[3] {}, pixel[3] { 55, 55, 55 };
+    early->convertBytes(pixel, rgb, 1); // dropped, yet still held
+    EXPECT_NEAR(rgb[0], srgbFromLinear(55 / 255.0) * 255, 1);
 }
 
 TEST(ColorValue, ClampsWhatTheOutputTakes)

@@ -241,6 +241,15 @@ TEST(UnobstructedSpan, IsTheFirstFreePosition)
 
     const auto tall = rects({ { 0, 0, 10, 2e9f } });
     EXPECT_EQ(firstFree(*tall, { 0, 1e8f, 10, 1 }, { 0, 0, 10, 1e9f }), 1e8f) << "a step lost in rounding";
+
+    // Steps of 2 from 0 to the end of the bar, however many there are.
+    const auto bar = rects({ { 0, 0, 10, 600000 } });
+    EXPECT_EQ(firstFree(*bar, { 0, 0, 10, 1 }, { 0, 0, 10, 1e6f }), 600000);
+    // A notch that no step meets is passed over, one that a step falls into is found.
+    bar->appendRect({ 10, 0, 10, 400001 });
+    bar->appendRect({ 10, 400002, 10, 200000 });
+    EXPECT_EQ(firstFree(*bar, { 12, 0, 5, 1 }, { 0, 0, 20, 1e6f }), 600002);
+    EXPECT_EQ(firstFree(*bar, { 12, 1, 5, 1 }, { 0, 0, 20, 1e6f }), 400001);
 }
 
 TEST(WrappedSubrects, SpansComeFromTheContoursBounds)

@@ -4,37 +4,43 @@
 
 namespace vxr {
 
-/// Tells `file`'s readers that a path had a curve where only lines are expected.
+/// Logs that a path holds a curve where only lines are expected. `file` is the source file's name.
 void logCurveInFlatPath(const char* file);
 
-/// Calls `segment(start, end)` for every line of a flat path and for every closing line, until it answers
-/// true; then the answer is true too. Curves are logged and skipped.
+/// Hands the segments of a flat path to `Segment(start, end)` until it returns true.
+template <class Segment> class FlatPathWalker {
+public:
+    FlatPathWalker(const char* file, Segment& segment)
+        : mFile(file)
+        , mSegment(segment)
+    {
+    }
+
+    bool found() const { return mFound; }
+
+    void moveTo(Point p) { mCurrent = mStart = p; }
+    void lineTo(Point p)
+    {
+        mFound = mFound || mSegment(mCurrent, p);
+        mCurrent = p;
+    }
+    void curveTo(Point, Point, Point) { logCurveInFlatPath(mFile); }
+    void close() { lineTo(mStart); }
+
+private:
+    const char* mFile;
+    Segment& mSegment;
+    Point mCurrent, mStart;
+    bool mFound = false;
+};
+
+/// Calls `segment(start, end)` for every line and every closing line of a flat path until it returns true,
+/// and says whether it did. Curves are logged and skipped.
 template <class Segment> bool walkFlatPath(const Path& flat, const char* file, Segment segment)
 {
-    Point current, start;
-    const Point* point = flat.points().data();
-    for (const PathElementKind kind : flat.kinds()) {
-        switch (kind) {
-        case PathElementKind::MoveTo:
-            current = start = *point++;
-            break;
-        case PathElementKind::LineTo:
-            if (segment(current, *point))
-                return true;
-            current = *point++;
-            break;
-        case PathElementKind::CurveTo:
-            logCurveInFlatPath(file);
-            point += 3;
-            break;
-        case PathElementKind::Close:
-            if (segment(current, start))
-                return true;
-            current = start;
-            break;
-        }
-    }
-    return false;
+    FlatPathWalker walker(file, segment);
+    flat.visit(walker);
+    return walker.found();
 }
 
 } // namespace vxr

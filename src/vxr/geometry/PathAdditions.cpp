@@ -164,27 +164,7 @@ Rect boundsIncludingStroke(const Path& path)
     return rect;
 }
 
-void addPathToContext(const Path& path, Context& context)
-{
-    const Point* point = path.points().data();
-    for (const PathElementKind kind : path.kinds()) {
-        switch (kind) {
-        case PathElementKind::MoveTo:
-            context.moveTo(*point++);
-            break;
-        case PathElementKind::LineTo:
-            context.lineTo(*point++);
-            break;
-        case PathElementKind::CurveTo:
-            context.curveTo(point[0], point[1], point[2]);
-            point += 3;
-            break;
-        case PathElementKind::Close:
-            context.closePath();
-            break;
-        }
-    }
-}
+void addPathToContext(const Path& path, Context& context) { context.addPath(path); }
 
 void clearStroke(const Path& path)
 {

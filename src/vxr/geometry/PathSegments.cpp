@@ -151,24 +151,7 @@ bool isMitred(const Path& path, const Join& join)
 std::vector<VXRSegmentRun> pathAsSegments(const Path& path)
 {
     RunCollector runs;
-    const Point* point = path.points().data();
-    for (const PathElementKind kind : path.kinds()) {
-        switch (kind) {
-        case PathElementKind::MoveTo:
-            runs.moveTo(*point++);
-            break;
-        case PathElementKind::LineTo:
-            runs.lineTo(*point++);
-            break;
-        case PathElementKind::CurveTo:
-            runs.curveTo(point[0], point[1], point[2]);
-            point += 3;
-            break;
-        case PathElementKind::Close:
-            runs.close();
-            break;
-        }
-    }
+    path.visit(runs);
     return runs.finish();
 }
 

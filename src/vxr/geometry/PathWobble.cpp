@@ -104,25 +104,7 @@ std::shared_ptr<Path> pathByWobblingByUpToSubdivisions(
     constexpr int mostSubdivisions = 1024;
     const auto result = path.copy();
     result->removeAllPoints();
-    Wobbler wobbler(*result, distance, std::clamp(subdivisions, 1, mostSubdivisions), seed);
-    const Point* point = path.points().data();
-    for (const PathElementKind kind : path.kinds()) {
-        switch (kind) {
-        case PathElementKind::MoveTo:
-            wobbler.moveTo(*point++);
-            break;
-        case PathElementKind::LineTo:
-            wobbler.lineTo(*point++);
-            break;
-        case PathElementKind::CurveTo:
-            wobbler.curveTo(point[0], point[1], point[2]);
-            point += 3;
-            break;
-        case PathElementKind::Close:
-            wobbler.close();
-            break;
-        }
-    }
+    path.visit(Wobbler(*result, distance, std::clamp(subdivisions, 1, mostSubdivisions), seed));
     return result;
 }
 

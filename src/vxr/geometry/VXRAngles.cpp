@@ -96,16 +96,29 @@ int _compute_outcode(float x, float y, const Rect& r)
 
 bool VXRLineIntersectsRect(Point a, Point b, const Rect& r)
 {
-    const int codeA = _compute_outcode(a.x, a.y, r), codeB = _compute_outcode(b.x, b.y, r);
+    int codeA = _compute_outcode(a.x, a.y, r), codeB = _compute_outcode(b.x, b.y, r);
     if (codeA == 0 || codeB == 0)
         return true;
-    if (codeA & codeB)
-        return false;
-    const Point middle = VXRAveragePoints(a, b);
-    // Neighbouring numbers can pass a corner without a number in between that shows it.
-    if (middle == a || middle == b)
-        return false;
-    return VXRLineIntersectsRect(a, middle, r) || VXRLineIntersectsRect(middle, b, r);
+    // Bisection. Beyond an edge lies a half-plane: when the middle is outside, it shares a bit with an end,
+    // and only the other half is left. Single precision has about 300 halvings.
+    constexpr int mostHalvings = 300;
+    for (int i = 0; i < mostHalvings && !(codeA & codeB); ++i) {
+        const Point middle = VXRAveragePoints(a, b);
+        const int code = _compute_outcode(middle.x, middle.y, r);
+        if (code == 0)
+            return true;
+        // Neighbouring numbers can pass a corner without a number in between that shows it.
+        if (middle == a || middle == b)
+            return false;
+        if (code & codeA) {
+            a = middle;
+            codeA = code;
+        } else {
+            b = middle;
+            codeB = code;
+        }
+    }
+    return false;
 }
 
 } // namespace vxr

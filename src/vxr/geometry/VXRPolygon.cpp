@@ -1,12 +1,15 @@
 #include <vxr/geometry/VXRPolygon.h>
 
-#include <vxr/host/utility/VXULog.h>
+#include <vxr/geometry/FlatPathWalker.h>
+
+#include <vxr/platform/base/Exceptions.h>
 
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <limits>
 #include <new>
+#include <string>
 
 namespace vxr {
 namespace {
@@ -14,7 +17,7 @@ namespace {
 constexpr double thinningDistance = 0.7;
 constexpr double smallestContour = 0.01;
 
-/// Gathers the vertices of one contour at a time and adds each finished contour to a set.
+/// Converts a flat path, contour by contour.
 class ContourCollector {
 public:
     ContourCollector(gpc_polygon& polygon, std::size_t capacity)
@@ -23,7 +26,37 @@ public:
         mVertices.reserve(capacity);
     }
 
-    std::size_t count() const { return mVertices.size(); }
+    void moveTo(Point p)
+    {
+        // A single vertex stays: a stray move-to is merged into the sub-path after it.
+        if (mVertices.size() >= 2)
+            finishContour();
+        keep(p);
+    }
+
+    void lineTo(Point p)
+    {
+        if (!isNearLastKept(p))
+            keep(p);
+    }
+
+    void curveTo(Point, Point, Point) { logCurveInFlatPath("VXRPolygon.cpp"); }
+
+    void close()
+    {
+        finishContour();
+        mLast = nowhere;
+    }
+
+    void finish()
+    {
+        if (mVertices.size() > 1)
+            finishContour();
+    }
+
+private:
+    static constexpr float infinity = std::numeric_limits<float>::infinity();
+    static constexpr Point nowhere { infinity, infinity };
 
     bool isNearLastKept(Point p) const
     {
@@ -43,12 +76,6 @@ public:
         mVertices.clear();
     }
 
-    void forgetLastKept() { mLast = nowhere; }
-
-private:
-    static constexpr float infinity = std::numeric_limits<float>::infinity();
-    static constexpr Point nowhere { infinity, infinity };
-
     gpc_polygon& mPolygon;
     std::vector<gpc_vertex> mVertices;
     Point mLast = nowhere;
@@ -57,33 +84,8 @@ private:
 void addFlatPath(const Path& flat, gpc_polygon& polygon)
 {
     ContourCollector collector(polygon, flat.elementCount());
-    const Point* point = flat.points().data();
-    for (const PathElementKind kind : flat.kinds()) {
-        switch (kind) {
-        case PathElementKind::LineTo:
-            if (!collector.isNearLastKept(*point))
-                collector.keep(*point);
-            ++point;
-            break;
-        case PathElementKind::MoveTo:
-            // A single vertex stays: a stray move-to is merged into the sub-path after it.
-            if (collector.count() >= 2)
-                collector.finishContour();
-            collector.keep(*point++);
-            break;
-        case PathElementKind::Close:
-            collector.finishContour();
-            collector.forgetLastKept();
-            break;
-        case PathElementKind::CurveTo:
-            VXULog_Fn(VXULogLevelWarning, "VXRPolygon.cpp",
-                "Warning: Path should be flat. Illegal NSCurveToBezierPathElement.");
-            point += 3;
-            break;
-        }
-    }
-    if (collector.count() > 1)
-        collector.finishContour();
+    flat.visit(collector);
+    collector.finish();
 }
 
 /// `target` becomes `target` united with `other`, which may be none.
@@ -209,8 +211,12 @@ gpc_polygon* _combinePolys(gpc_polygon** polys, int count)
 
 int addPointToArray(float x, float y, int index, std::vector<Point>& points, int capacity)
 {
+    constexpr int largest = std::numeric_limits<int>::max();
+    if (index < 0 || index == largest)
+        throw InvalidArgumentException(
+            "addPointToArray: index " + std::to_string(index) + " is out of range.");
     if (index >= capacity)
-        capacity = std::max(2 * capacity, index + 1);
+        capacity = std::max(capacity > largest / 2 ? largest : 2 * capacity, index + 1);
     if (points.size() < std::size_t(capacity))
         points.resize(std::size_t(capacity));
     points[std::size_t(index)] = { x, y };

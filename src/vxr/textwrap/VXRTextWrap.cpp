@@ -146,6 +146,28 @@ int skipBelowLine(const Rect& line, const Rect& bounds, const gpc_polygon& polyg
     return distance > 1 ? int(std::min(distance, largest)) : 1;
 }
 
+/// The heights of all vertices, in ascending order.
+std::vector<double> vertexHeights(const gpc_polygon& polygon)
+{
+    std::vector<double> heights;
+    for (const gpc_vertex_list& contour : std::span(polygon.contour, std::size_t(polygon.num_contours)))
+        for (const gpc_vertex& v : std::span(contour.vertex, std::size_t(contour.num_vertices)))
+            heights.push_back(v.y);
+    std::sort(heights.begin(), heights.end());
+    return heights;
+}
+
+/// Bounds of what the obstacles cover of a rectangle; the zero rectangle where it is free.
+Rect occupiedWithin(WrapPolygon& obstacles, const Rect& rect)
+{
+    const RectPolygon rectPolygon(rect);
+    const Clipped obstruction(GPC_INT, *rectPolygon, near(obstacles, rect));
+    Rect occupied;
+    for (int i = 0; i < obstruction->num_contours; ++i)
+        occupied = unionRect(occupied, boundsForVertexList(obstruction->contour[i]));
+    return occupied;
+}
+
 /// Spans both, also when one is flat.
 Rect spanning(const Rect& a, const Rect& b)
 {
@@ -181,28 +203,32 @@ float VXRTextWrap::unobstructedSpanForPathStartingSpanContainerBounds(
     const RectPolygon column({ span.origin.x, span.origin.y, span.size.width, bottom - span.origin.y });
     VXRPolygonOwner clippedShape(emptyPolygon());
     gpc_polygon_clip(GPC_INT, shape.get(), &*column, clippedShape.get());
+    const std::vector<double> heights = vertexHeights(*clippedShape);
     WrapPolygon obstacles(std::move(clippedShape));
 
     float y = span.origin.y;
-    for (int step = 0; step < maximumSpanSteps; ++step) {
+    for (;;) {
         const Rect place(span.origin.x, y, span.size.width, span.size.height);
-        const RectPolygon placePolygon(place);
-        const Clipped obstruction(GPC_INT, *placePolygon, near(obstacles, place));
-        if (obstruction->num_contours == 0)
-            return y;
-        Rect occupied;
-        for (int i = 0; i < obstruction->num_contours; ++i)
-            occupied = unionRect(occupied, boundsForVertexList(obstruction->contour[i]));
+        const Rect occupied = occupiedWithin(obstacles, place);
         if (occupied.size.height < 1.0f)
             return y;
-        const float below = occupied.origin.y + occupied.size.height + 1.0f;
+        float below = occupied.origin.y + occupied.size.height + 1.0f;
+        // Between vertices the obstacles look the same at every height: if this place is obstructed, so is
+        // the whole of each one up to the next vertex.
+        const auto next = std::lower_bound(heights.begin(), heights.end(), double(y));
+        const double vertex = next == heights.end() ? y : *next;
+        if (place.maxY() < vertex) {
+            while (below > y && bottom >= below && below + span.size.height < vertex) {
+                y = below;
+                below = y + span.size.height + 1.0f;
+            }
+        }
         if (!(below > y))
             return y;
         y = below;
         if (!(bottom >= y))
-            break;
+            return y;
     }
-    return y;
 }
 
 std::vector<Rect> wrappedSubrectsFromPolygon(const gpc_polygon* polygon, const Rect& line)

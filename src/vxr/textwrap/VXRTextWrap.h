@@ -29,12 +29,10 @@ public:
         const Rect& line, const std::shared_ptr<const Path>& path, int type, int& skipHint);
 
     /// The first y from the span's own downwards at which a rectangle of the span's size meets nothing
-    /// of the path but slivers less than 1 high. Beyond the container's bottom when there is none.
-    /// Gives up after `maximumSpanSteps` positions, or where y is too large to grow by a step.
+    /// of the path but slivers less than 1 high. Beyond the container's bottom when there is none. Stops at
+    /// a y that is too large for single precision to take a step from.
     static float unobstructedSpanForPathStartingSpanContainerBounds(
         const Path& path, const Rect& span, const Rect& container);
-
-    static constexpr int maximumSpanSteps = 100000;
 };
 
 /// The pieces of `line` between the horizontal spans of the contours of `polygon`: the whole line when

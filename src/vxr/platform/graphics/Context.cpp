@@ -71,24 +71,14 @@ void Context::addRect(const Rect& r)
 
 void Context::addPath(const Path& path)
 {
-    for (std::size_t i = 0; i < path.elementCount(); ++i) {
-        const PathElement element = path.elementAtIndex(i);
-        const auto& p = element.points;
-        switch (element.kind) {
-        case PathElementKind::MoveTo:
-            moveTo(p[0]);
-            break;
-        case PathElementKind::LineTo:
-            lineTo(p[0]);
-            break;
-        case PathElementKind::CurveTo:
-            curveTo(p[0], p[1], p[2]);
-            break;
-        case PathElementKind::Close:
-            closePath();
-            break;
-        }
-    }
+    struct Adder {
+        Context& context;
+        void moveTo(Point p) { context.moveTo(p); }
+        void lineTo(Point p) { context.lineTo(p); }
+        void curveTo(Point control1, Point control2, Point end) { context.curveTo(control1, control2, end); }
+        void close() { context.closePath(); }
+    };
+    path.visit(Adder { *this });
 }
 
 void Context::replacePathWithStrokedPath()

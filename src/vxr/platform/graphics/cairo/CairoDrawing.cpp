@@ -27,26 +27,14 @@ float largestMagnitude(std::span<const Point> points)
 
 void appendElements(cairo_t* cr, const Path& path)
 {
-    const Point* p = path.points().data();
-    for (const PathElementKind kind : path.kinds()) {
-        switch (kind) {
-        case PathElementKind::MoveTo:
-            cairo_move_to(cr, p->x, p->y);
-            p += 1;
-            break;
-        case PathElementKind::LineTo:
-            cairo_line_to(cr, p->x, p->y);
-            p += 1;
-            break;
-        case PathElementKind::CurveTo:
-            cairo_curve_to(cr, p[0].x, p[0].y, p[1].x, p[1].y, p[2].x, p[2].y);
-            p += 3;
-            break;
-        case PathElementKind::Close:
-            cairo_close_path(cr);
-            break;
-        }
-    }
+    struct Appender {
+        cairo_t* cr;
+        void moveTo(Point p) { cairo_move_to(cr, p.x, p.y); }
+        void lineTo(Point p) { cairo_line_to(cr, p.x, p.y); }
+        void curveTo(Point a, Point b, Point end) { cairo_curve_to(cr, a.x, a.y, b.x, b.y, end.x, end.y); }
+        void close() { cairo_close_path(cr); }
+    };
+    path.visit(Appender { cr });
 }
 
 std::array<Point, 4> cornersOf(const Rect& r)

@@ -1,12 +1,13 @@
 #include <vxr/platform/graphics/color/ColorSpace.h>
 
+#include <vxr/platform/graphics/color/ProfileTransformCache.h>
+
 #include <lcms2.h>
 
 #include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <fstream>
-#include <unordered_map>
 #include <vector>
 
 namespace vxr {
@@ -18,14 +19,10 @@ using ProfileBytes = std::vector<std::byte>;
 struct ProfileCloser {
     void operator()(void* profile) const { cmsCloseProfile(profile); }
 };
-struct TransformDeleter {
-    void operator()(void* transform) const { cmsDeleteTransform(transform); }
-};
 struct CurveDeleter {
     void operator()(cmsToneCurve* curve) const { cmsFreeToneCurve(curve); }
 };
 using Profile = std::unique_ptr<void, ProfileCloser>;
-using Transform = std::unique_ptr<void, TransformDeleter>;
 
 constexpr int countOf(ColorModel model)
 {
@@ -37,58 +34,11 @@ float unit(float value)
     return value >= 1 ? 1 : value > 0 ? value : 0; // NaN gives 0
 }
 
-/// The way from a profile's values to sRGB, for bytes and for floats.
-struct ProfileTransforms {
-    Transform bytes;
-    Transform floats;
-};
+using Transforms = std::shared_ptr<const ProfileTransforms>;
 
-Transform makeTransform(cmsHPROFILE from, cmsUInt32Number fromFormat, cmsUInt32Number toFormat)
+Transforms transformsFor(const ProfileBytes& bytes, ColorModel model)
 {
-    Profile srgb(cmsCreate_sRGBProfile());
-    return Transform(cmsCreateTransform(from, fromFormat, srgb.get(), toFormat, INTENT_RELATIVE_COLORIMETRIC,
-        cmsFLAGS_BLACKPOINTCOMPENSATION));
-}
-
-/// None when lcms2 can't use the profile as a source of `model` colours.
-std::unique_ptr<ProfileTransforms> makeTransforms(const ProfileBytes& bytes, ColorModel model)
-{
-    Profile profile(cmsOpenProfileFromMem(bytes.data(), static_cast<cmsUInt32Number>(bytes.size())));
-    if (!profile)
-        return nullptr;
-    const cmsProfileClassSignature kind = cmsGetDeviceClass(profile.get());
-    if (kind == cmsSigLinkClass || kind == cmsSigAbstractClass || kind == cmsSigNamedColorClass)
-        return nullptr;
-    struct Formats {
-        cmsColorSpaceSignature signature;
-        cmsUInt32Number bytes, floats;
-    };
-    static constexpr Formats formats[] = {
-        { cmsSigGrayData, TYPE_GRAY_8, TYPE_GRAY_FLT },
-        { cmsSigRgbData, TYPE_RGB_8, TYPE_RGB_FLT },
-        { cmsSigCmykData, TYPE_CMYK_8, TYPE_CMYK_FLT },
-    };
-    const Formats& format = formats[static_cast<int>(model)];
-    if (cmsGetColorSpace(profile.get()) != format.signature)
-        return nullptr;
-    auto transforms = std::make_unique<ProfileTransforms>();
-    transforms->bytes = makeTransform(profile.get(), format.bytes, TYPE_RGB_8);
-    transforms->floats = makeTransform(profile.get(), format.floats, TYPE_RGB_FLT);
-    return transforms->bytes && transforms->floats ? std::move(transforms) : nullptr;
-}
-
-/// Transforms take milliseconds to make, so each profile's are kept for the life of the process.
-const ProfileTransforms* cachedTransforms(const ProfileBytes& bytes, ColorModel model)
-{
-    static auto& cache = *new std::unordered_map<std::string, std::unique_ptr<ProfileTransforms>>;
-    std::string key(reinterpret_cast<const char*>(bytes.data()), bytes.size());
-    key += static_cast<char>('0' + static_cast<int>(model));
-    if (auto found = cache.find(key); found != cache.end())
-        return found->second.get();
-    auto transforms = makeTransforms(bytes, model);
-    if (!transforms)
-        return nullptr;
-    return cache.emplace(std::move(key), std::move(transforms)).first->second.get();
+    return ProfileTransformCache::shared().transformsFor(bytes, model);
 }
 
 ProfileBytes savedProfile(cmsHPROFILE profile)
@@ -141,7 +91,7 @@ const DefaultCMYK& defaultCMYK()
             const std::string text { std::istreambuf_iterator<char>(file), {} };
             const auto* data = reinterpret_cast<const std::byte*>(text.data());
             ProfileBytes bytes(data, data + text.size());
-            if (!bytes.empty() && cachedTransforms(bytes, ColorModel::CMYK))
+            if (!bytes.empty() && transformsFor(bytes, ColorModel::CMYK))
                 return DefaultCMYK { path, std::move(bytes) };
         }
         return DefaultCMYK {};
@@ -154,16 +104,16 @@ const DefaultCMYK& defaultCMYK()
 struct ColorSpace::Impl {
     ColorModel model;
     ProfileBytes profile; ///< empty for device spaces
-    const ProfileTransforms* transforms = nullptr; ///< none where values reach the output unchanged
+    Transforms transforms; ///< none where values reach the output unchanged
 };
 
 namespace {
 
 std::shared_ptr<const ColorSpace> makeSpace(
-    ColorModel model, ProfileBytes profile = {}, const ProfileTransforms* transforms = nullptr)
+    ColorModel model, ProfileBytes profile = {}, Transforms transforms = nullptr)
 {
-    return std::make_shared<ColorSpace>(
-        std::make_unique<ColorSpace::Impl>(ColorSpace::Impl { model, std::move(profile), transforms }));
+    return std::make_shared<ColorSpace>(std::make_unique<ColorSpace::Impl>(
+        ColorSpace::Impl { model, std::move(profile), std::move(transforms) }));
 }
 
 } // namespace
@@ -204,7 +154,7 @@ std::shared_ptr<const ColorSpace> ColorSpace::createWithDefaultProfile(ColorMode
         break;
     }
     const ProfileBytes& profile = defaultCMYK().bytes;
-    return profile.empty() ? makeSpace(model) : makeSpace(model, profile, cachedTransforms(profile, model));
+    return profile.empty() ? makeSpace(model) : makeSpace(model, profile, transformsFor(profile, model));
 }
 
 std::string ColorSpace::defaultCMYKProfilePath() { return defaultCMYK().path; }
@@ -225,8 +175,8 @@ std::shared_ptr<const ColorSpace> ColorSpace::createWithICCProfile(
     if ((model == ColorModel::Gray && bytes == genericGrayProfile())
         || (model == ColorModel::RGB && bytes == genericRGBProfile()))
         return makeSpace(model, std::move(bytes));
-    const ProfileTransforms* transforms = cachedTransforms(bytes, model);
-    return transforms ? makeSpace(model, std::move(bytes), transforms) : nullptr;
+    Transforms transforms = transformsFor(bytes, model);
+    return transforms ? makeSpace(model, std::move(bytes), std::move(transforms)) : nullptr;
 }
 
 ColorModel ColorSpace::model() const { return mImpl->model; }
@@ -251,7 +201,7 @@ std::array<float, 3> ColorSpace::toSRGB(const float* components) const
         for (int i = 0; i < componentCount(); ++i)
             in[i] = unit(components[i]) * scale;
         std::array<float, 3> rgb {};
-        cmsDoTransform(mImpl->transforms->floats.get(), in.data(), rgb.data(), 1);
+        mImpl->transforms->convertFloats(in.data(), rgb.data());
         return rgb;
     }
     switch (mImpl->model) {
@@ -268,16 +218,8 @@ std::array<float, 3> ColorSpace::toSRGB(const float* components) const
 
 void ColorSpace::convertToSRGB8(const std::uint8_t* source, std::uint8_t* rgb, std::size_t count) const
 {
-    const auto components = static_cast<std::size_t>(componentCount());
-    if (mImpl->transforms) {
-        constexpr std::size_t chunk = std::size_t { 1 } << 24;
-        for (std::size_t done = 0; done < count; done += chunk) {
-            const std::size_t n = std::min(chunk, count - done);
-            cmsDoTransform(mImpl->transforms->bytes.get(), source + done * components, rgb + done * 3,
-                static_cast<cmsUInt32Number>(n));
-        }
-        return;
-    }
+    if (mImpl->transforms)
+        return mImpl->transforms->convertBytes(source, rgb, count);
     switch (mImpl->model) {
     case ColorModel::Gray:
         for (std::size_t i = 0; i < count; ++i)

@@ -46,8 +46,8 @@ public:
     /// Components in [0, 1] to sRGB in [0, 1], not clamped further than the space does.
     std::array<float, 3> toSRGB(const float* components) const;
 
-    /// Converts `count` pixels of `componentCount()` bytes each to 8-bit r, g, b triplets. The
-    /// transform behind it is cached by profile for the life of the process.
+    /// Converts `count` pixels of `componentCount()` bytes each to 8-bit r, g, b triplets. Spaces of equal
+    /// profiles share their transforms.
     void convertToSRGB8(const std::uint8_t* source, std::uint8_t* rgb, std::size_t count) const;
 
     /// Same profile bytes, or the same device space.

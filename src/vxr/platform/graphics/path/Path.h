@@ -37,6 +37,30 @@ struct PathElement {
     Point endPoint() const { return points[kind == PathElementKind::CurveTo ? 2 : 0]; }
 };
 
+/// Hands elements to `visitor` in order, by its operations `moveTo(p)`, `lineTo(p)`,
+/// `curveTo(control1, control2, end)` and `close()`. `points` are the points of all of them.
+template <class Visitor>
+void visitElements(std::span<const PathElementKind> kinds, const Point* points, Visitor&& visitor)
+{
+    for (const PathElementKind kind : kinds) {
+        switch (kind) {
+        case PathElementKind::MoveTo:
+            visitor.moveTo(*points++);
+            break;
+        case PathElementKind::LineTo:
+            visitor.lineTo(*points++);
+            break;
+        case PathElementKind::CurveTo:
+            visitor.curveTo(points[0], points[1], points[2]);
+            points += 3;
+            break;
+        case PathElementKind::Close:
+            visitor.close();
+            break;
+        }
+    }
+}
+
 /// Mutable outline of move, line, cubic curve and close elements, with the style in which it is stroked
 /// and filled. An object with identity: whoever holds it sees changes made by others.
 ///
@@ -77,6 +101,11 @@ public:
     PathElement elementAtIndex(std::size_t index) const;
     std::span<const PathElementKind> kinds() const { return mKinds; }
     std::span<const Point> points() const { return mPoints; } ///< all points in element order
+    /// Walks all elements; see `visitElements`.
+    template <class Visitor> void visit(Visitor&& visitor) const
+    {
+        visitElements(mKinds, mPoints.data(), visitor);
+    }
     /// Where the pen stands; the sub-path's start after a close. None without any point.
     bool hasCurrentPoint() const { return !mPoints.empty(); }
     Point currentPoint() const;

@@ -12,6 +12,38 @@ double CurveFlattener::limitFor(const Cubic& c) const
     return fourfold * fourfold;
 }
 
+namespace {
+
+/// Builds the flat copy of a path.
+class FlatCopy {
+public:
+    FlatCopy(Path& flat, double tolerance)
+        : mFlat(flat)
+        , mFlattener(tolerance, 1 << 24)
+    {
+    }
+
+    void moveTo(Point p) { mFlat.moveTo(p); }
+    void lineTo(Point p) { mFlat.lineTo(p); }
+    void close() { mFlat.close(); }
+
+    void curveTo(Point control1, Point control2, Point end)
+    {
+        const Point start = mFlat.currentPoint();
+        if (isFinite(start) && isFinite(control1) && isFinite(control2) && isFinite(end))
+            mFlattener.flatten(Cubic { start, control1, control2, end },
+                [&](const Cubic& piece) { mFlat.lineTo(piece.end.point()); });
+        else
+            mFlat.lineTo(end);
+    }
+
+private:
+    Path& mFlat;
+    CurveFlattener mFlattener;
+};
+
+} // namespace
+
 std::shared_ptr<Path> Path::bezierPathByFlatteningPath() const
 {
     const auto curves
@@ -24,31 +56,7 @@ std::shared_ptr<Path> Path::bezierPathByFlatteningPath() const
     flat->mFlatness = mFlatness;
     flat->mWindingRule = mWindingRule;
     flat->reserve(mKinds.size() + 4 * curves);
-    CurveFlattener flattener(mFlatness, 1 << 24);
-    const Point* p = mPoints.data();
-    for (PathElementKind kind : mKinds) {
-        switch (kind) {
-        case PathElementKind::MoveTo:
-            flat->moveTo(*p++);
-            break;
-        case PathElementKind::LineTo:
-            flat->lineTo(*p++);
-            break;
-        case PathElementKind::CurveTo: {
-            const Point start = flat->currentPoint();
-            if (isFinite(start) && isFinite(p[0]) && isFinite(p[1]) && isFinite(p[2]))
-                flattener.flatten(Cubic { start, p[0], p[1], p[2] },
-                    [&](const Cubic& piece) { flat->lineTo(piece.end.point()); });
-            else
-                flat->lineTo(p[2]);
-            p += 3;
-            break;
-        }
-        case PathElementKind::Close:
-            flat->close();
-            break;
-        }
-    }
+    visit(FlatCopy(*flat, mFlatness));
     return flat;
 }
 

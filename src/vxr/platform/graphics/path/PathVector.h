@@ -72,52 +72,62 @@ struct Cubic {
     }
 };
 
+/// Hands pieces, each with its start, to a sink; for `walkFinite`.
+template <class Sink> class PieceFeeder {
+public:
+    explicit PieceFeeder(Sink& sink)
+        : mSink(sink)
+    {
+    }
+
+    /// What follows a close goes on from the start of the sub-path before it.
+    void resume() { mSink.move(mStart); }
+
+    void moveTo(Point p) { mSink.move(mStart = mPen = p); }
+    void lineTo(Point p)
+    {
+        mSink.line(mPen, p);
+        mPen = p;
+    }
+    void curveTo(Point control1, Point control2, Point end)
+    {
+        mSink.curve(Cubic { mPen, control1, control2, end });
+        mPen = end;
+    }
+    void close()
+    {
+        mSink.close(mPen, mStart);
+        mPen = mStart;
+    }
+
+private:
+    Sink& mSink;
+    Vec2 mStart, mPen;
+};
+
 /// Hands a path's finite geometry to `sink` piece by piece: `move(p)`, `line(from, to)`, `curve(cubic)`,
 /// `close(from, start)`. What follows a close is preceded by a move to the start. A sub-path with a
 /// coordinate that is not finite is left out, with all that goes on from it up to the next move.
 template <class Sink> void walkFinite(const Path& path, Sink&& sink)
 {
+    PieceFeeder feeder(sink);
     const auto kinds = path.kinds();
-    const Point* p = path.points().data();
-    const auto endOfSubpath = [&](std::size_t i) {
-        while (++i < kinds.size() && kinds[i] != PathElementKind::MoveTo)
-            if (kinds[i - 1] == PathElementKind::Close)
-                break;
-        return i;
-    };
-    Vec2 start, pen;
+    const Point* first = path.points().data();
     bool finite = false;
     for (std::size_t i = 0, end = 0; i < kinds.size(); i = end) {
-        end = endOfSubpath(i);
-        const Point* last = p;
-        for (std::size_t j = i; j < end; ++j)
-            last += pathPointCount(kinds[j]);
-        finite = (finite || kinds[i] == PathElementKind::MoveTo) && std::all_of(p, last, isFinite);
-        if (!finite) {
-            p = last;
-            continue;
+        const Point* last = first;
+        do
+            last += pathPointCount(kinds[end++]);
+        while (end < kinds.size() && kinds[end] != PathElementKind::MoveTo
+            && kinds[end - 1] != PathElementKind::Close);
+        const bool goesOn = kinds[i] != PathElementKind::MoveTo;
+        finite = (finite || !goesOn) && std::all_of(first, last, isFinite);
+        if (finite) {
+            if (goesOn)
+                feeder.resume();
+            visitElements(kinds.subspan(i, end - i), first, feeder);
         }
-        if (kinds[i] != PathElementKind::MoveTo)
-            sink.move(start);
-        for (; i < end; p += pathPointCount(kinds[i++])) {
-            switch (kinds[i]) {
-            case PathElementKind::MoveTo:
-                sink.move(start = pen = *p);
-                break;
-            case PathElementKind::LineTo:
-                sink.line(pen, *p);
-                pen = *p;
-                break;
-            case PathElementKind::CurveTo:
-                sink.curve(Cubic { pen, p[0], p[1], p[2] });
-                pen = p[2];
-                break;
-            case PathElementKind::Close:
-                sink.close(pen, start);
-                pen = start;
-                break;
-            }
-        }
+        first = last;
     }
 }
 
