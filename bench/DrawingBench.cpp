@@ -3,7 +3,7 @@
 
 #include <bench/Compare.h>
 
-#include <apps/vxr/cli/OutputFile.h>
+#include <apps/vxr/cli/Files.h>
 #include <apps/vxr/import/Convert.h>
 #include <apps/vxr/import/Import.h>
 #include <apps/vxr/render/DrawingCanvas.h>

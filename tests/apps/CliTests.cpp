@@ -106,6 +106,7 @@ TEST_F(CommandLine, SizesPictures)
 {
     const std::pair<const char*, std::pair<int, int>> cases[]
         = { { "--scale 2", { 80, 40 } }, { "--width 100", { 100, 50 } }, { "--height 100", { 200, 100 } },
+              { "--width 100 --height 20", { 40, 20 } }, { "--width 30 --height 100", { 30, 15 } },
               { "--scale 0.01", { 1, 1 } }, { "--width 33 --road nonscreen", { 33, 17 } } };
     for (const auto& [options, size] : cases) {
         EXPECT_EQ(vxr(std::string("render good.svg -o out.png ") + options).status, 0) << options;
@@ -123,13 +124,13 @@ TEST_F(CommandLine, RendersSeveralDrawingsIntoAFolderABadOneCostsOnlyItself)
     EXPECT_EQ(vxr("render good.svg other.svg -o made/here --format pdf").status, 0);
     EXPECT_THAT(files(), ElementsAre("made/here/good.pdf", "made/here/other.pdf"));
 
-    fs::create_directories(mFolder / "folder.svg");
+    fs::create_directories(mFolder / "empty");
     fs::create_directory(mFolder / "sub");
     fs::copy(mFolder / "good.svg", mFolder / "sub/good.svg");
-    const Result result = vxr("render missing.svg bad.svg folder.svg good.svg sub/good.svg -o made/here");
+    const Result result = vxr("render missing.svg bad.svg empty good.svg sub/good.svg -o made/here");
     EXPECT_EQ(result.status, 1);
     for (const char* message : { "missing.svg: error: No such file or directory\n",
-             "bad.svg:3: error: ", "folder.svg: error: Is a directory\n",
+             "bad.svg:3: error: ", "empty: error: there is no .svg or .svgz file in this folder\n",
              "made/here/good.png: error: two of the drawings would have this name; sub/good.svg" })
         EXPECT_THAT(result.err, HasSubstr(message));
     EXPECT_THAT(files(), ElementsAre("made/here/good.pdf", "made/here/good.png", "made/here/other.pdf"));
@@ -151,6 +152,41 @@ TEST_F(CommandLine, LeavesNoPartialFileAndKeepsTheOldOne)
     EXPECT_THAT(nowhere.err, HasSubstr("no/such/folder/out.png: error: No such file or directory"));
 }
 
+TEST_F(CommandLine, AnInterruptedRunLeavesNothingBehind)
+{
+    std::string many = "<svg xmlns='http://www.w3.org/2000/svg' viewBox='0 0 400 400'>";
+    for (int i = 0; i < 3000; ++i)
+        many += "<circle cx='200' cy='" + std::to_string(i % 400) + "' r='150' fill-opacity='.1'/>";
+    write("many.svg", many + "</svg>");
+    write("many.pdf", "old");
+    for (const char* wait : { "0.02", "0.1", "0.2", "0.3", "0.5", "0.7" }) {
+        for (const char* signal : { "TERM", "KILL" }) {
+            const std::string command = "cd '" + mFolder.string() + "' && timeout -s " + signal + " " + wait
+                + " '" VXR_PROGRAM "' render many.svg good.svg -o . --width 1200 --format pdf 2>/dev/null";
+            static_cast<void>(std::system(command.c_str()));
+            for (const std::string& file : files())
+                EXPECT_THAT(file, testing::AnyOf("many.pdf", "good.pdf")) << wait << signal;
+            EXPECT_THAT(read("many.pdf"), testing::AnyOf("old", testing::EndsWith("%%EOF\n")));
+        }
+    }
+}
+
+TEST_F(CommandLine, ReadsStandardInputCompressedDrawingsAndFoldersButNoPipes)
+{
+    EXPECT_EQ(vxr("render - -o out.png <good.svg").status, 0);
+    EXPECT_EQ(sizeOfPNG("out.png"), std::pair(40, 20));
+    ASSERT_EQ(std::system(("cd '" + mFolder.string()
+                  + "' && mkdir in && gzip -c good.svg >in/z.svgz && cp "
+                    "good.svg in/a.svg && mkfifo pipe")
+                              .c_str()),
+        0);
+    EXPECT_EQ(vxr("render in -o made").status, 0);
+    EXPECT_THAT(files(), ElementsAre("in/z.svgz", "made/a.png", "made/z.png", "out.png"));
+    EXPECT_THAT(vxr("render pipe -o out.png").err, HasSubstr("pipe: error: is no regular file; use -"));
+    write("cut.svg", read("in/z.svgz").substr(0, 60));
+    EXPECT_THAT(vxr("inspect cut.svg").err, HasSubstr("cut.svg: error: the compressed drawing is damaged"));
+}
+
 TEST_F(CommandLine, WarnsWithFileAndLine)
 {
     write("warn.svg",
@@ -168,7 +204,6 @@ TEST_F(CommandLine, RefusesWrongOnes)
 {
     const char* const cases[] = {
         "",
-        "draw good.svg",
         "render good.svg",
         "render good.svg -o out.jpg",
         "render good.svg bad.svg -o out.png",
@@ -182,6 +217,7 @@ TEST_F(CommandLine, RefusesWrongOnes)
         "render good.svg -o out.png --road compositor --background '#ff08'",
         "render good.svg -o out.png --tile-size 256",
         "render good.svg -o out.png --road compositor --tile-size 4096",
+        "render good.svg -o out.png --road compositor --tile-size 15",
         "render good.svg -o out.png --format pdf",
         "render good.svg -o out.png --sparkle",
         "inspect good.svg bad.svg",
@@ -200,7 +236,10 @@ TEST_F(CommandLine, HelpsOnStandardOutput)
 {
     const Result whole = vxr("--help"), render = vxr("render --help");
     EXPECT_EQ(whole.status, 0);
-    EXPECT_THAT(whole.out, AllOf(HasSubstr("render"), HasSubstr("gallery"), Not(HasSubstr("report"))));
+    EXPECT_THAT(whole.out, AllOf(HasSubstr("render"), HasSubstr("gallery"), HasSubstr("report")));
+    EXPECT_THAT(vxr("--version").out, testing::MatchesRegex("vxr [0-9.]+\n"));
+    EXPECT_THAT(
+        vxr("draw good.svg").err, HasSubstr("no command 'draw'; there are render, inspect, gallery, report"));
     EXPECT_EQ(render.status, 0);
     EXPECT_THAT(render.out, AllOf(HasSubstr("--road"), HasSubstr("--output"), HasSubstr("Exit status")));
     EXPECT_EQ(whole.err + render.err, "");

@@ -87,6 +87,11 @@ const ProbeCase probeCases[] = {
         { { 5, 5, "ffff0000" }, { 25, 5, "ffffffff" }, { 5, 25, "ffffffff" }, { 15, 25, "ffff0000" } } },
     { "EmptyClipHidesAll", "<clipPath id='c'/><rect width='40' height='30' fill='red' clip-path='url(#c)'/>",
         { { 5, 5, "ffffffff" } } },
+    { "StopsThatMeetAtTheEndsKeepTheirColours",
+        "<linearGradient id='g' gradientUnits='userSpaceOnUse' x1='10' x2='30'><stop stop-color='red'/>"
+        "<stop stop-color='blue'/><stop offset='1' stop-color='blue'/><stop offset='1' stop-color='lime'/>"
+        "</linearGradient><rect width='40' height='30' fill='url(#g)'/>",
+        { { 5, 15, "ffff0000" }, { 15, 15, "ff0000ff" }, { 25, 15, "ff0000ff" }, { 35, 15, "ff00ff00" } } },
     { "PenIsStretchedWithItsShape",
         "<path transform='scale(4 1)' d='M5 0V30' stroke='red' stroke-width='4'/>"
         "<path transform='scale(4 1)' d='M0 15H10' stroke='blue' stroke-width='4'/>",

@@ -54,6 +54,41 @@ TEST(SvgDrawing, SizesTheCanvas)
     }
 }
 
+TEST(SvgDrawing, WarnsOfWhatItLeavesOut)
+{
+    const std::string rect = "<rect width='1' height='1' ";
+    const struct {
+        std::string content;
+        const char* warning;
+    } cases[] = {
+        { rect + "transform-origin='5 5'/>", "'transform-origin' is not applied" },
+        { rect + "transform-origin='0 0'/>", nullptr },
+        { "<g style='paint-order:stroke'>" + rect + "/></g>", "'paint-order' is not applied" },
+        { rect + "style='rx:3px'/>", "'rx' is not applied" },
+        { rect + "rx='3'/>", nullptr }, // the attribute is
+        { rect + "shape-rendering='crispEdges'/>", "'shape-rendering' is not applied" },
+        { rect + "style='filter:none;mask:none;mix-blend-mode:normal;-x-y:z;letter-spacing:3'/>", nullptr },
+        { rect + "filter='blur(2px)'/>", "filters are not applied" },
+        { rect + "mask='url(#m)'/>", "masks are not applied" },
+        { rect + "style='mix-blend-mode:multiply'/>", "blend modes are not applied" },
+        { rect + "fill='context-fill'/>", "context-fill paints nothing outside of a marker" },
+        { "<switch>" + rect + "systemLanguage='de'/></switch>", "systemLanguage is compared with English" },
+        { rect + "systemLanguage='de'/>", "systemLanguage is compared with English" },
+        { "<marker id='m' markerUnits='user'>" + rect + "/></marker><path d='M0 0H9' marker-end='url(#m)'/>",
+            "'user' is no value for markerUnits" },
+        { "<marker id='m' orient='1 turn'>" + rect + "/></marker><path d='M0 0H9' marker-end='url(#m)'/>",
+            "'1 turn' is no angle for orient" },
+        { "<marker id='m' orient='.5turn'>" + rect + "/></marker><path d='M0 0H9' marker-end='url(#m)'/>",
+            nullptr },
+    };
+    for (const auto& c : cases) {
+        std::string warnings;
+        for (const Warning& warning : read(c.content).warnings)
+            warnings += warning.message;
+        EXPECT_EQ(warnings, c.warning ? c.warning : "") << c.content;
+    }
+}
+
 TEST(SvgDrawing, ExpandsUseAndSymbol)
 {
     const Drawing drawing = read("<defs><path id='p' d='M0 0H1' fill='red'/>"

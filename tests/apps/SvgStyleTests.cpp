@@ -63,12 +63,29 @@ TEST(SvgCascade, SaysWhatItLeavesOut)
     EXPECT_THAT(left, ElementsAre("@font-face", "a:hover", "g path", "path::before", "[x]"));
 }
 
+TEST(SvgCascade, ComparesAnElementOnlyWithRulesThatMayMatch)
+{
+    std::string css = "*{fill:x}";
+    for (int i = 0; i < 20'000; ++i)
+        css += ".c" + std::to_string(i) + "{fill:c}#i" + std::to_string(i) + "{fill:i}t{fill:t}";
+    StyleSheet sheet;
+    sheet.add(css);
+    for (int i = 0; i < 6'000; ++i) // more comparisons than are allowed, were every rule asked
+        ASSERT_EQ(*sheet.cascade(element("<g class='c7 c8'/>")).get(Property::Fill), "c");
+    EXPECT_THROW(
+        {
+            for (int i = 0; i < 6'000; ++i)
+                sheet.cascade(element("<t/>"));
+        },
+        DocumentError);
+}
+
 Style styled(const std::string& attributes, const Style& parent = {}, std::vector<std::string>* bad = nullptr)
 {
     return computeStyle(parent, StyleSheet().cascade(element("<path " + attributes + "/>")), { 300, 400 },
-        [&](Property property, const std::string& value) {
+        [&](Property, const std::string& warning) {
             if (bad)
-                bad->push_back(std::string(nameOf(property)) + "=" + value);
+                bad->push_back(warning);
         });
 }
 
@@ -103,8 +120,10 @@ TEST(SvgStyle, KeepsWhatItHadWhenAValueIsNone)
     EXPECT_EQ(style.strokeWidth, 3);
     EXPECT_TRUE(style.dash.empty());
     EXPECT_THAT(bad,
-        testing::UnorderedElementsAre("fill=redd", "stroke-width=-1", "stroke-miterlimit=.5",
-            "stroke-linecap=flat", "stroke-dasharray=1 -2", "opacity=x", "fill-rule=odd"));
+        testing::UnorderedElementsAre("'redd' is no value for fill", "'-1' is no value for stroke-width",
+            "'.5' is no value for stroke-miterlimit", "'flat' is no value for stroke-linecap",
+            "'1 -2' is no value for stroke-dasharray", "'x' is no value for opacity",
+            "'odd' is no value for fill-rule"));
 }
 
 TEST(SvgStyle, MeasuresLengthsByFontAndViewport)
@@ -142,17 +161,35 @@ TEST(SvgXml, RefusesWhatIsHostileOrBroken)
     std::string attributes = "<svg>\n<!-- ' -->\n<g ";
     for (int i = 0; i < 300'000; ++i)
         attributes += "a" + std::to_string(i) + "=''\n";
+    std::string manyEntities = "<!DOCTYPE svg [", references;
+    for (int i = 0; i < 101; ++i)
+        manyEntities += "<!ENTITY e" + std::to_string(i) + " 'x'>";
+    for (int i = 0; i < 10'000; ++i)
+        references += "<g>&a;</g>";
     const struct {
         const char* name;
         std::string xml;
         int line;
         const char* message;
     } cases[] = {
-        { "Entities", "<!DOCTYPE svg [<!ENTITY a 'b'>]><svg>&a;</svg>", 1, "internal subset" },
-        { "EmptySubset", "\n<!DOCTYPE svg []><svg/>", 2, "internal subset" },
+        { "MarkupInAnEntity", "<!DOCTYPE svg [\n<!ENTITY a '<g/>'>]><svg>&a;</svg>", 2, "'a' is no plain" },
+        { "ExternalEntity", "<!DOCTYPE svg [<!ENTITY a SYSTEM 'file:///etc/hostname'>]><svg>&a;</svg>", 1,
+            "'a' is no plain" },
         { "ParameterEntity",
             "<!DOCTYPE svg SYSTEM 'file:///etc/hostname' [<!ENTITY % a SYSTEM 'b'> %a;]><svg/>", 1,
-            "internal subset" },
+            "'a' is no plain" },
+        { "EntitiesInEntities",
+            "<!DOCTYPE svg [<!ENTITY a 'x'><!ENTITY b '&a;'><!ENTITY c '&b;'>]><svg>&c;</svg>", 1,
+            "'c' is nested more than 2 deep" },
+        { "LongEntity", "<!DOCTYPE svg [<!ENTITY a '" + std::string(4097, 'x') + "'>]><svg/>", 1,
+            "longer than 4096" },
+        { "ManyEntities", manyEntities + "]><svg/>", 1, "more than 100 entities" },
+        { "EntityBomb",
+            "<!DOCTYPE svg [<!ENTITY a '" + std::string(4000, 'x') + "'>]><svg>" + references + "</svg>", 1,
+            "grows to more than" },
+        { "DeclaredAttribute", "<!DOCTYPE svg [<!ATTLIST svg a (b|c) 'b'>]><svg/>", 1, "entities only" },
+        { "DeclaredElement", "<!DOCTYPE svg [<!ELEMENT svg ANY>]><svg/>", 1, "entities only" },
+        { "LongAttribute", "<svg\na='" + std::string(10'000'001, 'x') + "'/>", 2, "longer than 10 million" },
         { "UndefinedEntity", "<svg>\n&nope;</svg>", 2, "nope" },
         { "Unclosed", "<svg>\n<g>\n</svg>", 3, "g" },
         { "Deep", deep + "</svg>", 201, "nested more than 200 deep" },
@@ -160,7 +197,8 @@ TEST(SvgXml, RefusesWhatIsHostileOrBroken)
         { "NotSvg", "<html/>", 1, "'html', not an SVG" },
         { "OtherNamespace", "<svg xmlns='urn:x'/>", 1, "not an SVG" },
         { "Empty", " \n ", 0, "empty" },
-        { "Utf16", std::string("\xff\xfe<\0s\0", 6), 1, "UTF-8" },
+        { "Utf16", std::string("\xff\xfe<\0s\0", 6), 1, "UTF-16" },
+        { "Binary", std::string("<svg>\0", 6), 1, "no drawing" },
         { "Encoding", "<?xml version='1.0' encoding='UTF-7'?><svg/>", 1, "'UTF-7' is not supported" },
         { "BadUtf8", "<svg a='\xff\xfe'/>", 1, "UTF-8" },
         { "TwoRoots", "<svg/>\n<svg/>", 2, "Extra content" },
@@ -181,6 +219,18 @@ TEST(SvgXml, RefusesWhatIsHostileOrBroken)
     limits.bytes = 10;
     EXPECT_NO_THROW(parseXml("<svg    />", limits));
     EXPECT_THROW(parseXml("<svg     />", limits), DocumentError);
+}
+
+TEST(SvgXml, ReplacesEntitiesOfPlainText)
+{
+    const XmlElement root
+        = parseXml("<!DOCTYPE svg PUBLIC 'p' 'http://127.0.0.1:9/x.dtd' [\n<!ENTITY ns "
+                   "'http://www.w3.org/2000/svg'>\n<!ENTITY k 'a&lt;b'>\n<!ENTITY n '[&k;]'>"
+                   "]>\n<svg xmlns='&ns;' id='&n;'><style>&n;</style></svg>");
+    EXPECT_EQ(root.name, "svg");
+    EXPECT_EQ(root.line, 5);
+    EXPECT_EQ(*root.attribute("id"), "[a<b]");
+    EXPECT_EQ(root.children.at(0).text, "[a<b]");
 }
 
 TEST(SvgXml, TakesADocumentTypeWithoutSubsetAndLoadsNothing)

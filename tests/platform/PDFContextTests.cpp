@@ -172,10 +172,17 @@ TEST(PDFContext, FailuresToWriteAreToldAtTheClose)
     EXPECT_THROW(DocumentContext::createWithFile("/nowhere/at/all.pdf"), GenericException);
 
     const auto path = std::filesystem::temp_directory_path() / "vxr-pdf-context-test.pdf";
-    DocumentContext::createWithFile(path.string())->beginPage(page); // ends the document when it goes
-    std::string start;
-    std::ifstream(path, std::ios::binary) >> start;
-    EXPECT_THAT(start, testing::StartsWith("%PDF-"));
+    std::ofstream(path) << "old";
+    const auto start = [&] {
+        std::string word;
+        std::ifstream(path, std::ios::binary) >> word;
+        return word;
+    };
+    auto context = DocumentContext::createWithFile(path.string());
+    context->beginPage(page);
+    EXPECT_EQ(start(), "old");
+    context.reset(); // ends the document
+    EXPECT_THAT(start(), testing::StartsWith("%PDF-"));
     std::filesystem::remove(path);
 }
 

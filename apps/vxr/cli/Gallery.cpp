@@ -1,6 +1,6 @@
 #include "Commands.h"
 #include "Console.h"
-#include "OutputFile.h"
+#include "Files.h"
 
 #include <apps/demo/Scene.h>
 
@@ -12,7 +12,6 @@
 
 #include <cmath>
 #include <filesystem>
-#include <fstream>
 #include <stdexcept>
 
 namespace app {
@@ -27,24 +26,24 @@ void writePNG(const vxr::demo::Scene& scene, const std::string& path)
     const auto context = vxr::BitmapContext::createBitmap(side(scene.size.width), side(scene.size.height));
     context->setBaseTransform(vxr::AffineTransform::makeScale(pixelsPerPoint, pixelsPerPoint));
     vxr::demo::drawScene(scene, context, true);
-    OutputFile file(path);
+    const SignalsHeld held;
     std::string reason;
-    if (!context->makeImage()->writePNG(file.temporaryPath(), &reason))
+    if (!context->makeImage()->writePNG(path, &reason))
         throw std::runtime_error(reason);
-    file.commit();
 }
 
 void writePDF(const vxr::demo::Scene& scene, const std::string& path)
 {
-    OutputFile file(path);
-    const auto context = vxr::DocumentContext::createWithFile(file.temporaryPath());
+    const auto context = vxr::DocumentContext::createWithWriter([&](const unsigned char* data, std::size_t size) {
+        writeFile(path, { reinterpret_cast<const char*>(data), size });
+        return true;
+    });
     vxr::PDFPageBoxes boxes;
     boxes.media = { {}, scene.size };
     context->beginPage(boxes);
     vxr::demo::drawScene(scene, context, false);
     context->endPage();
     context->close();
-    file.commit();
 }
 
 std::string escaped(const std::string& text)
@@ -79,13 +78,7 @@ figcaption { max-width: 30em; margin-top: .7em }
                             "<figcaption>{3} <a href=\"{0}.pdf\">PDF</a></figcaption></figure>\n",
             escaped(scene.name), scene.size.width, scene.size.height, escaped(scene.title));
     page += "</body></html>\n";
-    OutputFile file(path);
-    std::ofstream out(file.temporaryPath(), std::ios::binary);
-    out << page;
-    out.close();
-    if (!out)
-        throw std::runtime_error("cannot be written");
-    file.commit();
+    writeFile(path, page);
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <filesystem>
 
 namespace app {
@@ -10,11 +11,9 @@ namespace fs = std::filesystem;
 
 double Sizing::scaleFor(double drawingWidth, double drawingHeight) const
 {
-    if (width)
-        return *width / drawingWidth;
-    if (height)
-        return *height / drawingHeight;
-    return scale;
+    const double across = width ? *width / drawingWidth : 0;
+    const double down = height ? *height / drawingHeight : 0;
+    return width && height ? std::min(across, down) : width ? across : height ? down : scale;
 }
 
 namespace {
@@ -39,7 +38,9 @@ std::optional<Format> formatOf(const std::string& path)
 
 void addRender(CLI::App& command, RenderOptions& options, RenderWords& words)
 {
-    command.add_option("IN", options.inputs, "SVG drawings")->type_name("")->required();
+    command.add_option("IN", options.inputs, "SVG drawings, folders of them, or - for standard input")
+        ->type_name("")
+        ->required();
     command
         .add_option("-o,--output", options.output, "Picture (.png or .pdf), or a folder for several drawings")
         ->type_name("OUT")
@@ -47,10 +48,14 @@ void addRender(CLI::App& command, RenderOptions& options, RenderWords& words)
     command.add_option("--scale", options.sizing.scale, "Pixels per unit of the drawing")
         ->type_name("F")
         ->check(CLI::Range(1e-6, 1e6).description(""));
-    command.add_option("--width", words.width, "Width of the picture; the height follows")
+    command
+        .add_option(
+            "--width", words.width, "Width of the picture; the height follows, or fits inside --height")
         ->type_name("PX")
         ->check(CLI::Range(1, 32767).description(""));
-    command.add_option("--height", words.height, "Height of the picture; the width follows")
+    command
+        .add_option(
+            "--height", words.height, "Height of the picture; the width follows, or fits inside --width")
         ->type_name("PX")
         ->check(CLI::Range(1, 32767).description(""));
     command
@@ -67,7 +72,7 @@ void addRender(CLI::App& command, RenderOptions& options, RenderWords& words)
     command.add_flag("--black-and-white", options.blackAndWhite, "Black lines and white areas");
     command.add_option("--tile-size", options.tileSize, "Side of the compositor's tiles (default: 1024)")
         ->type_name("PX")
-        ->check(CLI::Range(1, 2048).description(""));
+        ->check(CLI::Range(16, 2048).description(""));
     command.add_option("--format", words.format, "What is written into a folder: png (the default) or pdf")
         ->type_name("FORMAT")
         ->check(CLI::IsMember({ "png", "pdf" }).description(""));
@@ -81,11 +86,13 @@ void addRender(CLI::App& command, RenderOptions& options, RenderWords& words)
 /// What depends on more than one option.
 void finishRender(const CLI::App& command, const RenderWords& words, RenderOptions& options)
 {
-    if (command.count("--scale") + command.count("--width") + command.count("--height") > 1)
-        complain("--scale, --width and --height: one of them sets the size");
+    if (command.count("--scale") && (command.count("--width") || command.count("--height")))
+        complain("--scale: --width and --height set the size without it");
     const bool isFolder = fs::is_directory(options.output) || options.output.ends_with('/');
     const std::optional<Format> named = formatOf(options.output);
-    options.toFolder = isFolder || options.inputs.size() > 1;
+    options.toFolder = isFolder || options.inputs.size() > 1
+        || std::any_of(options.inputs.begin(), options.inputs.end(),
+            [](const std::string& input) { return fs::is_directory(input); });
     if (options.toFolder && !isFolder && named)
         complain("--output: several drawings need a folder, and '" + options.output + "' is none");
     if (!options.toFolder && !named)
@@ -112,11 +119,26 @@ void finishRender(const CLI::App& command, const RenderWords& words, RenderOptio
         options.sizing.height = words.height;
 }
 
+/// The parser itself would only say that a command is missing.
+void refuseUnknownCommand(const CLI::App& program, const std::string& word)
+{
+    if (word.empty() || word.front() == '-')
+        return;
+    std::string names;
+    for (const CLI::App* command : program.get_subcommands([](const CLI::App*) { return true; })) {
+        if (command->get_name() == word)
+            return;
+        names += (names.empty() ? "" : ", ") + command->get_name();
+    }
+    complain("there is no command '" + word + "'; there are " + names);
+}
+
 } // namespace
 
 Command parseCommandLine(int argc, const char* const* argv)
 {
     CLI::App program("Draws SVG files with the VXR drawing engine.", "vxr");
+    program.set_version_flag("--version", "vxr " VXR_VERSION, "Print the version and exit");
     program.require_subcommand(1);
     program.get_formatter()->column_width(30);
     program.get_formatter()->label("REQUIRED", "");
@@ -146,10 +168,10 @@ Command parseCommandLine(int argc, const char* const* argv)
     ReportOptions report;
     CLI::App* reportCommand
         = program.add_subcommand("report", "Time drawings on each road and compare the roads");
-    reportCommand->group(""); // for scripts; help leaves it out
     reportCommand->add_option("IN", report.inputs, "SVG drawings")->type_name("")->required();
 
     try {
+        refuseUnknownCommand(program, argc > 1 ? argv[1] : "");
         program.parse(argc, argv);
         if (renderCommand->parsed())
             finishRender(*renderCommand, words, render);

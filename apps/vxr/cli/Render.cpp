@@ -1,6 +1,6 @@
 #include "Commands.h"
 #include "Console.h"
-#include "OutputFile.h"
+#include "Files.h"
 
 #include <apps/vxr/render/Roads.h>
 
@@ -60,6 +60,28 @@ Picture drawPicture(const Page& page, Road road)
     return shown.picture();
 }
 
+void writePNG(const Picture& picture, const std::string& path)
+{
+    const SignalsHeld held;
+    std::string reason;
+    if (!picture.image()->writePNG(path, &reason))
+        throw OutputError(path, reason.substr(reason.find(path + ": ") == 0 ? path.size() + 2 : 0));
+}
+
+void writePDF(const Page& page, const std::string& path)
+{
+    std::string bytes;
+    drawPDF(page, *vxr::DocumentContext::createWithWriter([&](const unsigned char* data, std::size_t size) {
+        bytes.assign(reinterpret_cast<const char*>(data), size);
+        return true;
+    }));
+    try {
+        writeFile(path, bytes);
+    } catch (const std::exception& error) {
+        throw OutputError(path, error.what());
+    }
+}
+
 void renderOne(
     const std::string& input, const std::string& output, const RenderOptions& options, Console& console)
 {
@@ -68,31 +90,30 @@ void renderOne(
         console.warning(input, warning);
     const ImportedDrawing imported = importDrawing(drawing);
     const Page page = pageFor(imported, options);
-    std::optional<Picture> picture;
     if (options.format == Format::PNG)
-        picture = drawPicture(page, options.road);
-    try {
-        OutputFile file(output);
-        if (picture) {
-            std::string reason;
-            if (!picture->image()->writePNG(file.temporaryPath(), &reason))
-                throw std::runtime_error(reason);
-        } else {
-            drawPDF(page, *vxr::DocumentContext::createWithFile(file.temporaryPath()));
-        }
-        file.commit();
-    } catch (const std::exception& error) {
-        throw OutputError(output, error.what());
-    }
+        writePNG(drawPicture(page, options.road), output);
+    else
+        writePDF(page, output);
 }
 
 } // namespace
 
 int runRender(const RenderOptions& options)
 {
-    Console console(options.inputs.size());
     if (options.tileSize)
         setTileSize(options.tileSize);
+    int status = 0;
+    std::vector<std::string> inputs;
+    for (const std::string& input : options.inputs) {
+        try {
+            const std::vector<std::string> files = filesOf(input, { ".svg", ".svgz" });
+            inputs.insert(inputs.end(), files.begin(), files.end());
+        } catch (const std::exception& error) {
+            Console().error(input, 0, error.what());
+            status = exitFailed;
+        }
+    }
+    Console console(inputs.size());
     if (options.toFolder) {
         try {
             makeFolder(options.output);
@@ -101,15 +122,15 @@ int runRender(const RenderOptions& options)
             return exitFailed;
         }
     }
-    int status = 0;
     std::set<std::string> written;
-    for (const std::string& input : options.inputs) {
+    for (const std::string& input : inputs) {
         console.startStep(input);
         try {
             std::string output = options.output;
             if (options.toFolder) {
                 const char* extension = options.format == Format::PDF ? ".pdf" : ".png";
-                output = (fs::path(output) / (fs::path(input).stem().string() + extension)).string();
+                const std::string stem = input == "-" ? "drawing" : fs::path(input).stem().string();
+                output = (fs::path(output) / (stem + extension)).string();
             }
             if (!written.insert(output).second)
                 throw OutputError(

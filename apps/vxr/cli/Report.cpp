@@ -1,6 +1,6 @@
 #include "Commands.h"
 #include "Console.h"
-#include "OutputFile.h"
+#include "Files.h"
 
 #include <apps/vxr/render/Roads.h>
 

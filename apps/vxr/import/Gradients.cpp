@@ -14,6 +14,9 @@ namespace {
 /// More repetitions than this are not told apart by the eye, but cost a stop each.
 constexpr int repetitionLimit = 256;
 
+/// Where a second stop stands that belongs at 0.
+constexpr float leastFraction = 1e-6f;
+
 struct Range {
     int first = 0;
     int last = 1;
@@ -62,9 +65,15 @@ int radialSteps(const svg::Gradient& gradient, const svg::Outline& covered, doub
 std::vector<std::shared_ptr<vxr::VXRGradientStop>> stopsFrom(const std::vector<svg::GradientStop>& stops)
 {
     std::vector<std::shared_ptr<vxr::VXRGradientStop>> result;
-    for (const svg::GradientStop& stop : stops)
-        result.push_back(vxr::VXRGradientStop::gradientStopWithColorFraction(
-            colorFrom(stop.color), static_cast<float>(stop.offset)));
+    for (const svg::GradientStop& stop : stops) {
+        // At 0 the library takes the last of several stops. What lies before the gradient has the colour of
+        // the first one, so that one stays alone there.
+        float fraction = static_cast<float>(stop.offset);
+        if (!result.empty())
+            fraction = std::max(fraction, leastFraction);
+        result.push_back(
+            vxr::VXRGradientStop::gradientStopWithColorFraction(colorFrom(stop.color), fraction));
+    }
     return result;
 }
 

@@ -1,5 +1,7 @@
 #include "Builder.h"
 
+#include "Gzip.h"
+
 #include <fmt/format.h>
 
 namespace app::svg {
@@ -76,7 +78,6 @@ void Builder::addElement(const XmlElement& element, const Scope& scope, Nodes& o
     own.style = mDocument.styleOf(element, scope.style, scope.viewport);
     if (!own.style.isDisplayed)
         return;
-    warnOfEffects(element, own.style);
     own.toCanvas = scope.toCanvas * transformOf(element, own.style);
     if (!own.toCanvas.isInvertible())
         return;
@@ -103,8 +104,10 @@ void Builder::addElement(const XmlElement& element, const Scope& scope, Nodes& o
 
 void Builder::addChildren(const XmlElement& element, const Scope& scope, Nodes& out)
 {
-    for (const XmlElement& child : element.children)
-        addElement(child, scope, out);
+    for (const XmlElement& child : element.children) {
+        if (meetsConditions(child))
+            addElement(child, scope, out);
+    }
 }
 
 void Builder::addSwitch(const XmlElement& element, const Scope& scope, Nodes& out)
@@ -112,11 +115,8 @@ void Builder::addSwitch(const XmlElement& element, const Scope& scope, Nodes& ou
     for (const XmlElement& child : element.children) {
         if (roleOf(child.name) == Role::Silent || child.name == "foreignObject")
             continue;
-        const std::string* extensions = child.attribute("requiredExtensions");
-        const std::string* language = child.attribute("systemLanguage");
-        if (extensions || (language && !trimmed(*language).starts_with("en")))
-            continue;
-        return addElement(child, scope, out);
+        if (meetsConditions(child))
+            return addElement(child, scope, out);
     }
 }
 
@@ -257,6 +257,15 @@ Matrix Builder::transformOf(const XmlElement& element, const Style& style)
     return matrix.value_or(Matrix {});
 }
 
+/// Extensions are never there, and the language is English.
+bool Builder::meetsConditions(const XmlElement& element)
+{
+    const std::string* language = element.attribute("systemLanguage");
+    if (language)
+        mDocument.warnOnce("language", element.line, "systemLanguage is compared with English");
+    return !element.attribute("requiredExtensions") && (!language || trimmed(*language).starts_with("en"));
+}
+
 void Builder::warnOfSkipped(const XmlElement& element)
 {
     if (element.name == "text")
@@ -269,28 +278,25 @@ void Builder::warnOfSkipped(const XmlElement& element)
         mDocument.warnOnce("animation", element.line, "animations are left out; their first state is drawn");
 }
 
-void Builder::warnOfEffects(const XmlElement& element, const Style& style)
-{
-    if (!style.filter.empty())
-        mDocument.warnOnce("filter", element.line, "filters are not applied");
-    if (!style.mask.empty())
-        mDocument.warnOnce("mask", element.line, "masks are not applied");
-    if (style.blends)
-        mDocument.warnOnce("blend", element.line, "blend modes are not applied");
-}
-
 Paint Builder::paint(const PaintValue& value, double opacity, const Scope& scope, const Box& bounds, int line)
 {
     using Kind = PaintValue::Kind;
-    if (value.kind == Kind::ContextFill)
-        return scope.contextFill ? *scope.contextFill : Paint {};
-    if (value.kind == Kind::ContextStroke)
-        return scope.contextStroke ? *scope.contextStroke : Paint {};
+    if (value.kind == Kind::ContextFill || value.kind == Kind::ContextStroke) {
+        const bool isFill = value.kind == Kind::ContextFill;
+        if (const Paint* context = isFill ? scope.contextFill : scope.contextStroke)
+            return *context;
+        mDocument.warnOnce("context", line,
+            fmt::format("context-{} paints nothing outside of a marker", isFill ? "fill" : "stroke"));
+        return {};
+    }
     return mPaints.resolve(value, opacity, scope.style, bounds, scope.viewport, line);
 }
 
 Drawing readDrawing(std::string_view text, const XmlLimits& xmlLimits, const DrawingLimits& limits)
 {
+    std::string unpacked;
+    if (isGzip(text))
+        text = unpacked = unpackGzip(text, xmlLimits.bytes);
     const XmlElement root = parseXml(text, xmlLimits);
     Document document(root, limits);
     Drawing drawing;

@@ -33,7 +33,7 @@ private:
     void addViewport(const XmlElement&, const XmlElement* use, Scope, Nodes&);
     void addShape(const XmlElement&, const Scope&, Nodes&);
     void warnOfSkipped(const XmlElement&);
-    void warnOfEffects(const XmlElement&, const Style&);
+    bool meetsConditions(const XmlElement&); ///< `systemLanguage` and `requiredExtensions`
 
     /// Puts `nodes` into one group when they share an opacity or a clip, and appends them to `out`.
     void appendWrapped(const XmlElement&, const Scope&, Nodes nodes, Nodes& out);
@@ -50,7 +50,8 @@ private:
     void addMarkers(Shape&, const Scope&, Nodes& after);
     Nodes markerNodes(
         const XmlElement& marker, const Shape&, const Scope&, const MarkerVertex&, bool isStart);
-    static double markerAngle(const XmlElement& marker, const MarkerVertex&, bool isStart);
+    double markerAngle(const XmlElement& marker, const MarkerVertex&, bool isStart);
+    double markerScale(const XmlElement& marker, const Shape&);
     static std::optional<LineEnd> lineEndFrom(const Nodes&, const Shape&, const MarkerVertex&, bool isStart);
 
     /// Puts `nodes` into a group clipped to a box of `element`'s own space, unless they lie within it.

@@ -56,9 +56,8 @@ const XmlElement* Document::referenced(const XmlElement& element) const
 Style Document::styleOf(const XmlElement& element, const Style& parent, const Viewport& viewport)
 {
     return computeStyle(
-        parent, mSheet.cascade(element), viewport, [&](Property property, const std::string& value) {
-            warnOnce("value of " + std::string(nameOf(property)), element.line,
-                fmt::format("'{}' is no value for {}", value.substr(0, 60), nameOf(property)));
+        parent, mSheet.cascade(element), viewport, [&](Property property, const std::string& warning) {
+            warnOnce("value of " + std::string(nameOf(property)), element.line, warning);
         });
 }
 

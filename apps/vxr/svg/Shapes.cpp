@@ -175,8 +175,24 @@ double Builder::markerAngle(const XmlElement& marker, const MarkerVertex& vertex
         return vertex.angle;
     if (text == "auto-start-reverse")
         return vertex.angle + (isStart ? std::numbers::pi : 0);
-    Scanner in(text);
-    return in.number().value_or(0) * std::numbers::pi / 180;
+    const std::optional<double> degrees = parseAngle(text);
+    if (!degrees)
+        mDocument.warnOnce("orient", marker.line, fmt::format("'{}' is no angle for orient", *orient));
+    return degrees.value_or(0) * std::numbers::pi / 180;
+}
+
+double Builder::markerScale(const XmlElement& marker, const Shape& shape)
+{
+    const std::string* units = marker.attribute("markerUnits");
+    if (units && *units == "userSpaceOnUse")
+        return 1;
+    if (units && *units != "strokeWidth")
+        mDocument.warnOnce(
+            "markerUnits", marker.line, fmt::format("'{}' is no value for markerUnits", *units));
+    if (!shape.stroke.scales)
+        mDocument.warnOnce(
+            "marker scale", marker.line, "markers of a stroke that doesn't scale are scaled all the same");
+    return shape.stroke.width;
 }
 
 Builder::Nodes Builder::markerNodes(const XmlElement& marker, const Shape& shape, const Scope& scope,
@@ -203,8 +219,7 @@ Builder::Nodes Builder::markerNodes(const XmlElement& marker, const Shape& shape
             aspect ? parseAspectRatio(*aspect).value_or(AspectRatio {}) : AspectRatio {});
         inner.viewport = { box->width(), box->height() };
     }
-    const std::string* units = marker.attribute("markerUnits");
-    const double scale = units && *units == "userSpaceOnUse" ? 1 : shape.stroke.width;
+    const double scale = markerScale(marker, shape);
     const Vec reference = content.map({ length(marker, "refX", inner.viewport.width, inner.style),
         length(marker, "refY", inner.viewport.height, inner.style) });
     const Matrix place = scope.toCanvas * Matrix::translation(vertex.point.x, vertex.point.y)

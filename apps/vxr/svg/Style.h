@@ -47,8 +47,6 @@ struct Style {
     double opacity = 1;
     bool isDisplayed = true;
     std::string clipPath; ///< id, empty for none
-    std::string mask, filter; ///< as written, empty for none
-    bool blends = false; ///< in a mode other than normal
     bool overflowVisible = false; ///< what elements with a viewport of their own do with what is outside
     bool scalesStroke = true; ///< false for `vector-effect: non-scaling-stroke`
     std::optional<Matrix> transform; ///< of the CSS property, which goes before the attribute
@@ -64,11 +62,11 @@ struct Viewport {
     double diagonal() const; ///< the measure for lengths that are neither widths nor heights
 };
 
-/// Called with a property and the value that can't be read; the property then stays as it was.
-using BadValue = std::function<void(Property, const std::string& value)>;
+/// Called with a property and what is wrong with its value, which then changes nothing.
+using StyleComplaint = std::function<void(Property, const std::string& warning)>;
 
 /// The style of an element with `declarations` inside one of style `parent`.
-Style computeStyle(const Style& parent, const Declarations&, const Viewport&, const BadValue&);
+Style computeStyle(const Style& parent, const Declarations&, const Viewport&, const StyleComplaint&);
 
 /// The id in `url(#id)`, quotes allowed; empty when the text is something else.
 std::string referencedId(std::string_view);

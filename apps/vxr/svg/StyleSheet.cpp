@@ -9,13 +9,6 @@ namespace app::svg {
 
 namespace {
 
-/// In the order of the enumeration.
-constexpr std::array<std::string_view, propertyCount> propertyNames { "clip-path", "clip-rule", "color",
-    "display", "fill", "fill-opacity", "fill-rule", "filter", "font-size", "marker-end", "marker-mid",
-    "marker-start", "mask", "mix-blend-mode", "opacity", "overflow", "stop-color", "stop-opacity", "stroke",
-    "stroke-dasharray", "stroke-dashoffset", "stroke-linecap", "stroke-linejoin", "stroke-miterlimit",
-    "stroke-opacity", "stroke-width", "transform", "vector-effect", "visibility" };
-
 /// Comments become spaces.
 std::string withoutComments(std::string_view css)
 {
@@ -96,31 +89,20 @@ std::optional<Selector> parseSelector(std::string_view text)
     return selector;
 }
 
-bool hasClass(std::string_view list, std::string_view name)
+std::vector<std::string_view> wordsOf(std::string_view list)
 {
-    while (!list.empty()) {
-        list = trimmed(list);
+    std::vector<std::string_view> words;
+    while (!(list = trimmed(list)).empty()) {
         std::size_t end = 0;
         while (end < list.size() && !isSpace(list[end]))
             ++end;
-        if (list.substr(0, end) == name)
-            return true;
+        words.push_back(list.substr(0, end));
         list.remove_prefix(end);
     }
-    return false;
+    return words;
 }
 
 } // namespace
-
-std::optional<Property> propertyNamed(std::string_view name)
-{
-    const auto found = std::lower_bound(propertyNames.begin(), propertyNames.end(), name);
-    if (found == propertyNames.end() || *found != name)
-        return std::nullopt;
-    return static_cast<Property>(found - propertyNames.begin());
-}
-
-std::string_view nameOf(Property property) { return propertyNames[static_cast<std::size_t>(property)]; }
 
 bool Selector::matches(const XmlElement& element) const
 {
@@ -134,9 +116,11 @@ bool Selector::matches(const XmlElement& element) const
     if (classes.empty())
         return true;
     const std::string* own = element.attribute("class");
-    return own && std::all_of(classes.begin(), classes.end(), [&](const std::string& name) {
-        return hasClass(*own, name);
-    });
+    if (!own)
+        return false;
+    const std::vector<std::string_view> words = wordsOf(*own);
+    return std::all_of(classes.begin(), classes.end(),
+        [&](const std::string& name) { return std::find(words.begin(), words.end(), name) != words.end(); });
 }
 
 int Selector::specificity() const
@@ -204,11 +188,50 @@ void StyleSheet::add(std::string_view source, const std::function<void(std::stri
             const std::string_view one = takeUntil(selectors, ",");
             selectors.remove_prefix(std::min<std::size_t>(1, selectors.size()));
             if (std::optional<Selector> selector = parseSelector(one))
-                mRules.push_back({ std::move(*selector), mBlocks.size() - 1 });
+                addRule(std::move(*selector), mBlocks.size() - 1);
             else if (unsupported && !trimmed(one).empty() && trimmed(one) != "-->")
                 unsupported(trimmed(one));
         }
     }
+}
+
+void StyleSheet::addRule(Selector selector, std::size_t declarations)
+{
+    // Under the rarest thing it asks for.
+    std::vector<std::size_t>& list = !selector.id.empty() ? mById[selector.id]
+        : !selector.classes.empty()                       ? mByClass[selector.classes.back()]
+        : !selector.type.empty()                          ? mByType[selector.type]
+                                                          : mForAll;
+    list.push_back(mRules.size());
+    mRules.push_back({ std::move(selector), declarations });
+}
+
+std::vector<std::size_t> StyleSheet::matchingRules(const XmlElement& element) const
+{
+    std::vector<std::size_t> result;
+    const auto collect = [&](const std::vector<std::size_t>& list) {
+        mComparisons += static_cast<long>(list.size());
+        if (mComparisons > comparisonLimit)
+            throw DocumentError(element.line, "too many style rules apply to too many elements");
+        std::copy_if(list.begin(), list.end(), std::back_inserter(result),
+            [&](std::size_t rule) { return mRules[rule].selector.matches(element); });
+    };
+    const auto collectFrom = [&](const Index& index, std::string_view key) {
+        if (const auto found = index.find(std::string(key)); found != index.end())
+            collect(found->second);
+    };
+    collect(mForAll);
+    if (!mByType.empty())
+        collectFrom(mByType, element.name);
+    const std::string* id = mById.empty() ? nullptr : element.attribute("id");
+    if (id)
+        collectFrom(mById, *id);
+    if (const std::string* classes = mByClass.empty() ? nullptr : element.attribute("class")) {
+        for (std::string_view word : wordsOf(*classes))
+            collectFrom(mByClass, word);
+    }
+    std::sort(result.begin(), result.end());
+    return result;
 }
 
 Declarations StyleSheet::cascade(const XmlElement& element) const
@@ -226,14 +249,11 @@ Declarations StyleSheet::cascade(const XmlElement& element) const
     };
 
     for (const XmlAttribute& attribute : element.attributes) {
-        // `transform` the attribute has a grammar of its own and is no presentation attribute here.
-        const std::optional<Property> property = propertyNamed(attribute.name);
-        if (property && *property != Property::Transform)
+        if (const std::optional<Property> property = propertyOfAttribute(attribute.name))
             offer(*property, std::string(trimmed(attribute.value)), { false, 0, 0 });
     }
-    for (const Rule& rule : mRules) {
-        if (!rule.selector.matches(element))
-            continue;
+    for (std::size_t index : matchingRules(element)) {
+        const Rule& rule = mRules[index];
         for (const Declaration& d : mBlocks[rule.declarations])
             offer(d.property, d.value, { d.isImportant, 1, rule.selector.specificity() });
     }

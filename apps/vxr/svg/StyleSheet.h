@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Property.h"
 #include "Xml.h"
 
 #include <array>
@@ -7,46 +8,10 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 namespace app::svg {
-
-/// The properties that the importer understands.
-enum class Property {
-    ClipPath,
-    ClipRule,
-    Color,
-    Display,
-    Fill,
-    FillOpacity,
-    FillRule,
-    Filter,
-    FontSize,
-    MarkerEnd,
-    MarkerMid,
-    MarkerStart,
-    Mask,
-    MixBlendMode,
-    Opacity,
-    Overflow,
-    StopColor,
-    StopOpacity,
-    Stroke,
-    StrokeDasharray,
-    StrokeDashoffset,
-    StrokeLinecap,
-    StrokeLinejoin,
-    StrokeMiterlimit,
-    StrokeOpacity,
-    StrokeWidth,
-    Transform,
-    VectorEffect,
-    Visibility,
-};
-inline constexpr std::size_t propertyCount = static_cast<std::size_t>(Property::Visibility) + 1;
-
-std::optional<Property> propertyNamed(std::string_view name);
-std::string_view nameOf(Property);
 
 /// The winning value of each property of one element, as text.
 struct Declarations {
@@ -78,8 +43,10 @@ public:
     void add(std::string_view css, const std::function<void(std::string_view)>& unsupported = {});
 
     /// Presentation attributes, then rules by specificity and order, then the `style` attribute;
-    /// `!important` goes before all of that.
+    /// `!important` goes before all of that. Throws `DocumentError` when all calls together have compared
+    /// more selectors than `comparisonLimit`.
     Declarations cascade(const XmlElement&) const;
+    static constexpr long comparisonLimit = 100'000'000;
 
     bool isEmpty() const { return mRules.empty(); }
 
@@ -94,9 +61,17 @@ private:
         std::size_t declarations; ///< index into mBlocks
     };
 
+    /// Rules that may match elements of one name, class or id, in order.
+    using Index = std::unordered_map<std::string, std::vector<std::size_t>>;
+
     static std::vector<Declaration> parseBlock(std::string_view css);
+    void addRule(Selector, std::size_t declarations);
+    std::vector<std::size_t> matchingRules(const XmlElement&) const;
 
     std::vector<Rule> mRules;
+    Index mByType, mByClass, mById;
+    std::vector<std::size_t> mForAll; ///< rules that name none of these
+    mutable long mComparisons = 0;
     std::vector<std::vector<Declaration>> mBlocks;
 };
 

@@ -101,6 +101,17 @@ std::optional<double> readArgument(Scanner& in)
     return value;
 }
 
+} // namespace
+
+std::optional<double> parseAngle(std::string_view text)
+{
+    Scanner in(trimmed(text));
+    const std::optional<double> value = readArgument(in);
+    return in.atEnd() ? value : std::nullopt;
+}
+
+namespace {
+
 struct Arguments {
     std::array<double, 6> value {};
     int count = 0;

@@ -27,6 +27,8 @@ std::optional<Length> readLength(Scanner&);
 std::optional<Length> parseLength(std::string_view);
 /// A plain number or a percentage of 1, clamped into [0, 1].
 std::optional<double> parseOpacity(std::string_view);
+/// An angle in degrees, whatever its unit. A plain number is degrees.
+std::optional<double> parseAngle(std::string_view);
 /// Lengths separated by white space or commas. None when one of them is none.
 std::optional<std::vector<Length>> parseLengthList(std::string_view);
 

@@ -8,8 +8,10 @@
 
 #include <algorithm>
 #include <climits>
+#include <cstring>
 #include <exception>
 #include <memory>
+#include <unordered_map>
 
 namespace app::svg {
 
@@ -70,8 +72,11 @@ public:
             element.name = name;
         if (mOpen.empty() && element.name != "svg")
             fail("the root element is '" + std::string(name) + "', not an SVG 'svg' element");
-        for (int i = 0; i < count; ++i)
-            addAttribute(element, attributes + 5 * i);
+        for (int i = 0; i < count; ++i) {
+            const xmlChar** entry = attributes + 5 * i;
+            countText(static_cast<std::size_t>(entry[4] - entry[3]));
+            addAttribute(element, entry);
+        }
 
         // Only the last child of each open element is open itself, so growing a list moves none of them.
         if (mOpen.empty()) {
@@ -87,26 +92,43 @@ public:
 
     void characters(std::string_view text)
     {
+        countText(text.size());
         if (!mOpen.empty() && mOpen.back()->name == "style")
             mOpen.back()->text.append(text);
     }
 
-    /// The document type's name has been read; what follows is either its end or an internal subset.
-    void documentType()
+    /// Plain literals are what drawing programs export; anything else in a document type could load, loop or
+    /// grow.
+    void entity(std::string_view name, int type, std::string_view content)
     {
-        if (mContext->input && mContext->input->cur && *mContext->input->cur == '[')
-            fail("a DOCTYPE with an internal subset is not accepted");
+        if (type != XML_INTERNAL_GENERAL_ENTITY || content.find('<') != std::string_view::npos)
+            fail("entity '" + std::string(name) + "' is no plain text; other kinds are not accepted");
+        if (mEntities.size() >= entityLimit)
+            fail("there are more than " + std::to_string(entityLimit) + " entities");
+        Entity made { content.size(), 1 };
+        for (std::size_t at = content.find('&'); at != std::string_view::npos;
+             at = content.find('&', at + 1)) {
+            const std::string_view reference = content.substr(at + 1, content.find(';', at) - at - 1);
+            const auto found = mEntities.find(std::string(reference));
+            if (found == mEntities.end())
+                continue; // a predefined one, a character, or an error that the parser reports
+            made.length += found->second.length;
+            made.depth = std::max(made.depth, found->second.depth + 1);
+        }
+        if (made.depth > 2)
+            fail("entity '" + std::string(name) + "' is nested more than 2 deep");
+        if (made.length > entityLengthLimit)
+            fail("entity '" + std::string(name) + "' is longer than " + std::to_string(entityLengthLimit)
+                + " bytes");
+        mEntities.emplace(name, made);
     }
 
-    void declaration() { fail("declarations in a DOCTYPE are not accepted"); }
+    void declaration() { fail("a DOCTYPE may declare entities only"); }
 
     void report(const xmlError& error)
     {
         if (error.level == XML_ERR_FATAL && !mFailure) {
-            std::string message = error.message ? error.message : "not well-formed";
-            while (!message.empty() && isSpace(message.back()))
-                message.pop_back();
-            throw DocumentError(error.line, message);
+            throw DocumentError(error.line, messageFor(error));
         }
     }
 
@@ -124,6 +146,15 @@ private:
 
     [[noreturn]] void fail(const std::string& message) const { throw DocumentError(line(), message); }
 
+    /// Without entities there is never more than the document has.
+    void countText(std::size_t size)
+    {
+        mTextSize += size;
+        if (mTextSize > mLimits.bytes)
+            fail("the text grows to more than " + std::to_string(mLimits.bytes)
+                + " bytes through its entities");
+    }
+
     static void addAttribute(XmlElement& element, const xmlChar** entry)
     {
         // Local name, prefix, namespace, begin and end of the value.
@@ -140,8 +171,31 @@ private:
                 reinterpret_cast<const char*>(entry[3]), static_cast<std::size_t>(entry[4] - entry[3])) });
     }
 
+    static std::string messageFor(const xmlError& error)
+    {
+        std::string message = error.message ? error.message : "not well-formed";
+        // The parser's own limits, in its own words.
+        if (message.find("AttValue length too long") != std::string::npos)
+            return "an attribute is longer than 10 million bytes";
+        if (message.find("Huge input lookup") != std::string::npos
+            || message.find("too big") != std::string::npos)
+            return "a piece of text is longer than 10 million bytes";
+        while (!message.empty() && isSpace(message.back()))
+            message.pop_back();
+        return message;
+    }
+
+    struct Entity {
+        std::size_t length; ///< bytes, references in it expanded
+        int depth; ///< 1 without references in it
+    };
+    static constexpr std::size_t entityLimit = 100;
+    static constexpr std::size_t entityLengthLimit = 4096;
+
     xmlParserCtxtPtr mContext;
     const XmlLimits& mLimits;
+    std::unordered_map<std::string, Entity> mEntities;
+    std::size_t mTextSize = 0;
     XmlElement mRoot;
     std::vector<XmlElement*> mOpen;
     int mElements = 0;
@@ -166,12 +220,28 @@ xmlSAXHandler makeHandler()
         });
     };
     handler.cdataBlock = handler.characters;
-    handler.internalSubset = [](void* user, const xmlChar*, const xmlChar*, const xmlChar*) {
-        TreeBuilder::guarded(user, [](TreeBuilder& b) { b.documentType(); });
+    // Entities are kept where the parser itself keeps and looks for them.
+    handler.startDocument = xmlSAX2StartDocument;
+    handler.internalSubset = xmlSAX2InternalSubset;
+    handler.getEntity = xmlSAX2GetEntity;
+    handler.entityDecl = [](void* user, const xmlChar* name, int type, const xmlChar* publicId,
+                             const xmlChar* systemId, xmlChar* content) {
+        TreeBuilder::guarded(user, [&](TreeBuilder& b) {
+            b.entity(view(name), type, view(content));
+            xmlSAX2EntityDecl(user, name, type, publicId, systemId, content);
+        });
     };
-    handler.entityDecl = [](void* user, const xmlChar*, int, const xmlChar*, const xmlChar*, xmlChar*) {
-        TreeBuilder::guarded(user, [](TreeBuilder& b) { b.declaration(); });
-    };
+    static constexpr auto refused
+        = [](void* user) { TreeBuilder::guarded(user, [](TreeBuilder& b) { b.declaration(); }); };
+    handler.attributeDecl
+        = [](void* user, const xmlChar*, const xmlChar*, int, int, const xmlChar*, xmlEnumerationPtr values) {
+              xmlFreeEnumeration(values);
+              refused(user);
+          };
+    handler.elementDecl = [](void* user, const xmlChar*, int, xmlElementContentPtr) { refused(user); };
+    handler.notationDecl = [](void* user, const xmlChar*, const xmlChar*, const xmlChar*) { refused(user); };
+    handler.unparsedEntityDecl
+        = [](void* user, const xmlChar*, const xmlChar*, const xmlChar*, const xmlChar*) { refused(user); };
     handler.serror = [](void* user, xmlErrorPtr error) {
         TreeBuilder::guarded(user, [&](TreeBuilder& b) { b.report(*error); });
     };
@@ -218,8 +288,10 @@ void checkAttributeCounts(std::string_view text, int limit)
 /// Only encodings that agree with ASCII get to the parser, so that the count above reads what it reads.
 void checkEncoding(std::string_view text)
 {
+    if (text.starts_with("\xFF\xFE") || text.starts_with("\xFE\xFF"))
+        throw DocumentError(1, "the text is in UTF-16; save the drawing in UTF-8");
     if (text.find('\0') != std::string_view::npos)
-        throw DocumentError(1, "the text has NUL bytes; UTF-8 is expected");
+        throw DocumentError(1, "this is no drawing: the file has bytes that no text has");
     if (text.starts_with("\xEF\xBB\xBF"))
         text.remove_prefix(3);
     if (!text.starts_with("<?xml"))
@@ -261,13 +333,23 @@ XmlElement parseXml(std::string_view text, const XmlLimits& limits)
     }();
     static_cast<void>(prepared);
 
+    // The parser asks for pieces: of a text that it has as a whole, it refuses all beyond ten million bytes.
+    std::string_view rest = text;
+    const auto read = [](void* from, char* buffer, int size) {
+        std::string_view& unread = *static_cast<std::string_view*>(from);
+        const std::size_t count = std::min(unread.size(), static_cast<std::size_t>(size));
+        std::memcpy(buffer, unread.data(), count);
+        unread.remove_prefix(count);
+        return static_cast<int>(count);
+    };
+    xmlSAXHandler handler = makeHandler();
     const std::unique_ptr<xmlParserCtxt, decltype(&xmlFreeParserCtxt)> context(
-        xmlCreateMemoryParserCtxt(text.data(), static_cast<int>(text.size())), xmlFreeParserCtxt);
+        xmlCreateIOParserCtxt(&handler, nullptr, read, nullptr, &rest, XML_CHAR_ENCODING_NONE),
+        xmlFreeParserCtxt);
     if (!context)
         throw std::bad_alloc();
-    // No entity substitution, no DTD loading, no XInclude, and the parser's own limits stay on.
-    xmlCtxtUseOptions(context.get(), XML_PARSE_NONET | XML_PARSE_NOWARNING);
-    *context->sax = makeHandler();
+    // Entities are replaced, but nothing is loaded, and the parser's own limits stay on.
+    xmlCtxtUseOptions(context.get(), XML_PARSE_NOENT | XML_PARSE_NONET | XML_PARSE_NOWARNING);
     TreeBuilder builder(context.get(), limits);
     context->_private = &builder;
     xmlParseDocument(context.get());

@@ -43,8 +43,8 @@ struct DocumentError : std::runtime_error {
 };
 
 /// Reads a document whose root is an `svg` element. Nothing outside `text` is ever loaded: external
-/// subsets and entities are not followed, and a document with an internal subset is refused, because that
-/// is where entity bombs live. Throws `DocumentError`.
+/// subsets and entities are not followed, and of a document type's own declarations only short entities of
+/// plain text are accepted. Throws `DocumentError`.
 XmlElement parseXml(std::string_view text, const XmlLimits& limits = {});
 
 } // namespace app::svg

@@ -19,8 +19,8 @@ class VXR_EXPORT DocumentContext : public Context {
 public:
     using Write = std::function<bool(const unsigned char* data, std::size_t size)>;
 
-    /// Throws `GenericException` with the reason when the file can't be created. The destructor closes the
-    /// document.
+    /// The document appears under `path` when it is closed, which the destructor does; until then an old file
+    /// stays as it is. Throws `GenericException` with the reason when no file can be made there.
     static std::shared_ptr<DocumentContext> createWithFile(const std::string& path);
     static std::shared_ptr<DocumentContext> createWithWriter(Write write);
 

@@ -1,9 +1,9 @@
+#include <vxr/platform/base/Exceptions.h>
+#include <vxr/platform/base/FileReplacement.h>
 #include <vxr/platform/graphics/ImageImpl.h>
 
-#include <fcntl.h>
 #include <png.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <cerrno>
 #include <cstdio>
@@ -46,20 +46,6 @@ bool isPlausibleSize(png_uint_32 width, png_uint_32 height, std::size_t fileSize
         return false;
     const std::size_t pixels = std::size_t { width } * height;
     return pixels <= pixelLimit && pixels / 8 / 1032 <= fileSize;
-}
-
-/// A name beside `path` that nobody else uses, opened with the usual permissions.
-File openBeside(const std::string& path, std::string& name)
-{
-    for (int attempt = 0; attempt < 100; ++attempt) {
-        name = path + ".part" + std::to_string(::getpid()) + "-" + std::to_string(attempt);
-        const int descriptor = ::open(name.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, 0666);
-        if (descriptor >= 0)
-            return File(::fdopen(descriptor, "wb"));
-        if (errno != EEXIST)
-            break;
-    }
-    return nullptr;
 }
 
 } // namespace
@@ -109,26 +95,20 @@ bool Image::writePNG(const std::string& path, std::string* error) const
     for (int y = 0; y < layout.height; ++y)
         readStraightRow(layout, mImpl->pixels, y, rgba.data() + rowSize * static_cast<std::size_t>(y));
 
-    std::string partial;
-    File file = openBeside(path, partial);
-    if (!file) {
-        report(error, path, std::strerror(errno));
-        return false;
-    }
     PNGSession session;
     session.image.width = static_cast<png_uint_32>(layout.width);
     session.image.height = static_cast<png_uint_32>(layout.height);
     session.image.format = PNG_FORMAT_RGBA;
-    std::string reason;
-    if (!png_image_write_to_stdio(&session.image, file.get(), 0, rgba.data(), 0, nullptr))
-        reason = session.message();
-    else if (std::fclose(file.release()) != 0 || std::rename(partial.c_str(), path.c_str()) != 0)
-        reason = std::strerror(errno);
-    if (reason.empty())
+    try {
+        FileReplacement file(path);
+        if (!png_image_write_to_stdio(&session.image, file.stream(), 0, rgba.data(), 0, nullptr))
+            throw GenericException(session.message());
+        file.commit();
         return true;
-    ::unlink(partial.c_str());
-    report(error, path, reason);
-    return false;
+    } catch (const GenericException& failure) {
+        report(error, path, failure.what());
+        return false;
+    }
 }
 
 } // namespace vxr
