@@ -1,0 +1,198 @@
+#include <tests/compositing/LayerFakes.h>
+#include <tests/compositing/PageScene.h>
+#include <vxr/platform/base/Exceptions.h>
+#include <vxr/renderables/VXRGroup.h>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+using namespace vxr;
+using namespace vxr::test;
+
+namespace {
+
+constexpr Size windowSize { 300, 220 };
+constexpr Size pageSize { 420, 320 };
+
+std::shared_ptr<VXRGroup> randomGroup(RandomPage& random, int depth)
+{
+    VXRGroup::Members members;
+    for (int i = 2 + random.below(4); i > 0; --i)
+        members.push_back(random.shape());
+    if (depth > 0)
+        members.push_back(randomGroup(random, depth - 1));
+    auto group = VXRGroup::groupWithRenderables(std::move(members));
+    group->scaleXByYByPivot(random.between(0.3f, 1.4f), random.between(0.3f, 1.4f), group->center());
+    if (random.oneIn(2))
+        group->rotateByRadiansPivot(random.between(-1, 1), group->center());
+    if (random.oneIn(3))
+        group->setClipPaths({ Path::pathWithOvalInRect({ 20, 20, random.between(40, 300), 200 }) });
+    if (random.oneIn(2))
+        group->setOpacity(random.between(0.3f, 1));
+    group->setShadow(random.shadow());
+    return group;
+}
+
+std::string editGroup(VXRGroup& group, RandomPage& random)
+{
+    const auto& members = group.renderables();
+    if (members.empty()) {
+        group.insertRenderableAtIndex(random.shape(), 0);
+        return "insert into an empty group";
+    }
+    const auto& member = members[std::size_t(random.below(int(members.size())))];
+    auto* inner = dynamic_cast<VXRGroup*>(member.get());
+    if (inner && random.oneIn(2))
+        return "in a group: " + editGroup(*inner, random);
+    switch (random.below(9)) {
+    case 0:
+        member->offsetBy(float(random.below(41) - 20), float(random.below(41) - 20));
+        return "move a member";
+    case 1:
+        member->rotateByRadiansPivot(random.between(-1, 1), member->center());
+        return "rotate a member";
+    case 2:
+        member->setShadow(random.shadow());
+        return "shadow of a member";
+    case 3:
+        member->setOpacity(random.between(0.1f, 1));
+        return "opacity of a member";
+    case 4:
+        if (auto* shape = dynamic_cast<VXRShape*>(member.get()))
+            random.restyle(*shape);
+        return "restyle a member";
+    case 5:
+        group.insertRenderableAtIndex(random.shape(), std::size_t(random.below(9)));
+        return "insert";
+    case 6:
+        group.removeRenderable(*member);
+        return "remove";
+    case 7:
+        group.setClipPaths(random.oneIn(2)
+                ? VXRGroup::ClipPaths {}
+                : VXRGroup::ClipPaths { Path::pathWithRect({ 10, 10, random.between(50, 300), 150 }) });
+        return "clip";
+    default:
+        group.scaleXByYByPivot(random.between(0.7f, 1.3f), random.between(0.7f, 1.3f), group.center());
+        group.offsetBy(random.between(-20, 20), random.between(-20, 20));
+        return "place the group";
+    }
+}
+
+} // namespace
+
+TEST(Group, EditsOfMembersLeaveWhatAFullRedrawDraws)
+{
+    for (const bool compositor : { false, true }) {
+        for (const float zoom : { 1.0f, 1.37f, 0.3f }) {
+            PageScene scene(windowSize, pageSize);
+            scene.canvas->setUsesCompositor(compositor);
+            RandomPage random(23, pageSize);
+            for (int i = 0; i < 4; ++i) {
+                scene.canvas->add(random.shape());
+                scene.canvas->add(randomGroup(random, 2));
+            }
+            scene.canvas->setScale(zoom);
+            scene.window.displayIfNeeded();
+            for (int step = 0; step < 80; ++step) {
+                const std::size_t index = std::size_t(random.below(4)) * 2 + 1;
+                const std::string what
+                    = editGroup(static_cast<VXRGroup&>(*scene.canvas->page[index]), random);
+                scene.window.displayIfNeeded();
+                const auto incremental = scene.pixels();
+                for (const auto& renderable : scene.canvas->page)
+                    renderable->flushCompositorLayer();
+                ASSERT_TRUE(samePixels(incremental, scene.redrawn(), scene.window.width()))
+                    << (compositor ? "compositor " : "direct ") << zoom << " step " << step << ": " << what;
+            }
+        }
+    }
+}
+
+TEST(Group, WithNothingToShareDrawsWhatItsMembersDraw)
+{
+    for (unsigned seed = 1; seed <= 10; ++seed) {
+        std::vector<std::uint32_t> pixels[2];
+        for (const bool isGrouped : { false, true }) {
+            PageScene scene(windowSize, pageSize);
+            scene.canvas->setUsesCompositor(false);
+            scene.canvas->setScale(1.3f);
+            RandomPage random(seed, pageSize);
+            VXRGroup::Members shapes;
+            for (int i = 0; i < 20; ++i)
+                shapes.push_back(random.shape());
+            if (isGrouped)
+                shapes = { VXRGroup::groupWithRenderables(shapes) };
+            for (const auto& shape : shapes)
+                scene.canvas->add(shape);
+            pixels[isGrouped] = scene.redrawn();
+        }
+        // Where paints overlap, the group rounds them together.
+        EXPECT_TRUE(samePixels(pixels[0], pixels[1], int(windowSize.width), 2)) << seed;
+    }
+}
+
+/// Also where a member's shadow falls: it keeps its direction on the page however the group is turned.
+TEST(Group, PaintsWithinItsErasableBounds)
+{
+    for (unsigned seed = 1; seed <= 40; ++seed) {
+        PageScene scene(windowSize, pageSize);
+        scene.canvas->setUsesCompositor(false);
+        scene.canvas->setBackgroundColor(Color::whiteColor());
+        RandomPage random(seed, pageSize);
+        const auto group = randomGroup(random, 2);
+        group->offsetBy(150 - group->center().x, 110 - group->center().y);
+        scene.canvas->add(group);
+        const auto pixels = scene.redrawn();
+        const Rect allowed = integralRect(group->erasableBounds());
+        for (int y = 0; y < int(windowSize.height); ++y) {
+            for (int x = 0; x < int(windowSize.width); ++x) {
+                const bool isInside
+                    = x >= allowed.minX() && x < allowed.maxX() && y >= allowed.minY() && y < allowed.maxY();
+                if (!isInside) {
+                    ASSERT_EQ(pixels[std::size_t(y * int(windowSize.width) + x)] & 0xffffff, 0xffffffu)
+                        << "seed " << seed << " at " << x << ", " << y;
+                }
+            }
+        }
+    }
+}
+
+TEST(Group, IsHitWhereAMemberShowsThroughItsClip)
+{
+    const auto lower = VXRShape::shapeWithRect({ 5, 5, 30, 10 });
+    const auto upper = VXRShape::shapeWithRect({ 5, 5, 5, 10 });
+    const auto group = VXRGroup::groupWithRenderables({ lower, upper });
+    group->setClipPaths({ Path::pathWithRect({ 0, 0, 20, 30 }) });
+    group->scaleXByYByPivot(2, 2, {});
+    group->offsetBy(10, 0);
+    const struct {
+        Point point;
+        std::shared_ptr<VXRRenderable> hit;
+    } cases[]
+        = { { { 40, 20 }, lower }, { { 25, 20 }, upper }, { { 60, 20 }, nullptr }, { { 40, 40 }, nullptr } };
+    for (const auto& c : cases) {
+        EXPECT_EQ(group->renderableAtPoint(c.point), c.hit) << c.point;
+        EXPECT_EQ(group->containsPoint(c.point), c.hit != nullptr) << c.point;
+    }
+    EXPECT_EQ(group->geometricBounds(), (Rect { 20, 10, 30, 20 }));
+    EXPECT_EQ(group->naturalSize(), (Size { 15, 10 }));
+    EXPECT_TRUE(group->intersectsRect({ 45, 0, 100, 100 }));
+    EXPECT_FALSE(group->intersectsRect({ 55, 0, 100, 100 }));
+}
+
+TEST(Group, RefusesWhatItCantHold)
+{
+    const auto shape = VXRShape::shapeWithRect({ 0, 0, 10, 10 });
+    const auto inner = VXRGroup::groupWithRenderables({ shape });
+    const auto outer = VXRGroup::groupWithRenderables({ inner });
+    EXPECT_THROW(inner->insertRenderableAtIndex(outer, 0), InvalidArgumentException);
+    EXPECT_THROW(inner->insertRenderableAtIndex(inner, 0), InvalidArgumentException);
+    EXPECT_THROW(inner->insertRenderableAtIndex(shape, 0), InvalidArgumentException);
+    EXPECT_THROW(inner->insertRenderableAtIndex(nullptr, 0), InvalidArgumentException);
+    EXPECT_THROW(inner->setRenderables({ shape, shape }), InvalidArgumentException);
+    EXPECT_EQ(inner->renderables(), VXRGroup::Members { shape });
+    inner->removeRenderable(*shape);
+    EXPECT_EQ(shape->canvas(), nullptr);
+}
