@@ -1,9 +1,9 @@
 #include <tests/compositing/LayerFakes.h>
 #include <tests/compositing/PageScene.h>
 
-#include <vxr/compositing/canvas/VXRBitmapRenderingQualityInfo.h>
 #include <vxr/compositing/canvas/VXRTransformableViewRenderable.h>
 #include <vxr/host/utility/VXULog.h>
+#include <vxr/images/VXRBitmapRenderingQualityInfo.h>
 #include <vxr/platform/base/Exceptions.h>
 #include <vxr/platform/base/NotificationCenter.h>
 #include <vxr/platform/graphics/BitmapContext.h>

@@ -25,6 +25,7 @@ public:
     bool compositor = false;
     int destination = VXRDestinationDirect;
     bool blackAndWhite = false;
+    bool staticCanvas = false;
     std::optional<AffineTransform> shadowTransform;
     Rect visible { 0, 0, 500, 500 };
 
@@ -37,6 +38,7 @@ public:
     bool usesCompositor() const override { return compositor; }
     int renderingDestination() const override { return destination; }
     bool rendersBlackAndWhite() const override { return blackAndWhite; }
+    bool isStatic() const override { return staticCanvas; }
     std::optional<AffineTransform> additionalShadowTransform() const override { return shadowTransform; }
     Rect clipViewVisibleRect() const override { return visible; }
     Rect visibleRect() const override { return visible; }

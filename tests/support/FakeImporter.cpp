@@ -165,6 +165,11 @@ std::shared_ptr<const MemoryFile> FakeImporter::placePages(
         refuse(failure, available);
         return nullptr;
     }
+    if (std::ranges::any_of(
+            pages, [&](const PlacedPage& p) { return bytesOf(*p.document) == unplaceable; })) {
+        refuse(failure, true);
+        return nullptr;
+    }
     std::string result = bytesOf(written);
     for (const PlacedPage& page : pages)
         result += "%" + page.mark + "\n";

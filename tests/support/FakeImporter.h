@@ -18,6 +18,7 @@ public:
     std::map<std::string, DocumentInfo> documents; ///< PDF files
     std::map<std::string, std::string> normalised; ///< what is not here comes back as it is
     std::map<std::string, std::string> conversions; ///< EPS and PICT files to PDF files
+    std::string unplaceable; ///< a PDF file whose page is not placed
     std::uint32_t pageColor = 0xff0000ff; ///< what page areas show, as a drawable pixel
     std::vector<std::string> calls; ///< "decode drawable", "area 2 2 0 0 100 50" ...
 

@@ -25,6 +25,10 @@ public:
     virtual void clip() const = 0; ///< intersects the current context's clip with the outline
     /// Used by gradients in place of `transform` by shapes that offer one.
     virtual std::optional<AffineTransform> gradientTransform() const { return std::nullopt; }
+    /// Used by image fills in place of `transform` by shapes that offer one.
+    virtual std::optional<AffineTransform> imageFillTransform() const { return std::nullopt; }
+    /// Whether it is turned by whole quarter turns, where it knows.
+    virtual std::optional<bool> axisAlignment() const { return std::nullopt; }
 
 protected:
     ~VXRPaintedShape() = default;

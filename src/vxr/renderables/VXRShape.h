@@ -100,6 +100,7 @@ public:
     Point center() const override { return VXRRenderable::center(); }
     float angle() const override { return VXRRenderable::angle(); }
     Rect alignmentBounds() const override { return VXRRenderable::alignmentBounds(); }
+    std::optional<bool> axisAlignment() const override { return isAxisAligned(); }
 
 protected:
     float computePaintedOutset() const override; ///< the corners of square caps

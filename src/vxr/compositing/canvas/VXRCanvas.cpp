@@ -1,13 +1,13 @@
 #include <vxr/compositing/canvas/VXRCanvas.h>
 
 #include <vxr/compositing/canvas/CanvasDamage.h>
-#include <vxr/compositing/canvas/VXRBitmapRenderingQualityInfo.h>
 #include <vxr/compositing/canvas/VXRTransformableViewRenderable.h>
 #include <vxr/compositing/layers/VXRCompositorLayer.h>
 #include <vxr/geometry/Color.h>
 #include <vxr/geometry/TransformAdditions.h>
 #include <vxr/geometry/VXRGeometry.h>
 #include <vxr/host/utility/VXULog.h>
+#include <vxr/images/VXRBitmapRenderingQualityInfo.h>
 #include <vxr/platform/base/Exceptions.h>
 #include <vxr/platform/base/NotificationCenter.h>
 #include <vxr/platform/base/UserDefaults.h>

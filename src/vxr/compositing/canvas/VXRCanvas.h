@@ -135,7 +135,7 @@ private:
     bool mIsStatic = false;
     int mBitmapImageQuality = 2; ///< at 2 no quality info is built
     int mChartQuality = 2;
-    std::unique_ptr<VXRBitmapRenderingQualityInfo> mBitmapRenderingQualityInfo;
+    std::shared_ptr<VXRBitmapRenderingQualityInfo> mBitmapRenderingQualityInfo;
     bool mAccelerated = false;
     std::shared_ptr<const Image> mMinimizedImage;
     VXUMutablePointerSet<VXRRenderable> mRegisteredRenderables;

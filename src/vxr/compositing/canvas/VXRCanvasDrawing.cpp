@@ -1,10 +1,10 @@
 #include <vxr/compositing/canvas/VXRCanvas.h>
 
 #include <vxr/compositing/canvas/CanvasDamage.h>
-#include <vxr/compositing/canvas/VXRBitmapRenderingQualityInfo.h>
 #include <vxr/geometry/Color.h>
 #include <vxr/geometry/VXRColorUtilities.h>
 #include <vxr/geometry/VXRGeometry.h>
+#include <vxr/images/VXRBitmapRenderingQualityInfo.h>
 #include <vxr/platform/base/FirstFailure.h>
 #include <vxr/platform/graphics/GraphicsContext.h>
 #include <vxr/platform/graphics/pixels/LayerCompositor.h>
@@ -53,7 +53,7 @@ void VXRCanvas::drawRect(const Rect& dirty)
 void VXRCanvas::_adjustBitmapRenderingQualityInRenderablesUpdateRect(
     const RenderableList& renderables, const Rect& updateRect)
 {
-    mBitmapRenderingQualityInfo = std::make_unique<VXRBitmapRenderingQualityInfo>(mBitmapImageQuality);
+    mBitmapRenderingQualityInfo = std::make_shared<VXRBitmapRenderingQualityInfo>(mBitmapImageQuality);
     for (const auto& renderable : renderables)
         if (rectsIntersect(renderable->erasableBounds(), updateRect))
             renderable->addBitmapsToRenderingQualityInfo(*mBitmapRenderingQualityInfo);

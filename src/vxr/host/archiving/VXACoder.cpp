@@ -17,6 +17,16 @@ void VXACoder::encodeFloat(float value) { append('f', std::bit_cast<std::uint32_
 
 void VXACoder::encodeInt(std::int32_t value) { append('i', static_cast<std::uint32_t>(value)); }
 
+void VXACoder::encodeBytes(std::span<const std::byte> bytes)
+{
+    if (bytes.size() > UINT32_MAX)
+        throw InvalidArgumentException("too many bytes for a coded value");
+    append('b', static_cast<std::uint32_t>(bytes.size()));
+    mData.insert(mData.end(), bytes.begin(), bytes.end());
+}
+
+void VXACoder::encodeString(std::string_view string) { encodeBytes(std::as_bytes(std::span(string))); }
+
 void VXACoder::encodeObject(const Object* object)
 {
     if (!object) {

@@ -16,6 +16,8 @@ class VXR_EXPORT VXACoder {
 public:
     void encodeFloat(float value);
     void encodeInt(std::int32_t value);
+    void encodeBytes(std::span<const std::byte>); ///< throws `InvalidArgumentException` from 4 GB on
+    void encodeString(std::string_view);
     /// An object of a registered class, or none. Throws `InvalidArgumentException` for another class and
     /// then has written nothing.
     void encodeObject(const Object* object);

@@ -23,6 +23,22 @@ float VXADecoder::decodeFloat() { return std::bit_cast<float>(take('f')); }
 
 std::int32_t VXADecoder::decodeInt() { return static_cast<std::int32_t>(take('i')); }
 
+std::span<const std::byte> VXADecoder::decodeBytes()
+{
+    const std::size_t length = take('b');
+    if (mRest.size() < length)
+        throw InvalidArgumentException("a coded value is cut short");
+    const auto bytes = mRest.first(length);
+    mRest = mRest.subspan(length);
+    return bytes;
+}
+
+std::string VXADecoder::decodeString()
+{
+    const auto bytes = decodeBytes();
+    return { reinterpret_cast<const char*>(bytes.data()), bytes.size() };
+}
+
 std::shared_ptr<Object> VXADecoder::decodeObject()
 {
     constexpr int mostDepth = 64;

@@ -20,6 +20,8 @@ public:
 
     float decodeFloat();
     std::int32_t decodeInt();
+    std::span<const std::byte> decodeBytes(); ///< part of the caller's bytes
+    std::string decodeString();
     std::shared_ptr<Object> decodeObject(); ///< none where none was encoded
 
     bool isAtEnd() const { return mRest.empty(); }

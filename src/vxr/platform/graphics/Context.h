@@ -3,10 +3,12 @@
 #include <vxr/platform/graphics/color/ColorSpace.h>
 #include <vxr/platform/graphics/path/Path.h>
 
+#include <functional>
 #include <span>
 
 namespace vxr {
 
+class Data;
 class Image;
 class Pattern;
 class Shading;
@@ -42,6 +44,8 @@ protected:
 /// the context usable. Coordinates beyond the engine's range are clipped to what can be seen first.
 class VXR_EXPORT Context {
 public:
+    using PagePixels = std::function<std::shared_ptr<const Image>()>;
+
     virtual ~Context();
     Context(const Context&) = delete;
     Context& operator=(const Context&) = delete;
@@ -127,6 +131,14 @@ public:
     // Images and shadings.
     virtual void drawImage(const Rect&, const Image&) = 0;
     virtual void drawShading(const Shading&) = 0; ///< fills the clip
+
+    /// Draws page 1 of a PDF file, its media box into the rectangle, as vectors. `pixels` makes an image of
+    /// the page for what needs one, such as a shadow. False where the context keeps no vectors: then nothing
+    /// is drawn.
+    virtual bool placePage(const Rect&, const std::shared_ptr<const Data>&, const PagePixels&)
+    {
+        return false;
+    }
 
     virtual PixelAccess* pixelAccess() { return nullptr; } ///< none when the context has no pixels
 

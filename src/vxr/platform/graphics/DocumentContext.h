@@ -32,6 +32,8 @@ public:
     /// Ends the page and writes the document. Throws `GenericException` when writing failed; later calls do
     /// nothing.
     virtual void close() = 0;
+    /// Why pages that were placed are missing from the closed document; empty when none is.
+    virtual const std::string& placingFailure() const = 0;
 };
 
 } // namespace vxr

@@ -1,5 +1,7 @@
 #include <vxr/platform/graphics/DrawingEngine.h>
 
+#include <vxr/platform/graphics/Image.h>
+
 #include <vxr/platform/graphics/Pattern.h>
 
 #include <utility>
@@ -162,6 +164,22 @@ bool DrawingEngine::drawPatternWithAlpha(const Paint& paint, const std::function
     endLayer();
     state = before;
     return true;
+}
+
+// By the image that it was halved from, so that a reduced image looks like the image itself.
+void DrawingEngine::drawImageInDetail(const Rect& rect, const Image& image)
+{
+    int halvings = -image.halvings();
+    if (hasPixels() && !image.layout().smooth && state.quality != InterpolationQuality::None) {
+        const AffineTransform& t = state.transform;
+        const Size source = image.sourceSize();
+        double scale = std::max(std::hypot(t.m11, t.m12) * std::abs(rect.size.width) / source.width,
+            std::hypot(t.m21, t.m22) * std::abs(rect.size.height) / source.height);
+        for (; scale <= 0.5 && scale > 0; scale *= 2)
+            ++halvings;
+    }
+    const auto reduced = halvings > 0 ? image.reduced(halvings) : nullptr;
+    drawImage(rect, reduced ? *reduced : image);
 }
 
 } // namespace vxr

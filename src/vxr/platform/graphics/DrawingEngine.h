@@ -35,8 +35,15 @@ public:
     virtual void fillRect(const Rect&) = 0;
     virtual void clearRect(const Rect&) = 0;
     virtual void drawImage(const Rect&, const Image&) = 0;
+    virtual bool placePage(const Rect&, const std::shared_ptr<const Data>&, const Context::PagePixels&)
+    {
+        return false;
+    }
     virtual void drawShading(const Shading&) = 0;
     virtual PixelAccess* pixelAccess() { return nullptr; }
+    /// Draws a reduced image where several pixels of the image fall into one of the device's along both
+    /// sides.
+    void drawImageInDetail(const Rect&, const Image&);
     void beginLayer();
     void endLayer(); ///< does nothing without a layer
 
@@ -50,6 +57,7 @@ protected:
     void stopSurface(); ///< open layers are ended; nothing is drawn any more
 
     bool canDraw() const { return mIsOpen && state.drawable && !state.clip.isEmpty(); }
+    virtual bool hasPixels() const { return true; } ///< and so has no use for more detail than they show
     bool isInLayer() const { return !mLayerDepths.empty(); }
     double deviceHeight() const { return mDeviceHeight; }
     /// Draws through a layer that casts the state's shadow.

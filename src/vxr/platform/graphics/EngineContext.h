@@ -69,7 +69,12 @@ public:
     void endTransparencyLayer() final { mEngine->endLayer(); }
     void setLayerReach(const Rect& reach) final { mEngine->setLayerReach(reach); }
 
-    void drawImage(const Rect& rect, const Image& image) final { mEngine->drawImage(rect, image); }
+    void drawImage(const Rect& rect, const Image& image) final { mEngine->drawImageInDetail(rect, image); }
+    bool placePage(const Rect& rect, const std::shared_ptr<const Data>& document,
+        const Context::PagePixels& pixels) final
+    {
+        return mEngine->placePage(rect, document, pixels);
+    }
     void drawShading(const Shading& shading) final { mEngine->drawShading(shading); }
 
     PixelAccess* pixelAccess() final { return mEngine->pixelAccess(); }

@@ -11,8 +11,12 @@ int ImageLayout::bytesPerPixel() const
 
 ImageLayout ImageLayout::nativeARGB(int width, int height, std::size_t bytesPerRow)
 {
-    return { width, height, bytesPerRow, AlphaFormat::PremultipliedFirst, true, ColorSpace::deviceRGB(),
-        false };
+    return { .width = width,
+        .height = height,
+        .bytesPerRow = bytesPerRow,
+        .alpha = AlphaFormat::PremultipliedFirst,
+        .nativeOrder = true,
+        .space = ColorSpace::deviceRGB() };
 }
 
 bool isPossibleLayout(const ImageLayout& layout, std::size_t size)
@@ -35,6 +39,8 @@ Image::Impl::Impl(
     : layout(imageLayout)
     , pixels(imagePixels)
     , owner(std::move(pixelOwner))
+    , sourceWidth(imageLayout.width)
+    , sourceHeight(imageLayout.height)
 {
 }
 
@@ -67,6 +73,15 @@ std::shared_ptr<const Image> Image::create(
         std::make_unique<Impl>(layout, static_cast<const std::uint8_t*>(pixels), std::move(owner)));
 }
 
+std::shared_ptr<const Image> Image::createWithJPEG(const ImageLayout& layout, const void* pixels,
+    std::size_t size, std::shared_ptr<const void> owner, std::shared_ptr<const Data> jpeg)
+{
+    const auto image = create(layout, pixels, size, std::move(owner));
+    if (image)
+        image->impl().jpeg = std::move(jpeg);
+    return image;
+}
+
 int Image::width() const { return mImpl->layout.width; }
 
 int Image::height() const { return mImpl->layout.height; }
@@ -80,6 +95,13 @@ bool Image::isOpaque() const
     const AlphaFormat alpha = mImpl->layout.alpha;
     return alpha == AlphaFormat::None || alpha == AlphaFormat::NoneSkipLast
         || alpha == AlphaFormat::NoneSkipFirst;
+}
+
+int Image::halvings() const { return mImpl->halvings; }
+
+Size Image::sourceSize() const
+{
+    return { static_cast<float>(mImpl->sourceWidth), static_cast<float>(mImpl->sourceHeight) };
 }
 
 void Image::prepare() const { mImpl->native(); }

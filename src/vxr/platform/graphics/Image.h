@@ -1,12 +1,15 @@
 #pragma once
 
 #include <vxr/platform/graphics/color/ColorSpace.h>
+#include <vxr/platform/graphics/values/Geometry.h>
 
 #include <cstddef>
 #include <cstdint>
 #include <string>
 
 namespace vxr {
+
+class Data;
 
 /// Where the alpha byte stands and what it means. The numbers are part of the contract.
 enum class AlphaFormat : int {
@@ -32,6 +35,7 @@ struct ImageLayout {
     /// Neighbours differ by so little that on bitmaps pixels may be left out or repeated instead of being
     /// mixed. That keeps the dither of a ramp, and is much faster.
     bool smooth = false;
+    bool isFullAlpha = false; ///< an alpha byte that is ignored is 255 in every pixel
 
     VXR_EXPORT int bytesPerPixel() const;
     /// The layout of a bitmap context: premultiplied ARGB in native order, device RGB.
@@ -49,6 +53,9 @@ public:
     /// Refers to the pixels and keeps `owner` alive as long as the image lives.
     static std::shared_ptr<const Image> create(
         const ImageLayout&, const void* pixels, std::size_t size, std::shared_ptr<const void> owner);
+    /// `create` with the JPEG file that the pixels were decoded from: a document takes it as it is.
+    static std::shared_ptr<const Image> createWithJPEG(const ImageLayout&, const void* pixels,
+        std::size_t size, std::shared_ptr<const void> owner, std::shared_ptr<const Data> jpeg);
     /// Decodes a PNG file. None, and a reason in `error`, when it can't be read.
     static std::shared_ptr<const Image> createWithPNGFile(
         const std::string& path, std::string* error = nullptr);
@@ -60,6 +67,12 @@ public:
     const ImageLayout& layout() const;
     const std::uint8_t* pixels() const;
     bool isOpaque() const; ///< by the alpha format, not by looking at the pixels
+
+    /// The image at half its size, each side rounded up, so many times: each pixel the mean of those it
+    /// covers. Kept with the image. Never smaller than a pixel; none when memory is short.
+    std::shared_ptr<const Image> reduced(int halvings) const;
+    int halvings() const; ///< how often the image itself has been halved
+    Size sourceSize() const; ///< in pixels, before that
 
     void prepare() const; ///< makes the output form now
     /// Writes an 8-bit RGBA PNG. False, and a reason in `error`, when that fails; no partial file stays.

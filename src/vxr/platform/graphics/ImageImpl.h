@@ -27,6 +27,10 @@ struct Image::Impl {
     const std::uint8_t* pixels;
     std::shared_ptr<const void> owner;
     EngineCaches caches;
+    std::shared_ptr<const Data> jpeg; ///< that stands for the pixels in documents; or none
+    std::shared_ptr<const Image> half; ///< made when it is first needed
+    int halvings = 0;
+    int sourceWidth, sourceHeight; ///< before them
 
     /// Made on the first call and kept; pixels that already are in that form are used where they lie. Null
     /// when memory is short, then there is nothing to draw.

@@ -145,9 +145,10 @@ bool isPlainRGB(const ImageLayout& layout)
 /// Pixels that can be drawn from where they lie.
 bool isNativeForm(const ImageLayout& layout, const std::uint8_t* pixels)
 {
-    return isPlainRGB(layout) && layout.nativeOrder && layout.alpha == AlphaFormat::PremultipliedFirst
-        && layout.bytesPerRow % 4 == 0 && layout.bytesPerRow <= 0x7fffffff
-        && reinterpret_cast<std::uintptr_t>(pixels) % 4 == 0;
+    const bool hasAlphaBytes = layout.alpha == AlphaFormat::PremultipliedFirst
+        || (layout.alpha == AlphaFormat::NoneSkipFirst && layout.isFullAlpha);
+    return isPlainRGB(layout) && layout.nativeOrder && hasAlphaBytes && layout.bytesPerRow % 4 == 0
+        && layout.bytesPerRow <= 0x7fffffff && reinterpret_cast<std::uintptr_t>(pixels) % 4 == 0;
 }
 
 void convertPixels(const ImageLayout& layout, const std::uint8_t* pixels, std::uint8_t* target, int stride)

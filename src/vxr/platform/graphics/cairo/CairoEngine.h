@@ -47,10 +47,12 @@ public:
     void fillRect(const Rect&) override;
     void clearRect(const Rect&) override;
     void drawImage(const Rect&, const Image&) override;
+    bool placePage(const Rect&, const std::shared_ptr<const Data>&, const Context::PagePixels&) override;
     void drawShading(const Shading&) override;
     PixelAccess* pixelAccess() override { return kind == Kind::Bitmap ? this : nullptr; }
 
 private:
+    bool hasPixels() const override { return !onPaper; }
     void didSaveState() override;
     void didRestoreState() override;
     void pushLayer() override;

@@ -1,5 +1,6 @@
 #include <vxr/platform/graphics/cairo/CairoImage.h>
 
+#include <vxr/platform/base/Data.h>
 #include <vxr/platform/graphics/ImageImpl.h>
 #include <vxr/platform/graphics/cairo/CairoHandles.h>
 
@@ -29,6 +30,18 @@ CairoSurfacePtr wrap(const NativePixels& native)
     if (cairo_surface_set_user_data(surface.get(), &ownerKey, owner, releaseOwner) != CAIRO_STATUS_SUCCESS)
         delete owner;
     return surface;
+}
+
+void releaseFile(void* file) { delete static_cast<std::shared_ptr<const Data>*>(file); }
+
+/// A document takes the file in place of the pixels.
+void attachFile(cairo_surface_t* surface, const std::shared_ptr<const Data>& jpeg)
+{
+    auto* file = new std::shared_ptr<const Data>(jpeg);
+    const auto* bytes = reinterpret_cast<const unsigned char*>(jpeg->bytes().data());
+    if (cairo_surface_set_mime_data(surface, CAIRO_MIME_TYPE_JPEG, bytes, jpeg->length(), releaseFile, file)
+        != CAIRO_STATUS_SUCCESS)
+        delete file;
 }
 
 cairo_surface_t* kept(CairoSurfacePtr& place, CairoSurfacePtr made)
@@ -70,7 +83,10 @@ cairo_surface_t* cairoSurface(const Image& image)
     if (cache.whole)
         return cache.whole.get();
     const NativePixels* native = image.impl().native();
-    return native ? kept(cache.whole, wrap(*native)) : nullptr;
+    cairo_surface_t* surface = native ? kept(cache.whole, wrap(*native)) : nullptr;
+    if (surface && image.impl().jpeg)
+        attachFile(surface, image.impl().jpeg);
+    return surface;
 }
 
 cairo_surface_t* thinnedCairoSurface(const Image& image, int x, int y)

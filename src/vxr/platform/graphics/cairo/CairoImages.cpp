@@ -1,5 +1,8 @@
+#include <vxr/platform/base/Data.h>
 #include <vxr/platform/graphics/cairo/CairoEngine.h>
 #include <vxr/platform/graphics/cairo/CairoImage.h>
+#include <vxr/platform/graphics/cairo/PlacedPages.h>
+#include <vxr/platform/imaging/PageMark.h>
 
 namespace vxr {
 
@@ -165,6 +168,29 @@ void CairoEngine::drawImage(const Rect& rect, const Image& image)
     noteInk(deviceBounds(std::array { rect.origin, Point { rect.maxX(), rect.minY() },
         Point { rect.maxX(), rect.maxY() }, Point { rect.minX(), rect.maxY() } }));
     finishOperation();
+}
+
+// The mark is a picture like any other to cairo; pixels that come with it are what a shadow is made of.
+bool CairoEngine::placePage(
+    const Rect& rect, const std::shared_ptr<const Data>& document, const Context::PagePixels& pixels)
+{
+    if (!onPaper || !document)
+        return false;
+    if (!canDraw())
+        return true;
+    const std::string jpeg = pageMarkJPEG(markForPage(document));
+    const auto mark = Data::dataWithBytes(jpeg.data(), jpeg.size());
+    std::shared_ptr<const Image> shown;
+    if (state.castsShadow() || isInLayer() || kind == Kind::Recording)
+        shown = pixels();
+    static constexpr std::uint32_t oneGreyPixel = 0xff808080;
+    const auto image = shown
+        ? Image::createWithJPEG(shown->layout(), shown->pixels(),
+            shown->layout().bytesPerRow * static_cast<std::size_t>(shown->height()), shown, mark)
+        : Image::createWithJPEG(
+            ImageLayout::nativeARGB(1, 1, 4), &oneGreyPixel, sizeof oneGreyPixel, nullptr, mark);
+    drawImage(rect, *image);
+    return true;
 }
 
 } // namespace vxr

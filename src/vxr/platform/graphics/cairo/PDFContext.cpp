@@ -3,6 +3,7 @@
 #include <vxr/platform/graphics/cairo/CairoEngine.h>
 #include <vxr/platform/graphics/cairo/CairoFactory.h>
 #include <vxr/platform/graphics/cairo/PDFPageBoxUpdate.h>
+#include <vxr/platform/graphics/cairo/PlacedPages.h>
 
 #include <cairo-pdf.h>
 
@@ -35,6 +36,7 @@ public:
     void beginPage(const PDFPageBoxes&) override;
     void endPage() override;
     void close() override;
+    const std::string& placingFailure() const override { return mPlacingFailure; }
 
 private:
     CairoEngine& paper() const { return static_cast<CairoEngine&>(engine()); }
@@ -43,6 +45,8 @@ private:
     std::string mBytes;
     CairoSurfacePtr mSurface;
     std::vector<PDFPageBoxes> mPages;
+    PlacedPagesUser mUsesPlacedPages;
+    std::string mPlacingFailure;
     bool mIsPageOpen = false;
     bool mIsClosed = false;
 };
@@ -101,6 +105,7 @@ void PDFContext::close()
     if (status != CAIRO_STATUS_SUCCESS)
         throw GenericException(std::string("Can't write the document: ") + cairo_status_to_string(status));
     appendPageBoxUpdate(mBytes, mPages);
+    mPlacingFailure = putPlacedPagesInto(mBytes);
     const bool written
         = mWrite && mWrite(reinterpret_cast<const unsigned char*>(mBytes.data()), mBytes.size());
     mWrite = nullptr;

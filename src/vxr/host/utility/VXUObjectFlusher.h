@@ -1,0 +1,44 @@
+#pragma once
+
+#include <vxr/host/utility/VXUFlushable.h>
+
+#include <list>
+#include <unordered_map>
+
+namespace vxr {
+
+/// Keeps the memory of flushable objects within a budget: whenever there is more, the one that was touched
+/// least recently gives back a level, and so on. The object touched last is spared.
+class VXR_EXPORT VXUObjectFlusher {
+public:
+    static constexpr std::size_t defaultBudget = std::size_t { 256 } << 20;
+
+    static VXUObjectFlusher& instance();
+
+    /// Has become larger. Registers it on the first call; counts as a touch.
+    void objectAddedData(VXUFlushable&);
+    void objectTouched(VXUFlushable&); ///< is in use; does nothing for an object that never added data
+    void removeObject(const VXUFlushable&);
+
+    std::size_t budget() const { return mBudget; }
+    void setBudget(std::size_t bytes); ///< takes effect at once
+    std::size_t bytesUsed() const { return mBytes; } ///< as of each object's last touch
+
+private:
+    struct Entry {
+        VXUFlushable* object;
+        std::size_t bytes;
+    };
+    using Entries = std::list<Entry>; ///< touched last at the end
+
+    void recount(Entry&);
+    void flushToBudget();
+
+    Entries mEntries;
+    std::unordered_map<const VXUFlushable*, Entries::iterator> mPlaces;
+    std::size_t mBudget = defaultBudget;
+    std::size_t mBytes = 0;
+    bool mIsFlushing = false;
+};
+
+} // namespace vxr

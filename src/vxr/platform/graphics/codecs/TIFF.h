@@ -1,0 +1,16 @@
+#pragma once
+
+#include <vxr/platform/graphics/Image.h>
+
+#include <cstddef>
+#include <vector>
+
+namespace vxr {
+
+/// The pixels as r, g, b, a bytes, colours not multiplied by alpha, row after row.
+std::vector<std::uint8_t> straightPixelsOfImage(const Image&);
+
+/// An uncompressed TIFF file of these pixels.
+std::vector<std::byte> tiffOfImage(const Image&);
+
+} // namespace vxr
