@@ -138,6 +138,8 @@ void moveToWhereLayersAre(PageScene& scene)
         ASSERT_LE(std::abs(error.x), limit);
         ASSERT_LE(std::abs(error.y), limit);
         renderable->offsetBy(-error.x, -error.y);
+        renderable
+            ->invalidateBoundingBox(); // a moved layer keeps what single precision made of its first place
     }
 }
 
@@ -154,6 +156,50 @@ void drawOnBothRoads(
 }
 
 } // namespace
+
+/// A layer whose renderable is moved keeps its pixels: those of a new one are the same, although the places
+/// of both have been rounded differently.
+TEST(Canvas, MovedLayersAreWhatNewOnesWouldBe)
+{
+    PageScene scene(windowSize, pageSize);
+    RandomPage random(5, pageSize);
+    for (int i = 0; i < 120; ++i)
+        scene.canvas->add(random.shape());
+    scene.window.displayIfNeeded();
+    for (const auto& renderable : scene.canvas->page)
+        renderable->offsetBy(random.between(-30, 30), random.between(-30, 30));
+    const auto moved = scene.redrawn();
+    for (const auto& renderable : scene.canvas->page)
+        renderable->flushCompositorLayer();
+    EXPECT_TRUE(samePixels(moved, scene.redrawn(), scene.window.width()));
+}
+
+/// What a stroke's caps paint outside the bounds is erased, drawn and kept by layers alike.
+TEST(Canvas, WideSquareCapsAreWholeOnBothRoads)
+{
+    const struct {
+        float zoom, width;
+    } cases[] = { { 1, 30 }, { 4, 30 }, { 16, 5 }, { 20, 12 } };
+    for (const auto& one : cases) {
+        PageScene scene(windowSize, pageSize);
+        auto line = Path::path();
+        line->moveTo({ 40, 40 });
+        line->lineTo({ 40 + 60 / one.zoom, 40 + 60 / one.zoom });
+        auto shape = VXRShape::shapeWithBezierPath(line);
+        shape->setFill(nullptr);
+        shape->setStroke(VXRStroke::strokeWithColorWidthCapJoinPattern(
+            Color::blackColor(), one.width, 2, 0, VXRStrokePattern::solidPattern()));
+        scene.canvas->add(shape);
+        scene.canvas->setScale(one.zoom);
+        const Point end { 40 - 0.5f * one.width, 40 - 0.5f * one.width };
+        scene.canvas->scrollPoint({ end.x - 20 / one.zoom, end.y - 20 / one.zoom });
+        moveToWhereLayersAre(scene);
+        const auto composited = scene.redrawn();
+        scene.canvas->setUsesCompositor(false);
+        EXPECT_TRUE(samePixels(composited, scene.redrawn(), scene.window.width(), 2))
+            << one.zoom << " " << one.width;
+    }
+}
 
 /// A ramp of colours is looked up at places that single precision may put into the next step, so gradients
 /// may come out a level apart; everything else is the same to the bit, however much lies one over another.

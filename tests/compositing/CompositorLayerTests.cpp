@@ -362,6 +362,50 @@ TEST(CompositorLayer, TilesAreKeptUpToTheBudgetAndReusedOldestFirst)
     EXPECT_EQ(page.renderable.drawn.size(), drawn + 1);
 }
 
+/// Tiles of the last column come from those of others, and are narrower.
+TEST(CompositorLayer, ReusedTilesKeepNothingBeyondTheLayersEdge)
+{
+    FakeCanvas canvas;
+    canvas.visible = { 0, 0, 300, 200 };
+    Layered wide(canvas, {}, { 10340, 300 });
+    wide.renderable.paint = [](Context& port) { port.fillRect({ 0, 0, 10340, 300 }); };
+    for (const float x :
+        { 0.0f, 1100.0f, 2100.0f, 3100.0f, 4200.0f, 5200.0f, 6200.0f, 7200.0f, 8300.0f, 10240.0f }) {
+        canvas.visible.origin.x = x;
+        EXPECT_TRUE(wide.looksFresh()) << x;
+    }
+}
+
+/// Memory goes with what is drawn, whatever the tiles.
+TEST(CompositorLayer, TilesKeepNoPixelsWhereNothingIsDrawn)
+{
+    FakeCanvas canvas;
+    canvas.visible = { 0, 0, 4000, 4000 };
+    const auto bytesOf = [&](float length) {
+        Layered line(canvas, {}, { length, length });
+        line.renderable.paint = [length](Context& port) {
+            Path path;
+            path.moveTo({ 0, 0 });
+            path.lineTo({ length, length });
+            port.strokePath(path, {});
+        };
+        line.prepare();
+        std::size_t bytes = 0;
+        for (const auto& tile : line.layer.tiles())
+            bytes += tile->byteSize();
+        return double(bytes);
+    };
+    const double one = 4 * double(side) * double(side);
+    EXPECT_LE(bytesOf(1030), 1.02 * one); // into four tiles
+    EXPECT_LE(bytesOf(3000), 3 * one); // three of nine
+
+    Layered wide(canvas, {}, { side + 6, 100 });
+    wide.renderable.paint = [](Context& port) { port.fillRect({ 0, 0, side + 6, 100 }); };
+    wide.prepare();
+    ASSERT_EQ(wide.layer.tiles().size(), 2u);
+    EXPECT_EQ(wide.layer.tiles()[1]->byteSize(), 4u * 6 * 100);
+}
+
 TEST(CompositorLayer, AViewLargerThanTheBudgetStillShowsEveryTile)
 {
     FakeCanvas canvas;

@@ -168,9 +168,16 @@ Rect VXRRenderable::alignmentBounds() const
     if (mAlignmentBoundsInvalid) {
         mAlignmentBounds = computeAlignmentBounds();
         mPaintedOutset = computePaintedOutset();
+        mPlaceOfBounds = { mTransform.tX, mTransform.tY };
         mAlignmentBoundsInvalid = false;
     }
     return mAlignmentBounds;
+}
+
+float VXRRenderable::paintedOutset() const
+{
+    alignmentBounds();
+    return mPaintedOutset;
 }
 
 Rect VXRRenderable::computeGeometricBounds() const

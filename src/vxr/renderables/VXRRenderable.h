@@ -76,6 +76,7 @@ public:
     Rect shadowBounds() const; ///< the shadow alone; the alignment bounds without one
     Rect shadowBoundsForRect(const Rect&) const override; ///< with the canvas's extra shadow transform
     virtual Rect erasableBounds() const; ///< everything that may have been painted
+    float paintedOutset() const override; ///< of the content, in canvas units. Cached.
     virtual Rect computeGeometricBounds() const; ///< never reads the cache
     virtual Rect computeAlignmentBounds() const;
     virtual void invalidateBoundingBox(); ///< has both computed anew when next asked for
@@ -105,6 +106,7 @@ public:
     void renderLayeredIntoContext(Context& context); ///< with opacity and shadow
     virtual void renderIntoContext(Context& context); ///< without them
     void drawRect(const Rect&) override; ///< `renderIntoContext` with the current port
+    void drawWhereBoundsWereComputed(const std::function<void()>& draw) override;
     bool _shouldLayer() const;
     void beginLayer(Context& context);
     void endLayer(Context& context);
@@ -149,6 +151,7 @@ private:
     mutable Rect mGeometricBounds;
     mutable Rect mAlignmentBounds;
     mutable float mPaintedOutset = 0; ///< valid with mAlignmentBounds
+    mutable Point mPlaceOfBounds; ///< the translation under which mAlignmentBounds was computed
     mutable bool mGeometricBoundsInvalid = true;
     mutable bool mAlignmentBoundsInvalid = true;
     bool mAutoInvalidates = true;

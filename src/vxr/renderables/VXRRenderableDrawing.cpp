@@ -5,6 +5,7 @@
 #include <vxr/geometry/TransformAdditions.h>
 #include <vxr/geometry/VXRGeometry.h>
 #include <vxr/platform/graphics/GraphicsContext.h>
+#include <vxr/protocols/PaintedExtent.h>
 #include <vxr/protocols/VXRCanvasRole.h>
 #include <vxr/protocols/VXRRenderableLayer.h>
 #include <vxr/protocols/VXRTexture.h>
@@ -45,7 +46,8 @@ void VXRRenderable::flushCompositorLayer()
 void VXRRenderable::erase()
 {
     if (mCanvas)
-        mCanvas->setNeedsDisplayInRect(integralRect(insetRect(erasableBounds(), -5, -5)));
+        mCanvas->setNeedsDisplayInRect(
+            integralRect(insetRect(erasableBounds(), -erasingSlack, -erasingSlack)));
 }
 
 void VXRRenderable::autoErase()
@@ -154,6 +156,38 @@ void VXRRenderable::renderLayeredIntoContext(Context& context)
     } else {
         renderPass(context, VXRRenderingModeSingle);
     }
+}
+
+void VXRRenderable::drawWhereBoundsWereComputed(const std::function<void()>& draw)
+{
+    alignmentBounds();
+    if (mPlaceOfBounds == Point { mTransform.tX, mTransform.tY }) {
+        draw();
+        return;
+    }
+    const struct Place {
+        explicit Place(VXRRenderable& moved)
+            : renderable(moved)
+        {
+        }
+        ~Place()
+        {
+            renderable.mTransform = transform;
+            renderable.mGeometricBounds = geometric;
+            renderable.mAlignmentBounds = alignment;
+            renderable.mGeometricBoundsInvalid = geometricInvalid;
+            renderable.mAlignmentBoundsInvalid = alignmentInvalid;
+        }
+        VXRRenderable& renderable;
+        const AffineTransform transform = renderable.mTransform;
+        const Rect geometric = renderable.mGeometricBounds, alignment = renderable.mAlignmentBounds;
+        const bool geometricInvalid = renderable.mGeometricBoundsInvalid;
+        const bool alignmentInvalid = renderable.mAlignmentBoundsInvalid;
+    } present { *this };
+    mTransform.tX = mPlaceOfBounds.x;
+    mTransform.tY = mPlaceOfBounds.y;
+    mGeometricBoundsInvalid = mAlignmentBoundsInvalid = true;
+    draw();
 }
 
 void VXRRenderable::renderIntoContext(Context&) { }

@@ -1,6 +1,5 @@
 #include <vxr/compositing/canvas/VXRCanvas.h>
 
-#include <vxr/compositing/canvas/CanvasDamage.h>
 #include <vxr/compositing/canvas/VXRTransformableViewRenderable.h>
 #include <vxr/compositing/layers/VXRCompositorLayer.h>
 #include <vxr/geometry/Color.h>
@@ -14,14 +13,13 @@
 #include <vxr/platform/graphics/GraphicsContext.h>
 #include <vxr/platform/views/ScrollView.h>
 #include <vxr/platform/views/Window.h>
+#include <vxr/protocols/PaintedExtent.h>
 #include <vxr/renderables/VXRRenderable.h>
 
 #include <algorithm>
 #include <cmath>
 
 namespace vxr {
-
-using namespace canvasdamage;
 
 VXRCanvas::VXRCanvas(const Rect& frame)
     : VXRSubviewAbsolverView(frame)

@@ -1,6 +1,5 @@
 #include <vxr/compositing/canvas/VXRCanvas.h>
 
-#include <vxr/compositing/canvas/CanvasDamage.h>
 #include <vxr/geometry/Color.h>
 #include <vxr/geometry/VXRColorUtilities.h>
 #include <vxr/geometry/VXRGeometry.h>
@@ -10,6 +9,7 @@
 #include <vxr/platform/graphics/pixels/LayerCompositor.h>
 #include <vxr/platform/views/ScrollView.h>
 #include <vxr/platform/views/Window.h>
+#include <vxr/protocols/PaintedExtent.h>
 #include <vxr/renderables/VXRRenderable.h>
 
 #include <algorithm>
@@ -18,8 +18,6 @@
 // The two roads of a redraw.
 
 namespace vxr {
-
-using namespace canvasdamage;
 
 namespace {
 
@@ -107,7 +105,7 @@ void VXRCanvas::fillBackground(Context& context, const Rect& rect, bool isRedraw
 /// would not erase it. Changes the context's state.
 void VXRCanvas::redraw(VXRRenderable& renderable, Context& context) const
 {
-    const float slack = erasingSlack + placementSlack / _scale;
+    const float slack = paintingSlack(_scale) + placementSlack / _scale;
     const Rect area
         = integralRect(convertRectToWindow(insetRect(renderable.erasableBounds(), -slack, -slack)));
     const bool isLayered = renderable._shouldLayer(); // by itself

@@ -2,6 +2,7 @@
 
 #include <vxr/platform/graphics/BitmapContext.h>
 #include <vxr/platform/graphics/GraphicsContext.h>
+#include <vxr/platform/graphics/values/IntRect.h>
 
 #include <cmath>
 
@@ -10,8 +11,6 @@ namespace vxr {
 namespace {
 
 constexpr float largestPicture = 4096; ///< a side, in pixels; larger subviews draw themselves each time
-
-bool isWhole(float v) { return std::abs(v - std::round(v)) < 1e-3f; }
 
 } // namespace
 
@@ -35,7 +34,7 @@ std::shared_ptr<const Image> VXRSubviewAbsolverView::pictureOfSubview(View& view
             return known.image;
     const Size size = view.bounds().size;
     const float wide = size.width * scale, high = size.height * scale;
-    if (!isWhole(wide) || !isWhole(high) || !(wide >= 1 && wide <= largestPicture)
+    if (!isNearlyWhole(wide) || !isNearlyWhole(high) || !(wide >= 1 && wide <= largestPicture)
         || !(high >= 1 && high <= largestPicture))
         return nullptr;
     const auto bitmap = BitmapContext::createBitmap(int(std::round(wide)), int(std::round(high)));
@@ -50,8 +49,8 @@ void VXRSubviewAbsolverView::drawSubviewIntoContext(View& view, Context& context
 {
     const bool toScreen = GraphicsContext::currentContextDrawingToScreen();
     const AffineTransform t = context.currentTransform();
-    const bool onPixels
-        = t.m12 == 0 && t.m21 == 0 && t.m11 > 0 && t.m22 == -t.m11 && isWhole(t.tX) && isWhole(t.tY);
+    const bool onPixels = t.m12 == 0 && t.m21 == 0 && t.m11 > 0 && t.m22 == -t.m11 && isNearlyWhole(t.tX)
+        && isNearlyWhole(t.tY);
     const auto picture = toScreen && onPixels ? pictureOfSubview(view, t.m11) : nullptr;
     if (!picture) {
         drawUpright(view, context, toScreen);

@@ -40,12 +40,7 @@ std::pair<int, int> opaqueRun(const std::uint32_t* row, int middle, int x0, int 
 
 } // namespace
 
-TileBox intersection(const TileBox& a, const TileBox& b)
-{
-    return { std::max(a.x0, b.x0), std::max(a.y0, b.y0), std::min(a.x1, b.x1), std::min(a.y1, b.y1) };
-}
-
-bool isTransparent(const TilePixels& tile, const TileBox& within)
+bool isTransparent(const TilePixels& tile, const IntRect& within)
 {
     for (int y = within.y0; y < within.y1; ++y)
         if (hasInk(rowAt(tile, y), within.x0, within.x1))
@@ -53,9 +48,9 @@ bool isTransparent(const TilePixels& tile, const TileBox& within)
     return true;
 }
 
-TileBox inkBox(const TilePixels& tile, const TileBox& within)
+IntRect inkBox(const TilePixels& tile, const IntRect& within)
 {
-    TileBox ink = within;
+    IntRect ink = within;
     while (ink.y0 < ink.y1 && !hasInk(rowAt(tile, ink.y0), within.x0, within.x1))
         ++ink.y0;
     while (ink.y0 < ink.y1 && !hasInk(rowAt(tile, ink.y1 - 1), within.x0, within.x1))
@@ -78,17 +73,17 @@ TileBox inkBox(const TilePixels& tile, const TileBox& within)
     return ink;
 }
 
-TileBox opaqueBox(const TilePixels& tile, const TileBox& within)
+IntRect opaqueBox(const TilePixels& tile, const IntRect& within)
 {
     if (within.isEmpty())
         return {};
     const int middleX = (within.x0 + within.x1) / 2, middleY = (within.y0 + within.y1) / 2;
     auto [left, right] = opaqueRun(rowAt(tile, middleY), middleX, within.x0, within.x1);
-    TileBox box { left, middleY, right, middleY + 1 }, best = box;
+    IntRect box { left, middleY, right, middleY + 1 }, best = box;
     if (box.isEmpty())
         return {};
 
-    const auto area = [](const TileBox& b) { return double(b.width()) * b.height(); };
+    const auto area = [](const IntRect& b) { return double(b.width()) * b.height(); };
     bool up = true, down = true;
     const auto extend = [&, &l = left, &r = right](int y) {
         const auto [from, to] = opaqueRun(rowAt(tile, y), middleX, l, r);

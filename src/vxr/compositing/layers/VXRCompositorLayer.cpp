@@ -300,9 +300,8 @@ Rect VXRCompositorLayer::rectWhoseTilesShow(const Rect& visible) const
             visible.minY() - (cast.maxY() - visible.maxY()), cast.size.width, cast.size.height };
     }
     const Point origin = _renderable->alignmentBounds().origin;
-    const auto isWhole = [](float v) { return std::abs(v - std::round(v)) < 1e-3f; };
-    if (isWhole((origin.x - visible.minX()) * _zoomFactor)
-        && isWhole((origin.y - visible.minY()) * _zoomFactor))
+    if (isNearlyWhole((origin.x - visible.minX()) * _zoomFactor)
+        && isNearlyWhole((origin.y - visible.minY()) * _zoomFactor))
         return showing;
     return insetRect(showing, -1 / _zoomFactor, -1 / _zoomFactor);
 }

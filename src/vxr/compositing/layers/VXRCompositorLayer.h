@@ -88,9 +88,10 @@ private:
     void _rebuild();
     void _updateTile(VXRTile&);
     void renderIntoTile(VXRTile&);
-    void drawIntoContext(VXRTile&, Context&, bool wholly);
+    void drawTile(VXRTile&);
+    void drawIntoContext(VXRTile&, Context&);
     Rect invalidLayerRect() const;
-    Rect invalidRows(const VXRTile&) const;
+    IntRect invalidRows(const VXRTile&) const;
     Rect rectWhoseTilesShow(const Rect& visible) const;
     void prepareGrid(const Rect& visible);
     void markStaleTilesDirty();

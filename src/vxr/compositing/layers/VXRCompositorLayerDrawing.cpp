@@ -31,9 +31,16 @@ private:
 
 void VXRCompositorLayer::_updateTile(VXRTile& tile)
 {
+    _renderable->drawWhereBoundsWereComputed([&] { drawTile(tile); });
+}
+
+void VXRCompositorLayer::drawTile(VXRTile& tile)
+{
     const bool mixed = hasShadow() && hasMixedContent();
     tile.setArea(scaleRect(_renderable->alignmentBounds()));
-    {
+    const bool wholly = _completelyInvalid || tile.isDirty() || _invalidRect == Rect {};
+    tile.beginUpdate(wholly ? tile.bitmapRect() : invalidRows(tile), !wholly || shouldClearOnUpdate());
+    try {
         const RenderingMode mode(*this, mixed ? VXRRenderingModeShadowed : VXRRenderingModeSingle);
         renderIntoTile(tile);
         tile.buildShadow(_renderable->shadow());
@@ -46,9 +53,11 @@ void VXRCompositorLayer::_updateTile(VXRTile& tile)
         }
         if (_renderable->canvas() && _renderable->canvas()->isAccelerated())
             tile.updateTextures();
+    } catch (...) {
+        tile.abandonUpdate();
+        throw;
     }
     tile.finishUpdate();
-    tile.setDirty(false);
     _invalidShadow = false;
 }
 
@@ -56,22 +65,21 @@ void VXRCompositorLayer::_updateTile(VXRTile& tile)
 /// more on either side for smooth edges. Rows and not a box: the rasteriser cuts outlines where they leave
 /// a clip at its sides, and samples a row with such a cut less finely, so that only whole rows come out
 /// exactly as in a drawing of everything.
-Rect VXRCompositorLayer::invalidRows(const VXRTile& tile) const
+IntRect VXRCompositorLayer::invalidRows(const VXRTile& tile) const
 {
     const Rect changed = boundsOfTransformedRect(_renderable->transform(), _invalidRect);
     const Point origin = _renderable->alignmentBounds().origin, offset = offsetForIndex(tile.index());
     const Rect scaled = scaleRect(offsetRect(changed, -origin.x, -origin.y));
-    const Rect rows = insetRect(integralRect(offsetRect(scaled, -offset.x, -offset.y)), 0, -1);
-    return { -tile.shadowBuffer().width, rows.minY(), float(tile.pixelsWide()), rows.size.height };
+    const Rect rows = integralRect(offsetRect(scaled, -offset.x, -offset.y));
+    const int margin = int(tile.shadowBuffer().height);
+    return { 0, pixelCoordinate(rows.minY()) + margin - 1, tile.pixelsWide(),
+        pixelCoordinate(rows.maxY()) + margin + 1 };
 }
 
 void VXRCompositorLayer::renderIntoTile(VXRTile& tile)
 {
     const bool shadowless = renderingMode() == VXRRenderingModeShadowless;
-    const bool wholly = _completelyInvalid || tile.isDirty() || _invalidRect == Rect {}
-        || (shadowless && tile.isShadowlessContextFresh());
-    Context& context = shadowless ? tile.shadowlessContext() : tile.shadowedContext();
-    drawIntoContext(tile, context, wholly);
+    drawIntoContext(tile, shadowless ? tile.shadowlessContext() : tile.shadowedContext());
 }
 
 namespace {
@@ -93,7 +101,7 @@ float wholeIfNearly(double pixels)
 
 } // namespace
 
-void VXRCompositorLayer::drawIntoContext(VXRTile& tile, Context& context, bool wholly)
+void VXRCompositorLayer::drawIntoContext(VXRTile& tile, Context& context)
 {
     const Rect bounds = _renderable->alignmentBounds();
     const Point offset = offsetForIndex(tile.index());
@@ -115,15 +123,6 @@ void VXRCompositorLayer::drawIntoContext(VXRTile& tile, Context& context, bool w
     const Rect shown = insetRect(
         { -offset.x, -offset.y, std::ceil(scaled.size.width), std::ceil(scaled.size.height) }, -out, -out);
     context.clipToRect(shown);
-    const Rect whole { -margin.width, -margin.height, float(tile.pixelsWide()), float(tile.pixelsHigh()) };
-    if (!wholly) {
-        context.setShouldAntialias(false);
-        context.clipToRect(invalidRows(tile));
-        context.clearRect(whole);
-        context.setShouldAntialias(true);
-    } else if (shouldClearOnUpdate()) {
-        context.clearRect(whole);
-    }
 
     const double zoom = _zoomFactor;
     context.concatTransform(
@@ -136,7 +135,7 @@ void VXRCompositorLayer::drawIntoContext(VXRTile& tile, Context& context, bool w
         _renderable->drawRect(part);
         return;
     }
-    context.setLayerReach({ shown.minX() + margin.width, 0, shown.size.width, whole.size.height });
+    context.setLayerReach({ shown.minX() + margin.width, 0, shown.size.width, float(tile.pixelsHigh()) });
     context.beginTransparencyLayer();
     _renderable->drawRect(part);
     context.endTransparencyLayer();

@@ -10,6 +10,7 @@
 #include <vxr/platform/graphics/BitmapContext.h>
 #include <vxr/platform/graphics/pixels/Blur.h>
 #include <vxr/platform/graphics/pixels/LayerBlend.h>
+#include <vxr/protocols/PaintedExtent.h>
 #include <vxr/protocols/VXRCanvasRole.h>
 #include <vxr/protocols/VXRLayeredRenderable.h>
 
@@ -25,8 +26,8 @@ constexpr int defaultTileSize = 1024, largestTileSize = 2048;
 /// A bitmap's side; a layer that may not be tiled can ask for more than there is.
 constexpr int largestSide = 32000;
 
-/// What may stick out of the alignment bounds, in canvas points, as for the erasing of renderables.
-constexpr float overflowPoints = 5;
+/// In pixels. What sticks out further, as at scales of hundreds, is cut.
+constexpr int farthestOverflow = 1024;
 
 /// A coordinate that single precision has left a little above a whole number takes no further pixel.
 int pixelsFor(float length)
@@ -117,13 +118,21 @@ int VXRTile::neededMargin() const
     return mOverflow + (shadow ? blurReach(float(shadow->radius()) * shadowScale() / 3) : 0);
 }
 
+void VXRTile::setIndex(int index)
+{
+    if (index != mIndex)
+        resize(mWide, mHigh);
+    mIndex = index;
+}
+
 void VXRTile::setArea(const Rect& scaled)
 {
     if (!mFixed) {
         mAreaWide = pixelsFor(scaled.size.width);
         mAreaHigh = pixelsFor(scaled.size.height);
     }
-    mOverflow = std::clamp(int(std::ceil(overflowPoints * mZoom)), 1, 64);
+    const float outset = mLayer.renderable()->paintedOutset() + paintingSlack(mZoom);
+    mOverflow = std::clamp(pixelCoordinate(std::ceil(outset * mZoom)), 1, farthestOverflow);
     const int margin = neededMargin();
     const int wide = std::min(mAreaWide + 2 * margin, largestSide);
     const int high = std::min(mAreaHigh + 2 * margin, largestSide);
@@ -152,13 +161,49 @@ std::size_t VXRTile::byteSize() const
 
 // Drawing.
 
+void VXRTile::beginUpdate(const IntRect& part, bool clears)
+{
+    mPart = part;
+    mClears = clears;
+}
+
+namespace {
+
+/// Copies the pixels of `box` between two images, of which each starts at its own place.
+void copyPixels(const IntRect& box, const std::uint32_t* from, const IntRect& fromBox, std::uint32_t* to,
+    const IntRect& toBox)
+{
+    if (box.isEmpty())
+        return;
+    const auto at = [&](const IntRect& image, int y) {
+        return std::ptrdiff_t(y - image.y0) * image.width() + (box.x0 - image.x0);
+    };
+    for (int y = box.y0; y < box.y1; ++y)
+        std::copy_n(from + at(fromBox, y), box.width(), to + at(toBox, y));
+}
+
+bool contains(const IntRect& outer, const IntRect& inner) { return intersection(outer, inner) == inner; }
+
+} // namespace
+
 Context& VXRTile::contextOf(Plane& plane)
 {
-    if (plane.pixels.empty())
-        plane.pixels.assign(std::size_t(mWide) * std::size_t(mHigh), 0);
-    if (!plane.context)
-        plane.context
-            = BitmapContext::createWithPixels(plane.pixels.data(), mWide, mHigh, std::size_t(mWide) * 4);
+    if (plane.context)
+        return *plane.context;
+    const IntRect whole = bitmapRect();
+    plane.part = plane.isDrawn ? intersection(mPart, whole) : whole;
+    if (plane.part.isEmpty())
+        plane.part = {};
+    const IntRect& part = plane.part;
+    plane.bitmap = ScratchPixels(std::size_t(mWide) * std::size_t(mHigh));
+    std::uint32_t* const pixels = plane.bitmap.data();
+    for (int y = part.y0; y < part.y1; ++y)
+        std::fill_n(pixels + std::ptrdiff_t(y) * mWide + part.x0, part.width(), 0u);
+    if (!mClears)
+        copyPixels(intersection(plane.ink, part), plane.pixels.data(), plane.ink, pixels, whole);
+    plane.context = BitmapContext::createWithPixels(pixels, mWide, mHigh, std::size_t(mWide) * 4);
+    plane.context->clipToRect(
+        { float(part.x0), float(mHigh - part.y1), float(part.width()), float(part.height()) });
     return *plane.context;
 }
 
@@ -168,54 +213,72 @@ Context& VXRTile::shadowlessContext() { return contextOf(mShadowless); }
 
 void VXRTile::freeShadowlessData() { mShadowless = {}; }
 
-void VXRTile::finishUpdate()
+/// Takes what was drawn, as far as it lies within `limit`, over from the bitmap.
+void VXRTile::keep(Plane& plane, const IntRect& limit)
 {
-    mShadowed.context.reset();
-    mShadowless.context.reset();
-    examine(mShadowed);
-    examine(mShadowless);
+    if (!plane.context)
+        return;
+    plane.context.reset();
+    const IntRect whole = bitmapRect();
+    const std::uint32_t* const drawn = plane.bitmap.data();
+    const IntRect part = intersection(plane.part, limit);
+    IntRect ink = part.isEmpty() ? IntRect {} : inkBox({ drawn, mWide }, part);
+    if (!contains(plane.part, plane.ink))
+        ink = unionOf(ink, intersection(plane.ink, limit));
+    if (ink.isEmpty())
+        ink = {};
+    if (ink != plane.ink) {
+        std::vector<std::uint32_t> pixels(std::size_t(ink.area()));
+        copyPixels(intersection(ink, plane.ink), plane.pixels.data(), plane.ink, pixels.data(), ink);
+        plane.pixels = std::move(pixels);
+        plane.ink = ink;
+    }
+    copyPixels(intersection(ink, part), drawn, whole, plane.pixels.data(), ink);
+    plane.bitmap = {};
+    plane.isDrawn = true;
+    plane.opaque = opaqueBox({ plane.pixels.data(), ink.width() }, { 0, 0, ink.width(), ink.height() })
+                       .moved(ink.x0, ink.y0);
 }
 
-void VXRTile::examine(Plane& plane)
+void VXRTile::finishUpdate()
 {
-    if (plane.pixels.empty())
-        return;
-    const TilePixels view { plane.pixels.data(), mWide };
-    const TileBox ink = inkBox(view, { 0, 0, mWide, mHigh });
-    const TileBox opaque = opaqueBox(view, ink);
-    plane.inkX0 = ink.x0, plane.inkY0 = ink.y0, plane.inkX1 = ink.x1, plane.inkY1 = ink.y1;
-    plane.opaqueX0 = opaque.x0, plane.opaqueY0 = opaque.y0;
-    plane.opaqueX1 = opaque.x1, plane.opaqueY1 = opaque.y1;
+    // A shadow's mask is made of the margins too.
+    const IntRect limit = mMask.empty() ? intersection(shownBox(), bitmapRect()) : bitmapRect();
+    keep(mShadowed, limit);
+    keep(mShadowless, limit);
+    mDirty = false;
 }
+
+void VXRTile::abandonUpdate() { resize(mWide, mHigh); }
 
 // Only what the blur can reach is kept: a mask as large as the ink and the reach around it.
 void VXRTile::buildShadow(const std::shared_ptr<VXRShadow>& shadow)
 {
     mMask = {};
-    if (!shadow || mShadowed.pixels.empty())
+    if (!shadow)
         return;
-    const float sigma = float(shadow->radius()) * shadowScale() / 3;
-    const TileBox bitmap { 0, 0, mWide, mHigh };
-    const TileBox ink = inkBox({ mShadowed.pixels.data(), mWide }, bitmap);
+    keep(mShadowed, bitmapRect());
+    const IntRect& ink = mShadowed.ink;
     if (ink.isEmpty())
         return;
-    const TileBox box = intersection(ink.grown(blurReach(sigma)), bitmap);
-    mMaskX = box.x0, mMaskY = box.y0, mMaskWide = box.width(), mMaskHigh = box.height();
-    mMask.assign(std::size_t(mMaskWide) * std::size_t(mMaskHigh), 0);
+    const float sigma = float(shadow->radius()) * shadowScale() / 3;
+    mMaskBox = intersection(ink.grown(blurReach(sigma)), bitmapRect());
+    const int wide = mMaskBox.width(), high = mMaskBox.height();
+    mMask.assign(std::size_t(mMaskBox.area()), 0);
+    const std::uint32_t* from = mShadowed.pixels.data();
     for (int y = ink.y0; y < ink.y1; ++y) {
-        const std::uint32_t* from = mShadowed.pixels.data() + std::ptrdiff_t(y) * mWide + ink.x0;
-        std::uint8_t* to = mMask.data() + std::ptrdiff_t(y - box.y0) * mMaskWide + (ink.x0 - box.x0);
+        std::uint8_t* to = mMask.data() + std::ptrdiff_t(y - mMaskBox.y0) * wide + (ink.x0 - mMaskBox.x0);
         for (int x = 0; x < ink.width(); ++x)
-            to[x] = std::uint8_t(from[x] >> 24);
+            to[x] = std::uint8_t(*from++ >> 24);
     }
-    blurA8(mMask.data(), mMaskWide, mMaskWide, mMaskHigh, sigma, mMask.data(), mMaskWide);
+    blurA8(mMask.data(), wide, wide, high, sigma, mMask.data(), wide);
 }
 
 // Records.
 
 /// The part of the bitmap that this tile shows of its layer: its own square towards other tiles, and what
 /// sticks out of the layer where there are none.
-TileBox VXRTile::shownBox() const
+IntRect VXRTile::shownBox() const
 {
     const int left = mShadowClip & VXRTileSideLeft ? 0 : mOverflow;
     const int right = mShadowClip & VXRTileSideRight ? 0 : mOverflow;
@@ -226,25 +289,25 @@ TileBox VXRTile::shownBox() const
 
 LayerInfo* VXRTile::infoOf(Plane& plane)
 {
-    if (plane.pixels.empty())
-        return nullptr;
     const int x = int(mPosition.x) - mMargin, y = int(mPosition.y) - mMargin;
-    const TileBox shown = intersection(shownBox(), { plane.inkX0, plane.inkY0, plane.inkX1, plane.inkY1 });
-    const TileBox opaque
-        = intersection(shown, { plane.opaqueX0, plane.opaqueY0, plane.opaqueX1, plane.opaqueY1 });
+    const IntRect shown = intersection(shownBox(), plane.ink).moved(x, y);
+    if (shown.isEmpty())
+        return nullptr;
+    const IntRect frame = plane.ink.moved(x, y);
+    const IntRect opaque = intersection(shown, plane.opaque.moved(x, y));
     LayerInfo& info = plane.info;
     info = {};
     info.layerInfoVersion = 1;
     info.bitmapType = LayerBitmap32;
     info.colorData = plane.pixels.data();
-    info.colorBytesPerRow = mWide * 4;
-    info.frameMinX = x, info.frameMaxX = x + mWide;
-    info.frameMinY = y, info.frameMaxY = y + mHigh;
-    info.clipMinX = x + shown.x0, info.clipMaxX = x + shown.x1 - 1;
-    info.clipMinY = y + shown.y0, info.clipMaxY = y + shown.y1 - 1;
+    info.colorBytesPerRow = frame.width() * 4;
+    info.frameMinX = frame.x0, info.frameMaxX = frame.x1;
+    info.frameMinY = frame.y0, info.frameMaxY = frame.y1;
+    info.clipMinX = shown.x0, info.clipMaxX = shown.x1 - 1;
+    info.clipMinY = shown.y0, info.clipMaxY = shown.y1 - 1;
     if (!opaque.isEmpty()) {
-        info.opaqueMinX = x + opaque.x0, info.opaqueMaxX = x + opaque.x1;
-        info.opaqueMinY = y + opaque.y0, info.opaqueMaxY = y + opaque.y1;
+        info.opaqueMinX = opaque.x0, info.opaqueMaxX = opaque.x1;
+        info.opaqueMinY = opaque.y0, info.opaqueMaxY = opaque.y1;
     }
     info.fade = mLayer.renderable()->opacity();
     return &info;
@@ -271,11 +334,11 @@ LayerInfo* VXRTile::shadowInfo()
     info.layerInfoVersion = 1;
     info.bitmapType = LayerBitmapMask;
     info.alphaData = mMask.data();
-    info.alphaBytesPerRow = mMaskWide;
+    info.alphaBytesPerRow = mMaskBox.width();
     info.constantColor = packedShadowColor(*shadow, mLayer.renderable()->opacity());
     info.fade = mLayer.renderable()->opacity();
-    info.frameMinX = x + mMaskX, info.frameMaxX = info.frameMinX + mMaskWide;
-    info.frameMinY = y + mMaskY, info.frameMaxY = info.frameMinY + mMaskHigh;
+    info.frameMinX = x + mMaskBox.x0, info.frameMaxX = x + mMaskBox.x1;
+    info.frameMinY = y + mMaskBox.y0, info.frameMaxY = y + mMaskBox.y1;
     info.clipMinX = info.frameMinX, info.clipMaxX = info.frameMaxX - 1;
     info.clipMinY = info.frameMinY, info.clipMaxY = info.frameMaxY - 1;
     if (mShadowClip & VXRTileSideLeft)
@@ -293,16 +356,16 @@ LayerInfo* VXRTile::shadowInfo()
 
 bool VXRTile::rectIsTransparent(const Rect& r) const
 {
-    const auto clamped = [](double v) { return int(std::clamp(v, -1e6, 1e6)); };
-    const TileBox box = intersection({ 0, 0, mAreaWide, mAreaHigh },
-        { clamped(std::floor(double(r.minX()))), clamped(std::floor(double(r.minY()))),
-            clamped(std::ceil(double(r.maxX()))), clamped(std::ceil(double(r.maxY()))) });
-    if (box.isEmpty())
-        return true;
-    const TileBox inBitmap { box.x0 + mMargin, box.y0 + mMargin, box.x1 + mMargin, box.y1 + mMargin };
-    for (const Plane* plane : { &mShadowed, &mShadowless })
-        if (!plane->pixels.empty() && !isTransparent({ plane->pixels.data(), mWide }, inBitmap))
+    const IntRect box = intersection({ 0, 0, mAreaWide, mAreaHigh },
+        { pixelCoordinate(std::floor(r.minX())), pixelCoordinate(std::floor(r.minY())),
+            pixelCoordinate(std::ceil(r.maxX())), pixelCoordinate(std::ceil(r.maxY())) });
+    for (const Plane* plane : { &mShadowed, &mShadowless }) {
+        const IntRect part = intersection(box.moved(mMargin, mMargin), plane->ink);
+        if (!part.isEmpty()
+            && !isTransparent(
+                { plane->pixels.data(), plane->ink.width() }, part.moved(-plane->ink.x0, -plane->ink.y0)))
             return false;
+    }
     return true;
 }
 

@@ -1,8 +1,10 @@
 #pragma once
 
+#include <vxr/compositing/layers/ScratchPixels.h>
 #include <vxr/platform/base/Object.h>
 #include <vxr/platform/graphics/Context.h>
 #include <vxr/platform/graphics/pixels/LayerInfo.h>
+#include <vxr/platform/graphics/values/IntRect.h>
 
 #include <vector>
 
@@ -11,7 +13,6 @@ namespace vxr {
 class VXRCompositorLayer;
 class VXRShadow;
 class VXRTexture;
-struct TileBox;
 
 /// Sides of a tile at which its shadow is cut, because another tile of the grid goes on there.
 enum VXRTileSide : int {
@@ -24,10 +25,11 @@ enum VXRTileSide : int {
 /// One piece of a compositor layer's pixels: the content that casts the shadow, the content that does
 /// not, and the shadow as a mask.
 ///
-/// Its bitmaps have a margin on every side, the shadow buffer. On the outer sides of a layer the margin
-/// holds what sticks out of the alignment bounds (smooth edges, joins) and room for the blur; towards
-/// another tile it repeats what that tile shows, so that the shadow near the seam is blurred from
-/// everything that is there, and only the tile's own square of it is shown.
+/// It is drawn in a bitmap with a margin on every side, the shadow buffer. On the outer sides of a layer the
+/// margin holds what sticks out of the alignment bounds (caps, smooth edges) and room for the blur; towards
+/// another tile it repeats what that tile shows, so that the shadow near the seam is blurred from everything
+/// that is there, and only the tile's own square of it is shown. Of what was drawn the tile keeps the
+/// smallest box around all that isn't transparent; a tile without any such pixel keeps nothing.
 class VXR_EXPORT VXRTile final : public Object {
 public:
     /// Side of the squares that a large layer is split into, in pixels: the user default
@@ -41,7 +43,7 @@ public:
     ~VXRTile() override;
 
     int index() const { return mIndex; } ///< in the layer's grid, row by row
-    void setIndex(int index) { mIndex = index; }
+    void setIndex(int index); ///< another one drops the pixels
     bool isDirty() const { return mDirty; } ///< none of its pixels is worth keeping
     void setDirty(bool dirty) { mDirty = dirty; }
     float zoom() const { return mZoom; }
@@ -58,15 +60,20 @@ public:
     int overflow() const { return mOverflow; }
     std::size_t byteSize() const; ///< memory of all bitmaps
 
-    // Drawing. The contexts are made on first use; y up, one unit one pixel, margin included.
+    // Drawing, between the begin and the end of an update.
+    /// `part` of the bitmap, from its upper left corner, is what is drawn anew; nothing else can be changed.
+    /// It is transparent at first, or as it was unless `clears`. What was never drawn is drawn wholly.
+    void beginUpdate(const IntRect& part, bool clears);
+    IntRect bitmapRect() const { return { 0, 0, mWide, mHigh }; }
+    // y up, one unit one pixel, margin included, clipped to the part.
     Context& shadowedContext();
     Context& shadowlessContext();
-    bool isShadowlessContextFresh() const { return mShadowless.pixels.empty(); }
     void freeShadowlessData();
-    /// Looks at what has been drawn and blurs it into the shadow's mask; none drops the mask.
+    /// Blurs what has been drawn into the shadow's mask; none drops the mask.
     void buildShadow(const std::shared_ptr<VXRShadow>&);
     void setShadowClip(int sides) { mShadowClip = sides; } ///< bits of `VXRTileSide`
-    void finishUpdate(); ///< lets go of the contexts, keeps the pixels
+    void finishUpdate(); ///< keeps what was drawn
+    void abandonUpdate(); ///< when drawing failed: the tile is empty and dirty
 
     // What is blended. Valid until the next call or change of the tile; none where there is nothing.
     void offsetTo(Point upperLeft) { mPosition = upperLeft; } ///< pixels from the visible area's
@@ -93,17 +100,21 @@ public:
 private:
     /// One bitmap of the tile.
     struct Plane {
-        std::vector<std::uint32_t> pixels;
-        std::shared_ptr<Context> context;
+        std::vector<std::uint32_t> pixels; ///< those of `ink`
+        IntRect ink; ///< of the bitmap; encloses all that is not transparent
+        IntRect opaque;
         LayerInfo info;
-        int inkX0 = 0, inkY0 = 0, inkX1 = 0, inkY1 = 0; ///< encloses all that is not transparent
-        int opaqueX0 = 0, opaqueY0 = 0, opaqueX1 = 0, opaqueY1 = 0;
+        bool isDrawn = false;
+        // While it is being drawn.
+        ScratchPixels bitmap;
+        IntRect part; ///< what is drawn anew
+        std::shared_ptr<Context> context;
     };
 
     void resize(int wide, int high);
     Context& contextOf(Plane&);
-    void examine(Plane&);
-    TileBox shownBox() const;
+    void keep(Plane&, const IntRect& limit);
+    IntRect shownBox() const;
     LayerInfo* infoOf(Plane&);
     float shadowScale() const;
     int neededMargin() const;
@@ -116,11 +127,13 @@ private:
     int mAreaWide = 0, mAreaHigh = 0;
     int mOverflow = 0, mMargin = 0;
     int mWide = 0, mHigh = 0;
+    IntRect mPart;
+    bool mClears = true;
     Plane mShadowed, mShadowless;
     Point mPosition;
     int mShadowClip = 0;
     std::vector<std::uint8_t> mMask; ///< the blurred coverage
-    int mMaskX = 0, mMaskY = 0, mMaskWide = 0, mMaskHigh = 0; ///< its place in the bitmap
+    IntRect mMaskBox; ///< its place in the bitmap
     LayerInfo mShadowInfo;
 };
 

@@ -16,24 +16,18 @@ namespace {
 
 /// Pixels that a rectangle of window coordinates touches. What single precision leaves of a coordinate
 /// that is meant to be whole counts as whole.
-PixelBox touchedPixels(const Rect& r, int height)
+IntRect touchedPixels(const Rect& r, int height)
 {
     if (r.isEmpty())
         return {};
     constexpr double slack = 1.0 / 256;
-    const auto clamped = [](double v) { return int(std::clamp(v, -1e6, 1e6)); };
-    return { clamped(std::floor(double(r.minX()) + slack)),
-        clamped(std::floor(height - (double(r.origin.y) + double(r.size.height)) + slack)),
-        clamped(std::ceil(double(r.origin.x) + double(r.size.width) - slack)),
-        clamped(std::ceil(height - double(r.minY()) - slack)) };
+    return { pixelCoordinate(std::floor(double(r.minX()) + slack)),
+        pixelCoordinate(std::floor(height - (double(r.origin.y) + double(r.size.height)) + slack)),
+        pixelCoordinate(std::ceil(double(r.origin.x) + double(r.size.width) - slack)),
+        pixelCoordinate(std::ceil(height - double(r.minY()) - slack)) };
 }
 
-Rect rectOf(const PixelBox& box)
-{
-    return { float(box.x0), float(box.y0), float(box.x1 - box.x0), float(box.y1 - box.y0) };
-}
-
-Rect inWindow(const PixelBox& box, int height)
+Rect inWindow(const IntRect& box, int height)
 {
     return { float(box.x0), float(height - box.y1), float(box.x1 - box.x0), float(box.y1 - box.y0) };
 }
@@ -42,7 +36,7 @@ Rect inWindow(const PixelBox& box, int height)
 void joinBoxes(PixelRegion& region)
 {
     double area = 0;
-    for (const PixelBox& box : region.boxes())
+    for (const IntRect& box : region.boxes())
         area += box.area();
     if (region.boxCount() > 1 && region.extents().area() <= area * 1.25)
         region = PixelRegion(region.extents());
@@ -164,13 +158,12 @@ void Window::unlockBits()
 
 bool Window::movePixels(const Rect& area, float dx, float dy)
 {
-    const PixelBox box = intersection(touchedPixels(area, mHeight), { 0, 0, mWidth, mHeight });
-    const auto isWhole = [](float v) { return std::abs(v - std::round(v)) < 1e-3f; };
+    const IntRect box = intersection(touchedPixels(area, mHeight), { 0, 0, mWidth, mHeight });
     for (const float v : { area.minX(), area.minY(), area.maxX(), area.maxY(), dx, dy })
-        if (!isWhole(v))
+        if (!isNearlyWhole(v))
             return false;
     const int right = int(std::lround(dx)), down = int(-std::lround(dy));
-    const PixelBox to = intersection(box, { box.x0 + right, box.y0 + down, box.x1 + right, box.y1 + down });
+    const IntRect to = intersection(box, { box.x0 + right, box.y0 + down, box.x1 + right, box.y1 + down });
     mDamage->region.add(box);
     if (to.isEmpty())
         return true;
@@ -188,8 +181,8 @@ std::vector<Rect> Window::takeDamage()
     std::vector<Rect> rects;
     if (areScreenUpdatesDisabled())
         return rects;
-    for (const PixelBox& box : mDamage->region.boxes())
-        rects.push_back(rectOf(box));
+    for (const IntRect& box : mDamage->region.boxes())
+        rects.push_back(box.rect());
     mDamage->region.clear();
     return rects;
 }
@@ -272,13 +265,13 @@ PixelRegion Window::drawView(View& view, const PixelRegion& beneath, FirstFailur
     if (view.isHidden())
         return {};
     const View::Mapping toWindow = view.mappingToWindow();
-    const PixelBox visible
+    const IntRect visible
         = intersection(touchedPixels(toWindow.map(view.visibleRect()), mHeight), { 0, 0, mWidth, mHeight });
     const bool covers = view.isOpaque() || !view.superview();
     const std::vector<Rect> dirtyRects = std::exchange(view.mDirtyRects, {}); // drawing may ask for more
     PixelRegion drawn = beneath;
     for (const Rect& dirty : dirtyRects) {
-        const PixelBox box = intersection(touchedPixels(toWindow.map(dirty), mHeight), visible);
+        const IntRect box = intersection(touchedPixels(toWindow.map(dirty), mHeight), visible);
         if (covers)
             drawn.add(box);
         else if (!beneath.contains(box))
@@ -289,7 +282,7 @@ PixelRegion Window::drawView(View& view, const PixelRegion& beneath, FirstFailur
         joinBoxes(drawn);
 
     mDamage->region.add(drawn);
-    for (const PixelBox& box : drawn.boxes())
+    for (const IntRect& box : drawn.boxes())
         if (view.window() == this)
             drawBoxOfView(view, box, failure);
     if (view.drawsSubviewsSeparately())
@@ -310,7 +303,7 @@ void Window::drawSubviews(View& view, PixelRegion& drawn, const View* behind, Fi
     }
 }
 
-void Window::drawBoxOfView(View& view, const PixelBox& box, FirstFailure& failure)
+void Window::drawBoxOfView(View& view, const IntRect& box, FirstFailure& failure)
 {
     const Rect area = inWindow(box, mHeight);
     const Rect dirty = view.mappingToWindow().inverse().map(area);
@@ -322,7 +315,7 @@ void Window::drawBoxOfView(View& view, const PixelBox& box, FirstFailure& failur
         mContext->setBaseTransform({});
         mContext->clipToRect(area);
         mContext->concatTransform(current);
-        mRedrawn = rectOf(box);
+        mRedrawn = box.rect();
         view.drawRect(view.rectToDrawForDirtyRect(dirty));
     });
     mRedrawn = outer;

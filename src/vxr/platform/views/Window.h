@@ -9,7 +9,7 @@ namespace vxr {
 
 class FirstFailure;
 class PixelRegion;
-struct PixelBox;
+struct IntRect;
 
 /// The pixels of a locked window. A separate alpha plane has one byte per pixel; without one its base is
 /// null. `writable` is where something may be drawn now, in pixels from the upper left corner.
@@ -87,7 +87,7 @@ private:
     /// Answers all that was drawn.
     PixelRegion drawView(View&, const PixelRegion& beneath, FirstFailure&);
     void drawSubviews(View&, PixelRegion& drawn, const View* behind, FirstFailure&);
-    void drawBoxOfView(View&, const PixelBox&, FirstFailure&);
+    void drawBoxOfView(View&, const IntRect&, FirstFailure&);
     void focus(View&);
     static void unfocus(View&);
     static View* focusedView();

@@ -16,9 +16,9 @@ namespace {
 
 /// What a layer may touch. An inclusive limit of the largest integer can't be made half-open, and no
 /// frame reaches that far.
-PixelBox touchedBox(const LayerInfo& layer)
+IntRect touchedBox(const LayerInfo& layer)
 {
-    const PixelBox frame { layer.frameMinX, layer.frameMinY, layer.frameMaxX, layer.frameMaxY };
+    const IntRect frame { layer.frameMinX, layer.frameMinY, layer.frameMaxX, layer.frameMaxY };
     const auto next = [](std::int32_t last) { return last == INT32_MAX ? last : last + 1; };
     return intersection(
         frame, { layer.clipMinX, layer.clipMinY, next(layer.clipMaxX), next(layer.clipMaxY) });
@@ -51,7 +51,7 @@ bool isBlendable(const LayerInfo& layer)
 /// One box of one layer to be drawn.
 struct Step {
     const LayerInfo* layer;
-    PixelBox box;
+    IntRect box;
     std::uint32_t color; ///< premultiplied and faded, for layers that have one
     std::uint8_t fade;
     bool copies; ///< opaque: what lies below is not needed
@@ -62,18 +62,18 @@ struct Step {
 constexpr int mostBoxes = 128;
 
 /// Walks the chain from the top and finds what can be seen of each layer. The steps come top first.
-std::vector<Step> visibleSteps(const PixelBox& area, const LayerInfo* top)
+std::vector<Step> visibleSteps(const IntRect& area, const LayerInfo* top)
 {
     std::vector<Step> steps;
     PixelRegion visible(area);
     for (const LayerInfo* layer = top; layer && !visible.isEmpty(); layer = layer->next) {
-        const PixelBox touched = intersection(touchedBox(*layer), area);
+        const IntRect touched = intersection(touchedBox(*layer), area);
         const std::uint8_t fade = fadeByte(layer->fade);
         if (touched.isEmpty() || !fade || !isBlendable(*layer))
             continue;
 
         Step step { layer, touched, 0, fade, false };
-        PixelBox opaque { 0, 0, 0, 0 };
+        IntRect opaque { 0, 0, 0, 0 };
         if (layer->bitmapType != LayerBitmap32) {
             step.color = premultipliedColor(layer->constantColor, layer->fade);
             if (!(step.color >> 24))
@@ -88,20 +88,20 @@ std::vector<Step> visibleSteps(const PixelBox& area, const LayerInfo* top)
         }
 
         if (opaque.isEmpty() || visible.boxCount() > mostBoxes) {
-            visible.forEachBoxWithin(touched, [&](const PixelBox& box) {
+            visible.forEachBoxWithin(touched, [&](const IntRect& box) {
                 step.box = box;
                 steps.push_back(step);
             });
             continue;
         }
         step.copies = true;
-        visible.forEachBoxWithin(opaque, [&](const PixelBox& box) {
+        visible.forEachBoxWithin(opaque, [&](const IntRect& box) {
             step.box = box;
             steps.push_back(step);
         });
         visible.subtract(opaque);
         step.copies = false;
-        visible.forEachBoxWithin(touched, [&](const PixelBox& box) {
+        visible.forEachBoxWithin(touched, [&](const IntRect& box) {
             step.box = box;
             steps.push_back(step);
         });
@@ -125,7 +125,7 @@ std::uint8_t* coverageAt(const LayerInfo& layer, int x, int y)
     return rowOf(layer.alphaData, layer.alphaBytesPerRow, layer, y) + (std::ptrdiff_t(x) - layer.frameMinX);
 }
 
-void copy32(const LayerInfo& destination, const LayerInfo& layer, const PixelBox& box)
+void copy32(const LayerInfo& destination, const LayerInfo& layer, const IntRect& box)
 {
     const std::size_t rowBytes = std::size_t(box.x1 - box.x0) * 4;
     if (std::ptrdiff_t(rowBytes) == destination.colorBytesPerRow
@@ -138,7 +138,7 @@ void copy32(const LayerInfo& destination, const LayerInfo& layer, const PixelBox
         std::memcpy(pixelAt(destination, box.x0, y), pixelAt(layer, box.x0, y), rowBytes);
 }
 
-void draw32(const LayerInfo& destination, const Step& step, const PixelBox& box)
+void draw32(const LayerInfo& destination, const Step& step, const IntRect& box)
 {
     const LayerInfo& layer = *step.layer;
     const std::size_t width = std::size_t(box.x1 - box.x0);
@@ -163,15 +163,15 @@ void draw32(const LayerInfo& destination, const Step& step, const PixelBox& box)
 }
 
 /// Steps from the bottom up, in bands low enough that the destination stays in the cache between them.
-void composite32(const LayerInfo& destination, const PixelBox& area, const std::vector<Step>& steps)
+void composite32(const LayerInfo& destination, const IntRect& area, const std::vector<Step>& steps)
 {
     constexpr int bandBytes = 1 << 18;
     const int bandHeight
         = steps.size() < 2 ? area.y1 - area.y0 : std::max(8, bandBytes / (4 * (area.x1 - area.x0)));
     for (int y = area.y0; y < area.y1; y += bandHeight) {
-        const PixelBox band { area.x0, y, area.x1, std::min(area.y1, y + bandHeight) };
+        const IntRect band { area.x0, y, area.x1, std::min(area.y1, y + bandHeight) };
         for (auto step = steps.rbegin(); step != steps.rend(); ++step) {
-            const PixelBox box = intersection(step->box, band);
+            const IntRect box = intersection(step->box, band);
             if (!box.isEmpty())
                 draw32(destination, *step, box);
         }
@@ -201,7 +201,7 @@ PixmanImage rowImage(pixman_format_code_t format, void* first, int width)
 void draw16(const LayerInfo& destination, const Step& step)
 {
     const LayerInfo& layer = *step.layer;
-    const PixelBox& box = step.box;
+    const IntRect& box = step.box;
     const int width = box.x1 - box.x0;
     PixmanImage source = solidImage(step.color), mask;
     if (layer.bitmapType == LayerBitmap32 && step.fade != 255)
@@ -223,7 +223,7 @@ void draw16(const LayerInfo& destination, const Step& step)
 
 void LayerCompositor::composite(const LayerInfo& destination, const LayerInfo* top)
 {
-    const PixelBox area = touchedBox(destination);
+    const IntRect area = touchedBox(destination);
     if (!destination.colorData || area.isEmpty())
         return;
     if (destination.bitmapType != LayerBitmap32 && destination.bitmapType != LayerBitmap16)
