@@ -21,7 +21,9 @@
 namespace vxr::test {
 
 /// A canvas that shows `visible` in a window whose pixels start at its upper left corner.
-struct FakeCanvas final : VXRCanvasRole {
+struct FakeCanvas : VXRCanvasRole {
+    virtual ~FakeCanvas() = default;
+
     float scale = 1;
     Rect visible { 0, 0, 200, 150 };
     bool flipped = true;

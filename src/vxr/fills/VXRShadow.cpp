@@ -49,8 +49,7 @@ VXRShadow::VXRShadow(float angle, float offset, int radius, float opacity, std::
     , mOpacity(opacity)
     , mColor(color ? std::move(color) : Color::blackColor())
 {
-    setAngle(angle);
-    setOffset(offset);
+    place(angle, offset);
 }
 
 VXRShadow::~VXRShadow() = default;
@@ -68,16 +67,32 @@ std::shared_ptr<VXRShadow> VXRShadow::initWithNSShadow(const NSShadow& shadow)
 
 bool VXRShadow::isNullShadow() const { return isEqual(*nullShadow()); }
 
+std::uint32_t VXRShadow::sChangeCount = 0;
+
 void VXRShadow::setAngle(float degrees)
 {
-    mAngle = std::fmod(degrees, 360.0f);
-    if (mAngle < 0)
-        mAngle += 360.0f;
-    setOffset(mOffset);
+    ++sChangeCount;
+    place(degrees, mOffset);
 }
 
 void VXRShadow::setOffset(float offset)
 {
+    ++sChangeCount;
+    mOffset = offset;
+    VXROriginRotate(mOffset, static_cast<float>(mAngle * radiansPerDegree), &mDisplacement);
+}
+
+void VXRShadow::setRadius(int radius)
+{
+    ++sChangeCount;
+    mRadius = radius;
+}
+
+void VXRShadow::place(float degrees, float offset)
+{
+    mAngle = std::fmod(degrees, 360.0f);
+    if (mAngle < 0)
+        mAngle += 360.0f;
     mOffset = offset;
     VXROriginRotate(mOffset, static_cast<float>(mAngle * radiansPerDegree), &mDisplacement);
 }

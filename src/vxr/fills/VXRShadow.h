@@ -34,9 +34,11 @@ public:
     void setAngle(float degrees);
     float offset() const { return mOffset; }
     void setOffset(float offset);
+    /// Counts the changes that move the bounds of any shadow: several objects may share one, and keep bounds.
+    static std::uint32_t changeCount() { return sChangeCount; }
     Point displacement() const { return mDisplacement; } ///< what angle and offset come to
     int radius() const { return mRadius; }
-    void setRadius(int radius) { mRadius = radius; }
+    void setRadius(int radius);
     float opacity() const { return mOpacity; }
     void setOpacity(float opacity) { mOpacity = opacity; }
     const std::shared_ptr<Color>& color() const { return mColor; } ///< none in the null shadow alone
@@ -76,6 +78,9 @@ private:
     float mOffset = 0;
     int mRadius = 0;
     float mOpacity = 0;
+    void place(float degrees, float offset);
+
+    static std::uint32_t sChangeCount;
     Point mDisplacement; ///< kept: every redraw asks every renderable for it
     std::shared_ptr<Color> mColor;
 };

@@ -26,6 +26,7 @@ public:
     // Damage, in canvas coordinates.
     virtual void setNeedsDisplayInRect(const Rect&) = 0;
     virtual void invalidateRenderable(VXRRenderable&) { } ///< told of each whole invalidation
+    virtual void renderableBoundsMayChange(const VXRRenderable&) { } ///< told before they are asked for again
     virtual void invalidateRenderableInRect(VXRRenderable&, const Rect&) { } ///< and of each partial one
 
     // How things are to be drawn.

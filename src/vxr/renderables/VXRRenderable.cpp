@@ -53,6 +53,7 @@ void VXRRenderable::setShadow(std::shared_ptr<VXRShadow> newShadow)
         = mShadow ? mShadow->differenceRequiresRebuilding(newShadow.get()) : newShadow != nullptr;
     autoErase();
     mShadow = std::move(newShadow);
+    tellOfBounds();
     if (rebuild && mAutoInvalidates)
         invalidateShadow();
     else
@@ -192,12 +193,20 @@ void VXRRenderable::invalidateBoundingBox()
 {
     mGeometricBoundsInvalid = true;
     mAlignmentBoundsInvalid = true;
+    tellOfBounds();
+}
+
+void VXRRenderable::tellOfBounds() const
+{
+    if (mCanvas && mIndexEntry != UINT32_MAX)
+        mCanvas->renderableBoundsMayChange(*this);
 }
 
 void VXRRenderable::_translateBoundingBox(Size delta)
 {
     mGeometricBounds = offsetRect(mGeometricBounds, delta.width, delta.height);
     mAlignmentBounds = offsetRect(mAlignmentBounds, delta.width, delta.height);
+    tellOfBounds();
 }
 
 Rect VXRRenderable::shadowBounds() const

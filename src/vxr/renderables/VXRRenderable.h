@@ -77,6 +77,13 @@ public:
     Rect shadowBoundsForRect(const Rect&) const override; ///< with the canvas's extra shadow transform
     virtual Rect erasableBounds() const; ///< everything that may have been painted
     float paintedOutset() const override; ///< of the content, in canvas units. Cached.
+    /// Encloses the erasable bounds and all points that `containsPoint` accepts.
+    virtual Rect hitBounds() const { return erasableBounds(); }
+    /// Whether the bounds change by nothing that the canvas isn't told of: the operations of this class,
+    /// those of its shadow, and `erase`. A canvas asks all others for their bounds at each redraw, so that
+    /// classes in the library say yes only for themselves, and a subclass that keeps to this says so for
+    /// itself.
+    virtual bool tellsOfChangedBounds() const { return false; }
     virtual Rect computeGeometricBounds() const; ///< never reads the cache
     virtual Rect computeAlignmentBounds() const;
     virtual void invalidateBoundingBox(); ///< has both computed anew when next asked for
@@ -141,8 +148,10 @@ protected:
     virtual float computePaintedOutset() const { return 0; }
 
 private:
+    friend class RenderableIndex;
     friend class VXRTextureSet;
     bool layerCanWait() const;
+    void tellOfBounds() const;
     void renderPass(Context& context, int mode);
     void drawTextures(const std::vector<VXRTexture*>&) const;
 
@@ -156,6 +165,8 @@ private:
     mutable bool mAlignmentBoundsInvalid = true;
     bool mAutoInvalidates = true;
     bool mDynamicallyTransforming = false;
+    mutable std::uint32_t mIndexEntry
+        = UINT32_MAX; ///< in the index of the canvas; it knows whether to trust it
 
     VXRCanvasRole* mCanvas = nullptr;
     mutable std::shared_ptr<VXRRenderableLayer> mLayer;

@@ -45,6 +45,7 @@ void VXRRenderable::flushCompositorLayer()
 
 void VXRRenderable::erase()
 {
+    tellOfBounds();
     if (mCanvas)
         mCanvas->setNeedsDisplayInRect(
             integralRect(insetRect(erasableBounds(), -erasingSlack, -erasingSlack)));

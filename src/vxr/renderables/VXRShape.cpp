@@ -11,7 +11,13 @@
 #include <vxr/protocols/VXRRenderableLayer.h>
 #include <vxr/protocols/VXRShapePainter.h>
 #include <vxr/renderables/VXRLineEnd.h>
+#include <vxr/renderables/VXRRegularPolygon.h>
+#include <vxr/renderables/VXRStar.h>
 #include <vxr/strokes/VXRStroke.h>
+
+#include <algorithm>
+#include <cmath>
+#include <typeinfo>
 
 namespace vxr {
 
@@ -186,6 +192,27 @@ bool VXRShape::containsPoint(Point p) const
     line->setLineWidth(width);
     const auto outline = outlineStroke(*line);
     return outline && outline->containsPoint(*local);
+}
+
+Rect VXRShape::hitBounds() const
+{
+    const Rect erasable = erasableBounds();
+    if (!mPath || effectivelyClosed(*mPath))
+        return erasable;
+    // The line that is hit may be wider than what is drawn, or drawn only within the path; corners reach
+    // further.
+    const float width = strokeWidth(), miter = std::max(mStroke ? mStroke->miterLimit() : 0, 10.0f);
+    const AffineTransform t = transform();
+    const float unit = std::max(std::abs(t.m11) + std::abs(t.m21), std::abs(t.m12) + std::abs(t.m22));
+    const float reach = (width < 5 ? (width + 4) * 0.5f : width * 0.5f) * miter * unit;
+    return insetRect(erasable, -reach, -reach);
+}
+
+/// A class of its own may do as it likes.
+bool VXRShape::tellsOfChangedBounds() const
+{
+    const std::type_info& type = typeid(*this);
+    return type == typeid(VXRShape) || type == typeid(VXRStar) || type == typeid(VXRRegularPolygon);
 }
 
 bool VXRShape::intersectsRect(const Rect& rect) const

@@ -90,6 +90,8 @@ public:
     /// Whether the outline meets the rectangle. The inside does not count: selection by rectangle takes
     /// what it crosses or encloses, not what it lies within.
     bool intersectsRect(const Rect&) const override;
+    Rect hitBounds() const override; ///< with the grace of thin lines
+    bool tellsOfChangedBounds() const override;
     void setDynamicallyTransforming(bool) override;
     void addBitmapsToRenderingQualityInfo(VXRBitmapRenderingQualityInfo&) override;
 

@@ -1,5 +1,6 @@
 #include <vxr/compositing/canvas/VXRCanvas.h>
 
+#include <vxr/compositing/canvas/RenderableIndex.h>
 #include <vxr/compositing/canvas/VXRTransformableViewRenderable.h>
 #include <vxr/compositing/layers/VXRCompositorLayer.h>
 #include <vxr/geometry/Color.h>
@@ -24,6 +25,7 @@ namespace vxr {
 VXRCanvas::VXRCanvas(const Rect& frame)
     : VXRSubviewAbsolverView(frame)
     , _backgroundColor(Color::whiteColor())
+    , mIndex(std::make_unique<RenderableIndex>(*this))
 {
     if (UserDefaults::standardUserDefaults().boolForKey("VXRAcceleratedCanvas"))
         setAccelerated(true);
@@ -89,6 +91,7 @@ void VXRCanvas::registerRenderable(VXRRenderable& renderable)
 void VXRCanvas::unregisterRenderable(VXRRenderable& renderable)
 {
     mRegisteredRenderables.removeObject(renderable);
+    mIndex->remove(renderable);
 }
 
 // Scale.
@@ -127,18 +130,15 @@ void VXRCanvas::setNeedsDisplayInRect(const Rect& rect)
     View::setNeedsDisplayInRect(missing > 0 && !rect.isEmpty() ? insetRect(rect, -missing, -missing) : rect);
 }
 
+void VXRCanvas::renderableBoundsMayChange(const VXRRenderable& renderable)
+{
+    mIndex->boundsMayChange(renderable);
+}
+
 void VXRCanvas::invalidateRenderableInRect(VXRRenderable&, const Rect& rect)
 {
     if (usesCompositor() && !rect.isEmpty())
         View::setNeedsDisplayInRect(insetRect(rect, -placementSlack / _scale, -placementSlack / _scale));
-}
-
-/// What is drawn is chosen by bounds, and the edges of a renderable reach a little beyond them; so more
-/// is drawn than is dirty, and only the dirty pixels are kept.
-Rect VXRCanvas::rectToDrawForDirtyRect(const Rect& dirty) const
-{
-    const float slack = erasingSlack + placementSlack / _scale;
-    return insetRect(dirty, -slack, -slack);
 }
 
 /// A composite needs no more than what comes into sight: every layer is put at whole pixels from the corner
@@ -151,7 +151,7 @@ bool VXRCanvas::keepsPixelsOnScroll(const Rect& seenBefore)
     const float slack = placementSlack / _scale;
     const float dx = VXRRound((seenBefore.origin.x - seen.origin.x) * _scale);
     const float dy = VXRRound((seenBefore.origin.y - seen.origin.y) * _scale);
-    for (const auto& renderable : objectsToRender()) {
+    for (const auto& renderable : objectsToRedraw(insetRect(seenBefore, -slack, -slack))) {
         const Rect bounds = renderable->alignmentBounds();
         const Point before = VXRCompositorLayer::placeOfLayer(bounds, seenBefore, _scale, isFlipped());
         const Point now = VXRCompositorLayer::placeOfLayer(bounds, seen, _scale, isFlipped());
@@ -312,6 +312,50 @@ std::shared_ptr<const Image> VXRCanvas::imageRepFromFrame(const Rect& pixels)
     layout.bytesPerRow = std::size_t(wide) * 4;
     layout.alpha = AlphaFormat::PremultipliedLast;
     return Image::createWithCopy(layout, bytes.data(), bytes.size());
+}
+
+// Hits.
+
+/// Brings the index up to date with the list.
+const VXRCanvas::RenderableList& VXRCanvas::indexedObjects()
+{
+    const RenderableList& list = objectsToRender();
+    mIndex->update(list, objectsToRenderVersion());
+    return list;
+}
+
+std::shared_ptr<VXRRenderable> VXRCanvas::objectAtPoint(Point p)
+{
+    if (!std::isfinite(p.x) || !std::isfinite(p.y))
+        return nullptr;
+    const RenderableList& list = indexedObjects();
+    const std::vector<std::uint32_t> ranks = mIndex->find({ p, {} });
+    const auto hit
+        = std::find_if(ranks.rbegin(), ranks.rend(), [&](auto rank) { return list[rank]->containsPoint(p); });
+    return hit == ranks.rend() ? nullptr : list[*hit];
+}
+
+VXRCanvas::RenderableList VXRCanvas::objectsMeetingRect(const Rect& rect)
+{
+    RenderableList met;
+    if (rect.isEmpty() || !std::isfinite(rect.maxX()) || !std::isfinite(rect.maxY()))
+        return met;
+    const RenderableList& list = indexedObjects();
+    for (const std::uint32_t rank : mIndex->find(rect))
+        if (list[rank]->intersectsRect(rect))
+            met.push_back(list[rank]);
+    return met;
+}
+
+/// Those whose erasable bounds meet the rectangle, back to front.
+VXRCanvas::RenderableList VXRCanvas::objectsToRedraw(const Rect& rect)
+{
+    RenderableList hit;
+    const RenderableList& list = indexedObjects();
+    for (const std::uint32_t rank : mIndex->find(rect))
+        if (rectsIntersect(list[rank]->erasableBounds(), rect))
+            hit.push_back(list[rank]);
+    return hit;
 }
 
 // The off-screen canvas.

@@ -10,6 +10,7 @@ namespace vxr {
 class Color;
 class FirstFailure;
 class Image;
+class RenderableIndex;
 class VXXSessionContext;
 struct Notification;
 
@@ -29,6 +30,15 @@ public:
     /// What is drawn, back to front; for a subclass to answer. Valid until the subclass changes it. What
     /// is registered only belongs to the canvas.
     virtual const RenderableList& objectsToRender() const;
+    /// Another number whenever the list has changed; a redraw then needn't compare it with the former one. 0,
+    /// which never spares it, for a subclass that doesn't count.
+    virtual std::uint64_t objectsToRenderVersion() const { return 0; }
+
+    // Hits among the objects to render, in canvas coordinates.
+    /// The topmost one that contains the point; none where there is nothing.
+    std::shared_ptr<VXRRenderable> objectAtPoint(Point);
+    /// All that the rectangle meets (`intersectsRect`), back to front.
+    RenderableList objectsMeetingRect(const Rect&);
 
     // Settings. None of the plain ones redraws anything.
     bool usesCompositor() const override { return _usesCompositor; }
@@ -74,9 +84,11 @@ public:
     // Damage.
     void setNeedsDisplayInRect(const Rect&) override;
     void invalidateRenderableInRect(VXRRenderable&, const Rect&) override;
+    void renderableBoundsMayChange(const VXRRenderable&) override;
 
     // Drawing.
-    void drawRect(const Rect& dirty) override;
+    void drawRect(const Rect& dirty) override; ///< into the current context
+    void draw(const DrawRequest&) override;
     /// The compositor road, for one dirty rectangle.
     void compositeRect(const Rect& dirty);
     /// The constant-colour layer that closes every composite; none without a background colour.
@@ -104,7 +116,6 @@ public:
 
 protected:
     void _propagateDirtyRectsToOpaqueAncestors() override;
-    Rect rectToDrawForDirtyRect(const Rect&) const override;
     bool keepsPixelsOnScroll(const Rect& seenBefore) override;
     void viewWillMoveToWindow(Window*) override;
     void viewDidMoveToWindow() override;
@@ -118,10 +129,13 @@ private:
     };
     CompositeArea compositeArea(const Rect& dirty) const;
     void collectLayers(const Rect& dirty, std::vector<LayerInfo*>&, FirstFailure&);
-    void drawDirectly(const Rect& dirty);
-    void fillBackground(Context&, const Rect&, bool isRedraw) const;
+    void composite(const Rect& dirty, const IntRect& pixels);
+    void drawDirectly(const DrawRequest&);
+    void fillBackground(const DrawRequest&) const;
     void redraw(VXRRenderable&, Context&) const;
     void _adjustBitmapRenderingQualityInRenderablesUpdateRect(const RenderableList&, const Rect&);
+    const RenderableList& indexedObjects();
+    RenderableList objectsToRedraw(const Rect&);
     void disableScreenUpdates();
     void enableScreenUpdatesIfNeeded();
 
@@ -139,6 +153,7 @@ private:
     bool mAccelerated = false;
     std::shared_ptr<const Image> mMinimizedImage;
     VXUMutablePointerSet<VXRRenderable> mRegisteredRenderables;
+    std::unique_ptr<RenderableIndex> mIndex;
     bool mScreenUpdatesDisabled = false;
 };
 

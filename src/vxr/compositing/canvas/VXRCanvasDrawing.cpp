@@ -19,30 +19,26 @@
 
 namespace vxr {
 
-namespace {
-
-constexpr std::size_t prefetchDistance = 16;
-constexpr std::size_t prefetchedBytes = 128; ///< of a renderable, up to its cached bounds
-
-/// Where a walk will look next: objects lie all over the memory, and asking one for its bounds touches
-/// its first lines.
-inline void prefetchObject(const VXRRenderable* renderable)
-{
-    const char* bytes = reinterpret_cast<const char*>(renderable);
-    for (std::size_t line = 0; line < prefetchedBytes; line += 64)
-        __builtin_prefetch(bytes + line);
-}
-
-} // namespace
-
 void VXRCanvas::drawRect(const Rect& dirty)
 {
+    Window* const seen = window();
+    draw({ dirty, currentDrawingPort(), nullptr,
+        seen ? IntRect { 0, 0, seen->width(), seen->height() } : IntRect {} });
+}
+
+/// What is drawn is chosen by bounds, and the edges of a renderable reach a little beyond them; so a window's
+/// redraw asks for more than is dirty, and only the dirty pixels change.
+void VXRCanvas::draw(const DrawRequest& request)
+{
+    DrawRequest grown = request;
+    const float slack = request.window ? erasingSlack + placementSlack / _scale : 0;
+    grown.dirty = insetRect(request.dirty, -slack, -slack);
     FirstFailure failure;
     failure.attempt([&] {
         if (renderingDestination() == VXRDestinationCompositor)
-            compositeRect(dirty); // nothing accelerated to hand it to
+            composite(grown.dirty, grown.pixels); // nothing accelerated to hand it to
         else
-            drawDirectly(dirty);
+            drawDirectly(grown);
     });
     clearSubviewCache();
     failure.rethrow();
@@ -57,46 +53,37 @@ void VXRCanvas::_adjustBitmapRenderingQualityInRenderablesUpdateRect(
             renderable->addBitmapsToRenderingQualityInfo(*mBitmapRenderingQualityInfo);
 }
 
-void VXRCanvas::drawDirectly(const Rect& dirty)
+void VXRCanvas::drawDirectly(const DrawRequest& request)
 {
-    const RenderableList& renderables = objectsToRender();
+    const RenderableList hit = objectsToRedraw(request.dirty);
     if (mBitmapImageQuality != 2)
-        _adjustBitmapRenderingQualityInRenderablesUpdateRect(renderables, dirty);
-    std::vector<VXRRenderable*> hit;
-    for (std::size_t i = 0; i < renderables.size(); ++i) {
-        if (i + prefetchDistance < renderables.size())
-            prefetchObject(renderables[i + prefetchDistance].get());
-        if (rectsIntersect(renderables[i]->erasableBounds(), dirty))
-            hit.push_back(renderables[i].get());
-    }
+        _adjustBitmapRenderingQualityInRenderablesUpdateRect(hit, request.dirty);
     FirstFailure failure;
-    Context& context = currentDrawingPort();
-    const bool isRedraw = window() && window()->redrawnPixels() && focusView() == this;
-    fillBackground(context, dirty, isRedraw);
-    for (VXRRenderable* renderable : hit) {
+    fillBackground(request);
+    for (const auto& renderable : hit) {
         failure.attempt([&] {
-            const StateSaver saved(context);
-            if (isRedraw)
-                redraw(*renderable, context);
+            const StateSaver saved(request.context);
+            if (request.window)
+                redraw(*renderable, request.context);
             else
-                renderable->renderLayeredIntoContext(context);
+                renderable->renderLayeredIntoContext(request.context);
         });
     }
     failure.rethrow();
 }
 
 /// In a window the levels are those that the compositor's background has.
-void VXRCanvas::fillBackground(Context& context, const Rect& rect, bool isRedraw) const
+void VXRCanvas::fillBackground(const DrawRequest& request) const
 {
     if (!_backgroundColor)
         return;
     VXRSetColor(*_backgroundColor);
-    if (isRedraw && _backgroundColor->alphaComponent() >= 1) {
+    if (request.window && _backgroundColor->alphaComponent() >= 1) {
         const std::uint32_t packed = _colorAsLong(*_backgroundColor);
         const auto channel = [packed](int shift) { return float(packed >> shift & 0xff) / 255; };
         VXRSetColor(*Color::colorWithDeviceRGB(channel(24), channel(16), channel(8)));
     }
-    context.fillRect(rect);
+    request.context.fillRect(request.dirty);
 }
 
 /// Draws into the window as if all of the window were drawn, and a layer at a time: the parts of a renderable
@@ -147,13 +134,9 @@ VXRCanvas::CompositeArea VXRCanvas::compositeArea(const Rect& dirty) const
 
 void VXRCanvas::collectLayers(const Rect& dirty, std::vector<LayerInfo*>& layers, FirstFailure& failure)
 {
-    const RenderableList& renderables = objectsToRender();
-    for (std::size_t n = renderables.size(); n > 0; --n) {
-        if (n > prefetchDistance)
-            prefetchObject(renderables[n - 1 - prefetchDistance].get());
-        VXRRenderable& renderable = *renderables[n - 1];
-        if (!rectsIntersect(renderable.erasableBounds(), dirty))
-            continue;
+    const RenderableList hit = objectsToRedraw(dirty);
+    for (auto place = hit.rbegin(); place != hit.rend(); ++place) {
+        VXRRenderable& renderable = **place;
         const std::size_t before = layers.size();
         const bool drawn = failure.attempt([&] {
             renderable.prepareToDraw();
@@ -166,6 +149,13 @@ void VXRCanvas::collectLayers(const Rect& dirty, std::vector<LayerInfo*>& layers
 
 void VXRCanvas::compositeRect(const Rect& dirty)
 {
+    if (const Window* seen = window())
+        composite(dirty, { 0, 0, seen->width(), seen->height() });
+}
+
+/// Changes no other pixels of the window than those.
+void VXRCanvas::composite(const Rect& dirty, const IntRect& pixels)
+{
     CompositeArea area = compositeArea(dirty);
     if (area.clipMinX > area.clipMaxX || area.clipMinY > area.clipMaxY)
         return;
@@ -177,7 +167,14 @@ void VXRCanvas::compositeRect(const Rect& dirty)
     if (!window() || window()->windowNumber() <= 0)
         return;
 
-    const WindowLock lock(*window(), area.visible);
+    const IntRect changed = intersection(pixels,
+        IntRect { area.clipMinX, area.clipMinY, area.clipMaxX + 1, area.clipMaxY + 1 }.moved(
+            area.x0, area.y0));
+    if (changed.isEmpty())
+        return;
+    const Rect inWindow { float(changed.x0), float(window()->height() - changed.y1), float(changed.width()),
+        float(changed.height()) };
+    const WindowLock lock(*window(), intersectionRect(inWindow, area.visible));
     if (!lock)
         return;
     const WindowBits& bits = lock.bits();
@@ -190,20 +187,14 @@ void VXRCanvas::compositeRect(const Rect& dirty)
         destination.alphaData = bits.alphaBase + std::ptrdiff_t(area.y0) * bits.alphaBytesPerRow + area.x0;
     destination.colorBytesPerRow = bits.colorBytesPerRow;
     destination.alphaBytesPerRow = bits.alphaBytesPerRow;
-    destination.clipMinX = area.clipMinX;
-    destination.clipMaxX = area.clipMaxX;
-    destination.clipMinY = area.clipMinY;
-    destination.clipMaxY = area.clipMaxY;
+    destination.clipMinX = changed.x0 - area.x0;
+    destination.clipMaxX = changed.x1 - 1 - area.x0;
+    destination.clipMinY = changed.y0 - area.y0;
+    destination.clipMaxY = changed.y1 - 1 - area.y0;
     destination.frameMaxX = area.frameWidth;
     destination.frameMaxY = area.frameHeight;
     destination.fade = 1;
     destination.bitmapType = bits.depthCode == 4 ? LayerBitmap32 : LayerBitmap16;
-    // A redraw in progress keeps to the window's pixels that are dirty.
-    destination.clipMinX = std::max(destination.clipMinX, int(bits.writable.minX()) - area.x0);
-    destination.clipMaxX = std::min(destination.clipMaxX, int(bits.writable.maxX()) - 1 - area.x0);
-    destination.clipMinY = std::max(destination.clipMinY, int(bits.writable.minY()) - area.y0);
-    destination.clipMaxY = std::min(destination.clipMaxY, int(bits.writable.maxY()) - 1 - area.y0);
-
     FirstFailure failure;
     std::vector<LayerInfo*> layers;
     collectLayers(dirty, layers, failure);

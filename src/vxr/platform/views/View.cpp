@@ -310,7 +310,7 @@ void View::drawSubtree(Context& context, const Rect& area)
         return;
     const StateSaver saved(context);
     context.clipToRect(area);
-    drawRect(area);
+    draw({ area, context });
     for (const auto& subview : mSubviews) {
         const StateSaver inner(context);
         const Mapping m = subview->mappingToSuperview();

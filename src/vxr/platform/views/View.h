@@ -1,7 +1,7 @@
 #pragma once
 
 #include <vxr/platform/base/Object.h>
-#include <vxr/platform/graphics/values/Geometry.h>
+#include <vxr/platform/graphics/values/IntRect.h>
 
 #include <vector>
 
@@ -10,6 +10,14 @@ namespace vxr {
 class Context;
 class ScrollView;
 class Window;
+
+/// What a view is asked to draw, from the window on to all that takes part in it.
+struct DrawRequest {
+    Rect dirty; ///< in the view's coordinates
+    Context& context; ///< in the view's coordinates, and clipped to what is to be drawn
+    Window* window = nullptr; ///< whose pixels are drawn; none on paper and in pictures
+    IntRect pixels {}; ///< of the window, from its upper left corner; no others may change
+};
 
 /// A rectangle of a window that draws itself and holds other views.
 ///
@@ -67,6 +75,8 @@ public:
     /// Draws at least what is visible of the rectangle into the current context, which is clipped and in
     /// the view's coordinates. What a view leaves out keeps what its superview drew.
     virtual void drawRect(const Rect&) { }
+    /// Asked by a window, and for paper. A view that wants to know more than the rectangle overrides this.
+    virtual void draw(const DrawRequest& request) { drawRect(request.dirty); }
     /// Makes the window's pixels the current context, in this view's coordinates and clipped to its
     /// visible rectangle, until the matching `unlockFocus`. Throws `GenericException` without a window.
     void lockFocus();
@@ -93,9 +103,6 @@ protected:
     virtual void _propagateDirtyRectsToOpaqueAncestors();
     /// Whether the window draws the subviews after this view; a view that draws them itself says no.
     virtual bool drawsSubviewsSeparately() const { return true; }
-    /// The rectangle that `drawRect` is handed for a dirty one. The context stays clipped to the dirty
-    /// one, so a view whose parts reach beyond their bounds can ask for a margin to choose them by.
-    virtual Rect rectToDrawForDirtyRect(const Rect& dirty) const { return dirty; }
     /// Called after a scroll by a clip view that doesn't copy, with what was seen before in this view's
     /// coordinates. A view that can use its pixels all the same marks what would look different once they
     /// are moved, and says yes: then they are moved, and of the rest only what came into sight is redrawn.

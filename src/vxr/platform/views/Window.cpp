@@ -142,11 +142,7 @@ std::optional<WindowBits> Window::lockBits(const Rect& area)
     WindowBits bits;
     bits.colorBase = reinterpret_cast<std::uint8_t*>(mPixels.data());
     bits.colorBytesPerRow = int(bytesPerRow());
-    bits.writable = mRedrawn.value_or(Rect { 0, 0, float(mWidth), float(mHeight) });
-    mDamage->region.add(intersection(touchedPixels(area, mHeight),
-        touchedPixels({ bits.writable.origin.x, float(mHeight) - bits.writable.maxY(),
-                          bits.writable.size.width, bits.writable.size.height },
-            mHeight)));
+    mDamage->region.add(intersection(touchedPixels(area, mHeight), { 0, 0, mWidth, mHeight }));
     return bits;
 }
 
@@ -307,7 +303,6 @@ void Window::drawBoxOfView(View& view, const IntRect& box, FirstFailure& failure
 {
     const Rect area = inWindow(box, mHeight);
     const Rect dirty = view.mappingToWindow().inverse().map(area);
-    const std::optional<Rect> outer = mRedrawn;
     failure.attempt([&] {
         const FocusLock focused(view);
         // The very pixels: a rectangle in the view's own coordinates need not hit them exactly.
@@ -315,10 +310,8 @@ void Window::drawBoxOfView(View& view, const IntRect& box, FirstFailure& failure
         mContext->setBaseTransform({});
         mContext->clipToRect(area);
         mContext->concatTransform(current);
-        mRedrawn = box.rect();
-        view.drawRect(view.rectToDrawForDirtyRect(dirty));
+        view.draw({ dirty, *mContext, this, box });
     });
-    mRedrawn = outer;
 }
 
 // Miniaturizing and closing.

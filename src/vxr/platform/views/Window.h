@@ -12,14 +12,13 @@ class PixelRegion;
 struct IntRect;
 
 /// The pixels of a locked window. A separate alpha plane has one byte per pixel; without one its base is
-/// null. `writable` is where something may be drawn now, in pixels from the upper left corner.
+/// null.
 struct WindowBits {
     int depthCode = 4; ///< 4 for 32-bit pixels, anything else for 16-bit ones
     std::uint8_t* colorBase = nullptr;
     std::uint8_t* alphaBase = nullptr;
     int colorBytesPerRow = 0;
     int alphaBytesPerRow = 0;
-    Rect writable;
 };
 
 /// A window's pixels in memory and the views in it. Whoever has a screen copies the damaged rectangles
@@ -50,12 +49,11 @@ public:
     int height() const { return mHeight; }
     std::size_t bytesPerRow() const { return std::size_t(mWidth) * 4; }
 
-    /// Hands out the pixels behind an area in window coordinates; nothing when the window has no number.
+    /// Hands out the pixels, of which those of an area in window coordinates will change; nothing when the
+    /// window has no number.
     virtual std::optional<WindowBits> lockBits(const Rect& area);
     virtual void unlockBits();
     bool isLocked() const { return mLocks > 0; }
-    /// The pixels that the redraw in progress may change, from the upper left corner; none outside one.
-    const std::optional<Rect>& redrawnPixels() const { return mRedrawn; }
 
     /// Draws all dirty areas of all views, each once and clipped to it. When drawing throws, the rest is
     /// drawn all the same and the first exception is passed on at the end; nothing stays dirty, focused or
@@ -103,7 +101,6 @@ private:
     std::vector<std::uint32_t> mPixels;
     std::shared_ptr<Context> mContext; ///< draws into the pixels
     std::shared_ptr<View> mContentView;
-    std::optional<Rect> mRedrawn; ///< pixels that the redraw in progress may change
     struct Damage;
     std::unique_ptr<Damage> mDamage;
 };
