@@ -2,9 +2,12 @@
 
 #include <vxr/geometry/curves/CubicOffset.h>
 #include <vxr/geometry/curves/CubicSegment.h>
+#include <vxr/geometry/tracing/VXRImageTracer.h>
+#include <vxr/platform/graphics/path/Path.h>
 
 #include <benchmark/benchmark.h>
 
+#include <cstring>
 #include <memory>
 #include <random>
 
@@ -102,10 +105,53 @@ double offsetError()
     return worst;
 }
 
+/// A ring with waves along its outer edge, the baseline reading eight bytes at a time.
+Pair traceAgainstReading()
+{
+    constexpr int side = 4000;
+    const auto mask = std::make_shared<std::vector<std::uint8_t>>(std::size_t(side) * side);
+    for (int y = 0; y < side; ++y)
+        for (int x = 0; x < side; ++x) {
+            const double r = std::hypot(x - 2000, y - 2000), angle = std::atan2(y - 2000, x - 2000);
+            (*mask)[std::size_t(y) * side + std::size_t(x)]
+                = r < 1400 + 300 * std::cos(7 * angle) && r > 500 ? 255 : 0;
+        }
+    return { [mask] {
+                VXRImageTracer::traceMask({ mask->data(), side, side, side });
+            },
+        [mask] {
+            std::uint64_t sum = 0, word = 0;
+            for (std::size_t i = 0; i + 8 <= mask->size(); i += 8) {
+                std::memcpy(&word, mask->data() + i, 8);
+                sum += word;
+            }
+            benchmark::DoNotOptimize(sum);
+        } };
+}
+
+/// Four times the noise in at most four times the time.
+Pair noiseBySize()
+{
+    const auto noise = [](int side) {
+        std::mt19937 engine(3);
+        const auto mask = std::make_shared<std::vector<std::uint8_t>>(std::size_t(side) * std::size_t(side));
+        for (std::uint8_t& byte : *mask)
+            byte = static_cast<std::uint8_t>(engine());
+        return [mask, side] {
+            VXRTraceOptions all;
+            all.outlines.mostOutlines = 1 << 24;
+            VXRImageTracer::traceMask({ mask->data(), side, side, std::size_t(side) }, all);
+        };
+    };
+    return { noise(800), noise(400) };
+}
+
 const int registered[] = {
     compare("CURVES/length-to-1000-pieces", atLeast(20), lengthAgainstPieces),
     compare("CURVES/nearest-to-1000-pieces", atLeast(20), nearestAgainstPieces),
     measure("CURVES/offset-error-in-tolerances", atMost(1), offsetError),
+    compare("CURVES/trace-to-reading-the-mask", atMost(5), traceAgainstReading),
+    compare("CURVES/noise-four-times-as-large", atMost(5), noiseBySize),
 };
 
 } // namespace

@@ -94,7 +94,7 @@ std::optional<Cubic> CurveFitSegment::fit(std::size_t first, std::size_t last, V
         if (off <= mTolerance && keepsTolerance(*curve, last))
             return curve;
         // Hopeless, or getting nowhere.
-        if (off > 8 * mTolerance || (round > 2 && off > 0.97 * before))
+        if (off > (round == 0 ? 8 : 3) * mTolerance || (round > 1 && off > 0.95 * before))
             return {};
         before = off;
     }
