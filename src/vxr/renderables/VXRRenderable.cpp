@@ -17,6 +17,7 @@ VXRRenderable::VXRRenderable() = default;
 
 VXRRenderable::~VXRRenderable()
 {
+    dismissFollowers();
     if (mCanvas)
         mCanvas->unregisterRenderable(*this);
     const auto sets = std::move(mTextureSets);
@@ -88,12 +89,14 @@ void VXRRenderable::setTransform(const AffineTransform& newTransform)
         autoInvalidate();
     else
         autoErase();
+    outlineDidChange();
 }
 
 void VXRRenderable::setNaturalSize(Size size)
 {
     mNaturalSize = size;
     invalidateBoundingBox();
+    outlineDidChange();
 }
 
 void VXRRenderable::setDynamicallyTransforming(bool flag)

@@ -14,6 +14,7 @@ namespace vxr {
 class Context;
 class Path;
 class VXRBitmapRenderingQualityInfo;
+class VXRRenderableFollower;
 class VXRRenderableLayer;
 class VXRTexture;
 class VXRTextureSet;
@@ -131,6 +132,13 @@ public:
     /// content changes.
     std::shared_ptr<VXRTextureSet> texture(VXXTextureSession*);
 
+    // Followers are told of each change of the transform or natural size, after it, and are not owned. A
+    // change that a follower makes in turn reaches its own followers once the present ones are told.
+    void addFollower(VXRRenderableFollower&);
+    void removeFollower(VXRRenderableFollower&); ///< does nothing for one that is none
+    /// Tells one round of changes that follow from each other from the next.
+    static unsigned followRound();
+
     // What subclasses answer.
     virtual bool shouldOptimizeTranslation() const { return true; } ///< a move only shifts the bounds
     bool requiresQuickdraw() const override { return false; }
@@ -140,6 +148,8 @@ public:
     virtual void addBitmapsToRenderingQualityInfo(VXRBitmapRenderingQualityInfo&) { }
 
 protected:
+    /// Called when the transform or the natural size has changed. Tells the followers.
+    virtual void outlineDidChange();
     /// The compositor layer for this renderable.
     virtual std::shared_ptr<VXRRenderableLayer> makeLayer();
     /// `point` in the local frame. None under a degenerate transform, where nothing is hit.
@@ -150,6 +160,8 @@ protected:
 private:
     friend class RenderableIndex;
     friend class VXRTextureSet;
+
+    void dismissFollowers();
     bool layerCanWait() const;
     void tellOfBounds() const;
     void renderPass(Context& context, int mode);
@@ -180,6 +192,7 @@ private:
     VXXTextureSession* mTextureSession = nullptr;
     std::shared_ptr<VXRTextureSet> mTexture;
     std::vector<VXRTextureSet*> mTextureSets; ///< all that hold this renderable
+    std::unique_ptr<std::vector<VXRRenderableFollower*>> mFollowers; ///< most have none
 };
 
 } // namespace vxr

@@ -106,11 +106,12 @@ public:
 
 protected:
     float computePaintedOutset() const override; ///< the corners of square caps
+    /// The outline of a line end where it is drawn.
+    std::shared_ptr<Path> placedPath(const VXRLineEnd&, Point, float radians) const;
+    float strokeWidth() const; ///< 0 without a stroke
 
 private:
     void setLineEnd(std::shared_ptr<VXRLineEnd>& field, std::shared_ptr<VXRLineEnd> lineEnd);
-    std::shared_ptr<Path> placedPath(const VXRLineEnd&, Point, float radians) const;
-    float strokeWidth() const; ///< 0 without a stroke
 
     std::shared_ptr<Path> mPath;
     std::shared_ptr<VXRShapePainter> mFill;
