@@ -5,8 +5,16 @@
 #include <vxr/platform/graphics/GraphicsContext.h>
 #include <vxr/renderables/VXRLineEnd.h>
 #include <vxr/renderables/VXRShape.h>
-#include <vxr/strokes/VXRStroke.h>
+#include <vxr/strokes/VXRManipulatedStroke.h>
 #include <vxr/strokes/VXRStrokePattern.h>
+#include <vxr/strokes/manipulations/VXROffsetOddWidthPathManipulation.h>
+#include <vxr/strokes/manipulations/VXROutsetPathManipulation.h>
+#include <vxr/strokes/manipulations/VXROutsetPathStroker.h>
+#include <vxr/strokes/manipulations/VXROverstrokePathManipulation.h>
+#include <vxr/strokes/manipulations/VXRPatternedPathStroker.h>
+#include <vxr/strokes/manipulations/VXRRoundedPathManipulation.h>
+#include <vxr/strokes/manipulations/VXRVaryWidthPathManipulation.h>
+#include <vxr/strokes/manipulations/VXRWobblyPathManipulation.h>
 
 #include <gtest/gtest.h>
 
@@ -83,6 +91,49 @@ private:
         auto stroke = VXRStroke::strokeWithColorWidthCapJoinPattern(Color::blackColor(), between(0.1f, 18),
             static_cast<int>(below(3)), static_cast<int>(below(3)), std::move(pattern));
         stroke->setMiterLimit(between(1, 10));
+        return chance(3) ? manipulated(*stroke) : stroke;
+    }
+
+    /// Up to three steps, of which one in three swells the line, and one time in three a stroker.
+    std::shared_ptr<VXRStroke> manipulated(const VXRStroke& plain)
+    {
+        VXRManipulatedStroke::Manipulations steps;
+        for (float n = below(3) + 1; n > 0; --n) {
+            const auto seed = static_cast<std::uint32_t>(mRandom());
+            switch (mRandom() % 6) {
+            case 0:
+                steps.push_back(std::make_shared<VXROffsetOddWidthPathManipulation>());
+                break;
+            case 1:
+                steps.push_back(std::make_shared<VXROutsetPathManipulation>(between(-1, 1)));
+                break;
+            case 2:
+                steps.push_back(std::make_shared<VXROverstrokePathManipulation>(between(0, 2), seed));
+                break;
+            case 3:
+                steps.push_back(std::make_shared<VXRRoundedPathManipulation>(between(0, 3)));
+                break;
+            case 4:
+                steps.push_back(
+                    std::make_shared<VXRVaryWidthPathManipulation>(between(0, 1), between(1, 9), seed));
+                break;
+            default:
+                steps.push_back(
+                    std::make_shared<VXRWobblyPathManipulation>(between(0, 1), between(1, 9), seed));
+            }
+        }
+        std::shared_ptr<VXRPathStroker> stroker;
+        if (chance(6))
+            stroker = std::make_shared<VXROutsetPathStroker>(3, between(0.5f, 2), between(0.2f, 1));
+        else if (chance(6))
+            stroker = std::make_shared<VXRPatternedPathStroker>(
+                Path::pathWithRect({ 0.2f, -0.8f, 1, 1.6f }), 1.5f, chance(2));
+        auto stroke = VXRManipulatedStroke::strokeWithColorWidthManipulationsStroker(
+            Color::blackColor(), std::min(plain.width(), 8.0f), std::move(steps), std::move(stroker));
+        stroke->setCap(plain.cap());
+        stroke->setJoin(plain.join());
+        stroke->setMiterLimit(plain.miterLimit());
+        stroke->setPattern(plain.pattern());
         return stroke;
     }
 

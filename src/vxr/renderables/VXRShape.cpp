@@ -119,8 +119,7 @@ Rect VXRShape::computeAlignmentBounds() const
     const auto path = transformedPath();
     Rect bounds = path->bounds();
     if (mStroke && !mInteriorStroke && mStroke->shouldRender()) {
-        mStroke->applyToBezierPathInsideStroke(*path, false);
-        bounds = unionRect(bounds, boundsIncludingStroke(*path));
+        bounds = unionRect(bounds, mStroke->boundsOfStrokedPath(*path));
     }
     if ((mTailLineEnd || mHeadLineEnd) && pathIsOpen()) {
         if (mTailLineEnd)

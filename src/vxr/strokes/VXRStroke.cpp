@@ -1,6 +1,7 @@
 #include <vxr/strokes/VXRStroke.h>
 
 #include <vxr/geometry/Color.h>
+#include <vxr/geometry/PathAdditions.h>
 #include <vxr/geometry/VXRColorUtilities.h>
 #include <vxr/platform/graphics/GraphicsContext.h>
 #include <vxr/protocols/VXRCanvasRole.h>
@@ -80,6 +81,18 @@ void VXRStroke::setCurrentColor(const VXRCanvasRole* canvas) const
         VXRSetColor(*mColor);
 }
 
+Rect VXRStroke::boundsOfStrokedPath(Path& path) const
+{
+    applyToBezierPathInsideStroke(path, false);
+    return boundsIncludingStroke(path);
+}
+
+void VXRStroke::drawOutline(Path& path, bool insideStroke, float) const
+{
+    applyToBezierPathInsideStroke(path, insideStroke);
+    path.stroke();
+}
+
 void VXRStroke::paintShape(VXRPaintedShape& shape)
 {
     const VXRCanvasRole* canvas = shape.canvas();
@@ -96,8 +109,7 @@ void VXRStroke::paintShape(VXRPaintedShape& shape)
         if (!blackAndWhite && destination == VXRDestinationNonScreen && hasTransparentColor())
             return;
         setCurrentColor(canvas);
-        applyToBezierPathInsideStroke(*path, interior);
-        path->stroke();
+        drawOutline(*path, interior, canvas ? canvas->viewScale() : 1);
     }
     // Up to half a point wide, what is left outside is below a device pixel.
     if (!mayClip && mWidth > 0.5f && interior)
@@ -109,7 +121,7 @@ void VXRStroke::paintShape(VXRPaintedShape& shape)
 void VXRStroke::eraseOutside(VXRPaintedShape& shape) const
 {
     const auto path = shape.transformedPath();
-    const float margin = mWidth + 10.0f;
+    const float margin = mWidth + 10.0f + reachBeyondLine();
     const Rect grown = insetRect(shape.alignmentBounds(), -margin, -margin);
     path->appendRect(grown);
     path->setWindingRule(WindingRule::EvenOdd);
@@ -130,8 +142,7 @@ void VXRStroke::paintShapeWithNormalClip(VXRPaintedShape& shape)
     if (!(canvas && canvas->rendersBlackAndWhite()) && hasTransparentColor())
         return;
     setCurrentColor(canvas);
-    applyToBezierPathInsideStroke(*path, interior);
-    path->stroke();
+    drawOutline(*path, interior, canvas ? canvas->viewScale() : 1);
 }
 
 void VXRStroke::drawSwatchInRect(const Rect& rect)

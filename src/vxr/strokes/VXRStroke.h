@@ -52,6 +52,10 @@ public:
     /// The same for text wrap, which has to see the geometry that a subclass draws.
     virtual void applyInteriorWrapPropertiesToBezierPathInsideStroke(Path& path, bool insideStroke) const;
 
+    /// Applies the stroke to `path` and answers the bounds of what it paints along it: exact but for square
+    /// caps, whose corners reach a little further.
+    virtual Rect boundsOfStrokedPath(Path& path) const;
+
     /// Paints the outline of `shape` into the current context. Leaves its clip changed: the caller
     /// brackets the call with a save and a restore.
     virtual void paintShape(VXRPaintedShape& shape);
@@ -65,6 +69,12 @@ public:
     virtual std::shared_ptr<VXRStroke> copyWithZone() const;
 
 protected:
+    /// Paints along `path`, which it may change, in the current colour. `scale` is the canvas's, in device
+    /// pixels per unit.
+    virtual void drawOutline(Path& path, bool insideStroke, float scale) const;
+    /// How far what is painted may lie beyond half the width.
+    virtual float reachBeyondLine() const { return 0; }
+
     // A subclass answers for its own class in both, so that copies and equality keep to it.
     virtual std::shared_ptr<VXRStroke> makeOfSameClass(
         std::shared_ptr<Color>, float width, int cap, int join, std::shared_ptr<VXRStrokePattern>) const;
