@@ -1,6 +1,7 @@
 #include <tests/platform/ContextTestSupport.h>
 #include <tests/support/FakeImporter.h>
 #include <vxr/platform/base/Data.h>
+#include <vxr/platform/graphics/DocumentContext.h>
 #include <vxr/platform/graphics/Pattern.h>
 #include <vxr/platform/imaging/PageMark.h>
 #include <vxr/platform/pictures/PDFDocument.h>
