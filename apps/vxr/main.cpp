@@ -9,6 +9,8 @@ int main(int argc, char** argv)
         const app::Command command = app::parseCommandLine(argc, argv);
         if (const auto* render = std::get_if<app::RenderOptions>(&command))
             return app::runRender(*render);
+        if (const auto* convert = std::get_if<app::ConvertOptions>(&command))
+            return app::runConvert(*convert);
         if (const auto* inspect = std::get_if<app::InspectOptions>(&command))
             return app::runInspect(*inspect);
         if (const auto* gallery = std::get_if<app::GalleryOptions>(&command))

@@ -130,7 +130,7 @@ TEST_F(CommandLine, RendersSeveralDrawingsIntoAFolderABadOneCostsOnlyItself)
     const Result result = vxr("render missing.svg bad.svg empty good.svg sub/good.svg -o made/here");
     EXPECT_EQ(result.status, 1);
     for (const char* message : { "missing.svg: error: No such file or directory\n",
-             "bad.svg:3: error: ", "empty: error: there is no .svg or .svgz file in this folder\n",
+             "bad.svg:3: error: ", "empty: error: there is no .svg, .svgz, .vxr file in this folder\n",
              "made/here/good.png: error: two of the drawings would have this name; sub/good.svg" })
         EXPECT_THAT(result.err, HasSubstr(message));
     EXPECT_THAT(files(), ElementsAre("made/here/good.pdf", "made/here/good.png", "made/here/other.pdf"));
@@ -221,6 +221,7 @@ TEST_F(CommandLine, RefusesWrongOnes)
         "render good.svg -o out.png --format pdf",
         "render good.svg -o out.png --sparkle",
         "inspect good.svg bad.svg",
+        "convert good.svg -o out.pdf",
         "report",
     };
     for (const char* arguments : cases) {
@@ -238,8 +239,8 @@ TEST_F(CommandLine, HelpsOnStandardOutput)
     EXPECT_EQ(whole.status, 0);
     EXPECT_THAT(whole.out, AllOf(HasSubstr("render"), HasSubstr("gallery"), HasSubstr("report")));
     EXPECT_THAT(vxr("--version").out, testing::MatchesRegex("vxr [0-9.]+\n"));
-    EXPECT_THAT(
-        vxr("draw good.svg").err, HasSubstr("no command 'draw'; there are render, inspect, gallery, report"));
+    EXPECT_THAT(vxr("draw good.svg").err,
+        HasSubstr("no command 'draw'; there are render, convert, inspect, gallery, report"));
     EXPECT_EQ(render.status, 0);
     EXPECT_THAT(render.out, AllOf(HasSubstr("--road"), HasSubstr("--output"), HasSubstr("Exit status")));
     EXPECT_EQ(whole.err + render.err, "");
@@ -271,6 +272,36 @@ TEST_F(CommandLine, InspectShowsTheTree)
     const Result bad = vxr("inspect bad.svg");
     EXPECT_EQ(bad.status, 1);
     EXPECT_EQ(bad.out, "");
+}
+
+TEST_F(CommandLine, DocumentsDrawAsTheDrawingsTheyAreMadeOf)
+{
+    write("two.svg",
+        "<svg xmlns='http://www.w3.org/2000/svg' viewBox='0 0 20 20'><g id='g' opacity='.5'><path d='M0 "
+        "0H9V9'/>"
+        "<circle r='7'/></g></svg>");
+    EXPECT_EQ(vxr("convert good.svg two.svg -o both.vxr").status, 0);
+    EXPECT_EQ(vxr("render two.svg -o two.png --scale 3").status, 0);
+    EXPECT_EQ(vxr("render both.vxr --page 2 -o page.png --scale 3").status, 0);
+    EXPECT_EQ(read("page.png"), read("two.png"));
+    EXPECT_EQ(vxr("render both.vxr -o both.pdf").status, 0);
+    EXPECT_THAT(read("both.pdf"), HasSubstr("/Count 2"));
+    EXPECT_THAT(vxr("render both.vxr -o x.png --page 3").err, HasSubstr("no page 3; the document has 2"));
+    EXPECT_EQ(vxr("inspect both.vxr").out,
+        "both.vxr: 2 pages, 0 styles, 0 pictures\n"
+        "  page 1: 40 x 20, 1 shapes\n    shape path#p\n      bounds (0, 0) 20 x 20\n"
+        "      path of 5 elements, nonzero\n      fill #ff0000\n"
+        "  page 2: 20 x 20, 2 shapes\n    group g#g\n      bounds (-7, -7) 16 x 16\n      opacity 0.5\n"
+        "      shape path\n        bounds (0, 0) 9 x 9\n        path of 3 elements, nonzero\n"
+        "        fill #000000\n      shape circle\n        bounds (-7, -7) 14 x 14\n"
+        "        transform [1 0 0 1 -7 -7]\n        path of 6 elements, nonzero\n        fill #000000\n");
+    std::ofstream(mFolder / "cut.vxr", std::ios::binary) << read("both.vxr").substr(0, 1200);
+    const Result cut = vxr("render cut.vxr -o cut.png");
+    EXPECT_EQ(cut.status, 1);
+    EXPECT_THAT(cut.err, HasSubstr("cut.vxr: warning: the list of contents is damaged"));
+    EXPECT_THAT(vxr("convert good.svg -o cut.vxr").err, HasSubstr("cut.vxr: error: is a damaged document"));
+    EXPECT_EQ(vxr("convert good.svg -o cut.vxr --replace-damaged").status, 0);
+    EXPECT_EQ(vxr("convert good.svg -o cut.vxr").status, 0);
 }
 
 TEST_F(CommandLine, GalleryShowsEveryPictureItWrites)

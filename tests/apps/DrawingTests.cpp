@@ -1,9 +1,10 @@
-#include <apps/vxr/import/GroupRenderable.h>
 #include <apps/vxr/import/OutlineStroke.h>
 #include <apps/vxr/render/DrawingCanvas.h>
 #include <apps/vxr/render/Roads.h>
 
+#include <vxr/geometry/Color.h>
 #include <vxr/platform/views/Window.h>
+#include <vxr/renderables/VXRGroup.h>
 #include <vxr/renderables/VXRShape.h>
 
 #include <gmock/gmock.h>
@@ -219,8 +220,8 @@ public:
         mWindow.display();
     }
 
-    GroupRenderable& group() { return static_cast<GroupRenderable&>(*mSheet.drawing.renderables.at(0)); }
-    vxr::VXRShape& child() { return static_cast<vxr::VXRShape&>(*group().children().at(0)); }
+    vxr::VXRGroup& group() { return static_cast<vxr::VXRGroup&>(*mSheet.drawing.renderables.at(0)); }
+    vxr::VXRShape& child() { return static_cast<vxr::VXRShape&>(*group().renderables().at(0)); }
 
     Picture picture() const
     {
@@ -285,19 +286,6 @@ TEST(Drawing, OutlinesAreMadeAnewForAnotherScale)
     const Page enlarged { sheet.drawing, fresh.page.width, fresh.page.height, 16, fresh.page.background,
         false };
     EXPECT_EQ(compare(drawDirect(enlarged), fresh.direct(), 0).largest, 0);
-}
-
-TEST(Drawing, GroupsAreHitWhereAChildShowsThrough)
-{
-    const Sheet sheet("<clipPath id='c'><rect width='20' height='30'/></clipPath><g clip-path='url(#c)'>"
-                      "<rect x='5' y='5' width='30' height='10'/></g>");
-    vxr::VXRRenderable& group = *sheet.drawing.renderables.at(0);
-    EXPECT_TRUE(group.containsPoint({ 10, 10 }));
-    EXPECT_FALSE(group.containsPoint({ 25, 10 })); // clipped away
-    EXPECT_FALSE(group.containsPoint({ 10, 20 }));
-    group.offsetBy(10, 0);
-    EXPECT_TRUE(group.containsPoint({ 25, 10 }));
-    EXPECT_EQ(group.geometricBounds().maxX(), 30);
 }
 
 /// Shapes lie anywhere here, at a scale that is no whole number.

@@ -1,6 +1,8 @@
 #include <tests/compositing/LayerFakes.h>
 #include <tests/compositing/PageScene.h>
 #include <vxr/platform/base/Exceptions.h>
+#include <vxr/platform/graphics/DocumentContext.h>
+#include <vxr/platform/graphics/GraphicsContext.h>
 #include <vxr/renderables/VXRGroup.h>
 
 #include <gtest/gtest.h>
@@ -157,6 +159,28 @@ TEST(Group, PaintsWithinItsErasableBounds)
             }
         }
     }
+}
+
+TEST(Group, StaysVectorsInADocument)
+{
+    std::string document;
+    const auto context = DocumentContext::createWithWriter([&](const unsigned char* data, std::size_t size) {
+        document.assign(reinterpret_cast<const char*>(data), size);
+        return true;
+    });
+    const auto group = VXRGroup::groupWithRenderables(
+        { VXRShape::shapeWithRect({ 5, 5, 30, 10 }), VXRShape::shapeWithOvalInRect({ 5, 5, 5, 10 }) });
+    group->setClipPaths({ Path::pathWithOvalInRect({ 0, 0, 20, 30 }) });
+    group->setOpacity(0.5f);
+    PDFPageBoxes boxes;
+    boxes.media = { 0, 0, 50, 50 };
+    context->beginPage(boxes);
+    const CurrentContextScope scope(*context, false, false);
+    group->renderLayeredIntoContext(*context);
+    context->endPage();
+    context->close();
+    EXPECT_NE(document.find("/Type /Group"), std::string::npos); // the opacity is the whole's
+    EXPECT_EQ(document.find("/Subtype /Image"), std::string::npos);
 }
 
 TEST(Group, IsHitWhereAMemberShowsThroughItsClip)

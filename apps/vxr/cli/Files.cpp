@@ -28,7 +28,7 @@ sigset_t endingSignals()
     return signals;
 }
 
-/// One byte more than allowed is enough to know; a pipe has no size to ask for.
+/// Reads at most one block beyond the limit; a pipe's size isn't known in advance.
 std::string readAll(std::istream& in, std::size_t limit)
 {
     std::string bytes;
@@ -85,6 +85,15 @@ std::string readWholeFile(const std::string& path, std::size_t limit)
     return readAll(file, limit);
 }
 
+bool isDocumentFile(const std::string& path)
+{
+    if (path == "-" || !fs::is_regular_file(path))
+        return false;
+    char start[2] {};
+    std::ifstream(path, std::ios::binary).read(start, sizeof start);
+    return path.ends_with(".vxr") || std::string_view(start, sizeof start) == "PK";
+}
+
 void makeFolder(const std::string& path)
 {
     std::error_code error;
@@ -109,7 +118,7 @@ std::vector<std::string> filesOf(const std::string& input, const std::vector<std
     }
     if (files.empty())
         throw std::runtime_error(
-            fmt::format("there is no {} file in this folder", fmt::join(extensions, " or ")));
+            fmt::format("there is no {} file in this folder", fmt::join(extensions, ", ")));
     std::sort(files.begin(), files.end());
     return files;
 }

@@ -8,20 +8,23 @@ namespace app {
 
 // Files as the commands read and write them. All functions throw `std::runtime_error` with the reason.
 
-/// Puts a file in place as a whole or not at all, and lets no signal come between.
+/// Writes a file completely or not at all, with signals held back meanwhile.
 void writeFile(const std::string& path, std::string_view bytes);
 
 /// All bytes of a file, or of standard input for `-`. One larger than `limit` is refused.
 std::string readWholeFile(const std::string& path, std::size_t limit);
 
-/// Makes the folder and those above it.
+/// Whether the file is a document rather than a drawing, by its first bytes or its name.
+bool isDocumentFile(const std::string& path);
+
+/// Creates the folder and its parents.
 void makeFolder(const std::string& path);
 
-/// The input itself, or, of a folder, the files in it that have one of the extensions, by name. Refuses a
-/// folder without any.
+/// The input itself or, for a folder, the files in it with one of the extensions, sorted by name. Throws for
+/// a folder without any.
 std::vector<std::string> filesOf(const std::string& input, const std::vector<std::string>& extensions);
 
-/// Keeps signals that end the program waiting for its scope to end.
+/// Holds back signals that end the program until the end of the scope.
 class SignalsHeld {
 public:
     SignalsHeld();

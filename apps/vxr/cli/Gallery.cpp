@@ -34,10 +34,11 @@ void writePNG(const vxr::demo::Scene& scene, const std::string& path)
 
 void writePDF(const vxr::demo::Scene& scene, const std::string& path)
 {
-    const auto context = vxr::DocumentContext::createWithWriter([&](const unsigned char* data, std::size_t size) {
-        writeFile(path, { reinterpret_cast<const char*>(data), size });
-        return true;
-    });
+    const auto context
+        = vxr::DocumentContext::createWithWriter([&](const unsigned char* data, std::size_t size) {
+              writeFile(path, { reinterpret_cast<const char*>(data), size });
+              return true;
+          });
     vxr::PDFPageBoxes boxes;
     boxes.media = { {}, scene.size };
     context->beginPage(boxes);

@@ -2,11 +2,13 @@
 #include "Console.h"
 #include "Files.h"
 
+#include <apps/document/Document.h>
+#include <apps/document/PageDrawing.h>
 #include <apps/vxr/import/FocalGradient.h>
-#include <apps/vxr/import/GroupRenderable.h>
 #include <apps/vxr/import/Import.h>
 #include <apps/vxr/import/OutlineStroke.h>
 
+#include <vxr/renderables/VXRGroup.h>
 #include <vxr/renderables/VXRLineEnd.h>
 #include <vxr/renderables/VXRShape.h>
 #include <vxr/strokes/VXRStrokePattern.h>
@@ -83,7 +85,7 @@ std::string text(const vxr::VXRStroke& stroke)
     return result;
 }
 
-/// Prints a renderable and what is in it, one step further in for each group.
+/// Prints a renderable and its contents, indented by group.
 class TreePrinter {
 public:
     explicit TreePrinter(const ImportedDrawing& drawing)
@@ -93,9 +95,8 @@ public:
 
     void print(const vxr::VXRRenderable& renderable, int depth)
     {
-        const auto* group = dynamic_cast<const GroupRenderable*>(&renderable);
-        const auto source = mDrawing.sources.find(&renderable);
-        line(depth, "{} {}, line {}", group ? "group" : "shape", source->second.first, source->second.second);
+        const auto* group = dynamic_cast<const vxr::VXRGroup*>(&renderable);
+        line(depth, "{}", titleOf(renderable));
         line(depth + 1, "bounds {}", text(renderable.alignmentBounds()));
         if (!renderable.transform().isIdentity())
             line(depth + 1, "transform {}", text(renderable.transform()));
@@ -103,16 +104,30 @@ public:
             line(depth + 1, "opacity {}", number(renderable.opacity()));
         if (group)
             printGroup(*group, depth);
-        else
-            printStyles(dynamic_cast<const vxr::VXRShape&>(renderable), depth);
+        else if (const auto* shape = dynamic_cast<const vxr::VXRShape*>(&renderable))
+            printStyles(*shape, depth);
     }
 
 private:
-    void printGroup(const GroupRenderable& group, int depth)
+    std::string titleOf(const vxr::VXRRenderable& renderable) const
     {
-        for (const auto& path : group.clip())
+        std::string title = dynamic_cast<const vxr::VXRGroup*>(&renderable) ? "group"
+            : dynamic_cast<const vxr::VXRShape*>(&renderable)               ? "shape"
+                                                                            : "unknown";
+        const auto found = mDrawing.sources.find(&renderable);
+        if (found == mDrawing.sources.end())
+            return title;
+        const auto& [label, number] = found->second;
+        if (!label.empty())
+            title += " " + label;
+        return number > 0 ? fmt::format("{}, line {}", title, number) : title;
+    }
+
+    void printGroup(const vxr::VXRGroup& group, int depth)
+    {
+        for (const auto& path : group.clipPaths())
             line(depth + 1, "clip {}, {} elements", text(path->bounds()), path->elementCount());
-        for (const auto& child : group.children())
+        for (const auto& child : group.renderables())
             print(*child, depth + 1);
     }
 
@@ -139,21 +154,56 @@ private:
     const ImportedDrawing& mDrawing;
 };
 
+void printTree(const ImportedDrawing& drawing, int depth)
+{
+    TreePrinter printer(drawing);
+    for (const auto& renderable : drawing.renderables)
+        printer.print(*renderable, depth);
+}
+
+void inspectDrawing(const std::string& input, Console& console)
+{
+    const svg::Drawing drawing = svg::readDrawing(readWholeFile(input, svg::XmlLimits {}.bytes));
+    for (const svg::Warning& warning : drawing.warnings)
+        console.warning(input, warning);
+    const ImportedDrawing imported = importDrawing(drawing);
+    fmt::print("{}: {} x {}, {} shapes\n", input, number(imported.size.width), number(imported.size.height),
+        imported.shapeCount);
+    printTree(imported, 1);
+}
+
+/// False when something of the document was lost.
+bool inspectDocument(const std::string& input, Console& console)
+{
+    const std::unique_ptr<Document> document = Document::open(input);
+    fmt::print("{}: {} pages, {} styles, {} pictures\n", input, document->pageCount(),
+        document->styles.size(), document->pictureNames().size());
+    for (std::size_t i = 0; i < document->pageCount(); ++i) {
+        const DocumentPage& page = document->page(i);
+        const ImportedDrawing drawing = drawingFrom(page);
+        fmt::print("  page {}: {} x {}, {} shapes\n", i + 1, number(page.size.width),
+            number(page.size.height), drawing.shapeCount);
+        if (page.background)
+            fmt::print("    background {}\n", text(*page.background));
+        for (const Guide& guide : page.guides)
+            fmt::print("    {} guide at {}\n", guide.isHorizontal ? "horizontal" : "vertical",
+                number(guide.position));
+        printTree(drawing, 2);
+    }
+    for (const std::string& loss : document->losses())
+        console.warning(input, { 0, loss });
+    return document->losses().empty();
+}
+
 } // namespace
 
 int runInspect(const InspectOptions& options)
 {
     Console console;
     try {
-        const svg::Drawing drawing = svg::readDrawing(readWholeFile(options.input, svg::XmlLimits {}.bytes));
-        for (const svg::Warning& warning : drawing.warnings)
-            console.warning(options.input, warning);
-        const ImportedDrawing imported = importDrawing(drawing);
-        fmt::print("{}: {} x {}, {} shapes\n", options.input, number(imported.size.width),
-            number(imported.size.height), imported.shapeCount);
-        TreePrinter printer(imported);
-        for (const auto& renderable : imported.renderables)
-            printer.print(*renderable, 1);
+        if (isDocumentFile(options.input))
+            return inspectDocument(options.input, console) ? 0 : exitFailed;
+        inspectDrawing(options.input, console);
         return 0;
     } catch (const svg::DocumentError& error) {
         console.error(options.input, error.line, error.what());

@@ -18,7 +18,7 @@ double Sizing::scaleFor(double drawingWidth, double drawingHeight) const
 
 namespace {
 
-/// The text of options that are checked together once all are known.
+/// Option texts that are validated together after parsing.
 struct RenderWords {
     std::string background;
     std::string road = "direct";
@@ -38,7 +38,9 @@ std::optional<Format> formatOf(const std::string& path)
 
 void addRender(CLI::App& command, RenderOptions& options, RenderWords& words)
 {
-    command.add_option("IN", options.inputs, "SVG drawings, folders of them, or - for standard input")
+    command
+        .add_option("IN", options.inputs,
+            "SVG drawings, documents (.vxr), folders of them, or - for a drawing on standard input")
         ->type_name("")
         ->required();
     command
@@ -66,6 +68,10 @@ void addRender(CLI::App& command, RenderOptions& options, RenderWords& words)
             return text == "none" || svg::parseColor(text) ? std::string() : "'" + text + "' is no colour";
         });
     command
+        .add_option("--page", options.page, "Page of a document (default: all in a PDF, the first as PNG)")
+        ->type_name("N")
+        ->check(CLI::Range(1, 1'000'000).description(""));
+    command
         .add_option("--road", words.road, "How a PNG is drawn: direct (the default), compositor or nonscreen")
         ->type_name("ROAD")
         ->check(CLI::IsMember({ "direct", "compositor", "nonscreen" }).description(""));
@@ -83,7 +89,7 @@ void addRender(CLI::App& command, RenderOptions& options, RenderWords& words)
 
 [[noreturn]] void complain(const std::string& message) { throw CLI::ValidationError(message, 1); }
 
-/// What depends on more than one option.
+/// Validates options that depend on each other.
 void finishRender(const CLI::App& command, const RenderWords& words, RenderOptions& options)
 {
     if (command.count("--scale") && (command.count("--width") || command.count("--height")))
@@ -108,6 +114,7 @@ void finishRender(const CLI::App& command, const RenderWords& words, RenderOptio
         complain("--road: is for PNG; a PDF has its own");
     if (options.road != Road::Compositor && options.tileSize != 0)
         complain("--tile-size: is for --road compositor");
+    options.isBackgroundGiven = !words.background.empty();
     if (words.background.empty() ? options.format == Format::PNG : words.background != "none")
         options.background
             = words.background.empty() ? svg::Rgba { 1, 1, 1, 1 } : *svg::parseColor(words.background);
@@ -137,7 +144,7 @@ void refuseUnknownCommand(const CLI::App& program, const std::string& word)
 
 Command parseCommandLine(int argc, const char* const* argv)
 {
-    CLI::App program("Draws SVG files with the VXR drawing engine.", "vxr");
+    CLI::App program("Draws SVG files and documents with the VXR drawing engine.", "vxr");
     program.set_version_flag("--version", "vxr " VXR_VERSION, "Print the version and exit");
     program.require_subcommand(1);
     program.get_formatter()->column_width(30);
@@ -151,13 +158,29 @@ Command parseCommandLine(int argc, const char* const* argv)
 
     RenderOptions render;
     RenderWords words;
-    CLI::App* renderCommand = program.add_subcommand("render", "Draw SVG files as PNG or PDF");
+    CLI::App* renderCommand = program.add_subcommand("render", "Draw SVG files and documents as PNG or PDF");
     addRender(*renderCommand, render, words);
+
+    ConvertOptions convert;
+    CLI::App* convertCommand
+        = program.add_subcommand("convert", "Make a document of SVG files, a page of each");
+    convertCommand->add_option("IN", convert.inputs, "SVG drawings")->type_name("")->required();
+    convertCommand->add_option("-o,--output", convert.output, "The document (.vxr)")
+        ->type_name("OUT")
+        ->required()
+        ->check([](const std::string& path) {
+            return path.ends_with(".vxr") ? std::string() : "'" + path + "' must end in .vxr";
+        });
+
+    convertCommand->add_flag(
+        "--replace-damaged", convert.replacesDamaged, "Replace a document even if it is damaged");
 
     InspectOptions inspect;
     CLI::App* inspectCommand = program.add_subcommand(
         "inspect", "Show the renderables of a drawing as a tree, with bounds, styles and transforms");
-    inspectCommand->add_option("IN", inspect.input, "An SVG drawing")->type_name("")->required();
+    inspectCommand->add_option("IN", inspect.input, "An SVG drawing or a document")
+        ->type_name("")
+        ->required();
 
     GalleryOptions gallery { "gallery" };
     CLI::App* galleryCommand = program.add_subcommand(
@@ -180,6 +203,8 @@ Command parseCommandLine(int argc, const char* const* argv)
     }
     if (renderCommand->parsed())
         return render;
+    if (convertCommand->parsed())
+        return convert;
     if (inspectCommand->parsed())
         return inspect;
     if (galleryCommand->parsed())

@@ -9,7 +9,7 @@
 
 namespace app {
 
-/// By which of the library's roads a picture is made.
+/// The road by which the library draws a picture.
 enum class Road {
     Direct, ///< each renderable draws into a window, whose backing store is the picture
     Compositor, ///< layers are blended into it
@@ -34,9 +34,17 @@ struct RenderOptions {
     Format format = Format::PNG;
     Sizing sizing;
     std::optional<svg::Rgba> background; ///< none for no background
+    bool isBackgroundGiven = false; ///< and overrides a page's own
+    int page = 0; ///< of a document, from 1; 0 for all in a PDF and the first one as PNG
     Road road = Road::Direct;
     bool blackAndWhite = false;
     int tileSize = 0; ///< 0 for the library's own
+};
+
+struct ConvertOptions {
+    std::vector<std::string> inputs;
+    std::string output;
+    bool replacesDamaged = false; ///< a document that is at `output` and can't be read as a whole
 };
 
 struct InspectOptions {
@@ -51,13 +59,14 @@ struct ReportOptions {
     std::vector<std::string> inputs;
 };
 
-/// What to do, or the exit status when there is nothing (left) to do.
-using Command = std::variant<int, RenderOptions, InspectOptions, GalleryOptions, ReportOptions>;
+/// The command to run, or the exit status when there is nothing to do.
+using Command
+    = std::variant<int, RenderOptions, ConvertOptions, InspectOptions, GalleryOptions, ReportOptions>;
 
 inline constexpr int exitFailed = 1; ///< an input could not be used
 inline constexpr int exitUsage = 2; ///< the command line is wrong
 
-/// Prints help and complaints itself.
+/// Prints help and usage errors itself.
 Command parseCommandLine(int argc, const char* const* argv);
 
 } // namespace app

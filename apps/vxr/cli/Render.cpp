@@ -2,12 +2,16 @@
 #include "Console.h"
 #include "Files.h"
 
+#include <apps/document/Document.h>
+#include <apps/document/PageDrawing.h>
+#include <apps/vxr/import/Convert.h>
 #include <apps/vxr/render/Roads.h>
 
 #include <fmt/format.h>
 
 #include <cmath>
 #include <filesystem>
+#include <functional>
 #include <set>
 
 namespace app {
@@ -19,7 +23,7 @@ namespace {
 constexpr int sideLimit = 32767;
 constexpr double pixelLimit = 256e6;
 
-/// Something is wrong with an output file rather than with the drawing.
+/// An error of an output file rather than of the drawing.
 struct OutputError : std::runtime_error {
     OutputError(std::string outputPath, const std::string& message)
         : std::runtime_error(message)
@@ -68,13 +72,16 @@ void writePNG(const Picture& picture, const std::string& path)
         throw OutputError(path, reason.substr(reason.find(path + ": ") == 0 ? path.size() + 2 : 0));
 }
 
-void writePDF(const Page& page, const std::string& path)
+void writePDF(const std::function<void(vxr::DocumentContext&)>& draw, const std::string& path)
 {
     std::string bytes;
-    drawPDF(page, *vxr::DocumentContext::createWithWriter([&](const unsigned char* data, std::size_t size) {
-        bytes.assign(reinterpret_cast<const char*>(data), size);
-        return true;
-    }));
+    const auto context
+        = vxr::DocumentContext::createWithWriter([&](const unsigned char* data, std::size_t size) {
+              bytes.assign(reinterpret_cast<const char*>(data), size);
+              return true;
+          });
+    draw(*context);
+    context->close();
     try {
         writeFile(path, bytes);
     } catch (const std::exception& error) {
@@ -82,7 +89,7 @@ void writePDF(const Page& page, const std::string& path)
     }
 }
 
-void renderOne(
+void renderDrawing(
     const std::string& input, const std::string& output, const RenderOptions& options, Console& console)
 {
     const svg::Drawing drawing = svg::readDrawing(readWholeFile(input, svg::XmlLimits {}.bytes));
@@ -93,7 +100,48 @@ void renderOne(
     if (options.format == Format::PNG)
         writePNG(drawPicture(page, options.road), output);
     else
-        writePDF(page, output);
+        writePDF([&](vxr::DocumentContext& context) { drawPDFPage(page, context); }, output);
+}
+
+/// How a page of a document is to be drawn. Refers to `drawing`.
+Page pageFor(const DocumentPage& source, const ImportedDrawing& drawing, const RenderOptions& options)
+{
+    Page page = pageFor(drawing, options);
+    if (source.background && !options.isBackgroundGiven)
+        page.background = rgbaFrom(*source.background);
+    return page;
+}
+
+/// False when something of the document was lost.
+bool renderDocument(
+    const std::string& input, const std::string& output, const RenderOptions& options, Console& console)
+{
+    const std::unique_ptr<Document> document = Document::open(input);
+    const auto count = static_cast<int>(document->pageCount());
+    if (options.page > count || count == 0)
+        throw std::runtime_error(
+            fmt::format("there is no page {}; the document has {}", std::max(options.page, 1), count));
+    const auto draw = [&](int number, const auto& use) {
+        const DocumentPage& source = document->page(static_cast<std::size_t>(number - 1));
+        const ImportedDrawing drawing = drawingFrom(source);
+        use(pageFor(source, drawing, options));
+    };
+    if (options.format == Format::PNG) {
+        draw(std::max(options.page, 1),
+            [&](const Page& page) { writePNG(drawPicture(page, options.road), output); });
+    } else {
+        const int first = options.page ? options.page : 1;
+        const int last = options.page ? options.page : count;
+        writePDF(
+            [&](vxr::DocumentContext& context) {
+                for (int number = first; number <= last; ++number)
+                    draw(number, [&](const Page& page) { drawPDFPage(page, context); });
+            },
+            output);
+    }
+    for (const std::string& loss : document->losses())
+        console.warning(input, { 0, loss });
+    return document->losses().empty();
 }
 
 } // namespace
@@ -106,7 +154,7 @@ int runRender(const RenderOptions& options)
     std::vector<std::string> inputs;
     for (const std::string& input : options.inputs) {
         try {
-            const std::vector<std::string> files = filesOf(input, { ".svg", ".svgz" });
+            const std::vector<std::string> files = filesOf(input, { ".svg", ".svgz", ".vxr" });
             inputs.insert(inputs.end(), files.begin(), files.end());
         } catch (const std::exception& error) {
             Console().error(input, 0, error.what());
@@ -135,7 +183,10 @@ int runRender(const RenderOptions& options)
             if (!written.insert(output).second)
                 throw OutputError(
                     output, "two of the drawings would have this name; " + input + " is left out");
-            renderOne(input, output, options, console);
+            if (isDocumentFile(input))
+                status = renderDocument(input, output, options, console) ? status : exitFailed;
+            else
+                renderDrawing(input, output, options, console);
         } catch (const svg::DocumentError& error) {
             console.error(input, error.line, error.what());
             status = exitFailed;

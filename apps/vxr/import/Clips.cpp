@@ -28,7 +28,8 @@ bool anyOverlap(const Areas& areas)
     return false;
 }
 
-/// Whether one way round means covered: true for all but even-odd areas of several sub-paths.
+/// Whether the area is covered wherever the winding number isn't zero: all but even-odd areas of several
+/// sub-paths.
 bool hasPlainWinding(const svg::Clip::Area& area)
 {
     const auto& verbs = area.outline.verbs();
@@ -36,7 +37,7 @@ bool hasPlainWinding(const svg::Clip::Area& area)
         || std::count(verbs.begin(), verbs.end(), svg::Verb::Move) == 1;
 }
 
-/// Areas that all run the same way round unite by the nonzero rule, with their curves kept.
+/// Areas with the same direction are united by the nonzero rule, which keeps their curves.
 std::shared_ptr<vxr::Path> joined(const Areas& areas, svg::FillRule rule)
 {
     svg::Outline all;

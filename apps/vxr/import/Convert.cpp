@@ -4,14 +4,6 @@ namespace app {
 
 vxr::Point pointFrom(svg::Vec v) { return { static_cast<float>(v.x), static_cast<float>(v.y) }; }
 
-vxr::Rect rectFrom(const svg::Box& box)
-{
-    if (box.isNone())
-        return {};
-    const vxr::Point origin = pointFrom({ box.minX, box.minY });
-    return { origin, { static_cast<float>(box.width()), static_cast<float>(box.height()) } };
-}
-
 vxr::AffineTransform transformFrom(const svg::Matrix& m)
 {
     return { static_cast<float>(m.a), static_cast<float>(m.b), static_cast<float>(m.c),
@@ -22,6 +14,14 @@ std::shared_ptr<vxr::Color> colorFrom(const svg::Rgba& c)
 {
     return vxr::Color::colorWithCalibratedRGB(
         static_cast<float>(c.r), static_cast<float>(c.g), static_cast<float>(c.b), static_cast<float>(c.a));
+}
+
+svg::Rgba rgbaFrom(const vxr::Color& color)
+{
+    const auto rgb = color.colorUsingColorSpaceName(vxr::NSCalibratedRGBColorSpace);
+    if (!rgb)
+        return { 1, 1, 1, 1 };
+    return { rgb->redComponent(), rgb->greenComponent(), rgb->blueComponent(), rgb->alphaComponent() };
 }
 
 vxr::WindingRule windingRuleFrom(svg::FillRule rule)

@@ -9,11 +9,11 @@
 
 namespace app {
 
-// From the reader's double precision to the model's types.
+// Conversions from the reader's types to the model's.
 vxr::Point pointFrom(svg::Vec);
-vxr::Rect rectFrom(const svg::Box&); ///< the zero rectangle for no box
 vxr::AffineTransform transformFrom(const svg::Matrix&);
 std::shared_ptr<vxr::Color> colorFrom(const svg::Rgba&);
+svg::Rgba rgbaFrom(const vxr::Color&);
 vxr::WindingRule windingRuleFrom(svg::FillRule);
 std::shared_ptr<vxr::Path> pathFrom(const svg::Outline&, svg::FillRule = svg::FillRule::NonZero);
 

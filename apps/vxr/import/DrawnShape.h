@@ -6,7 +6,8 @@
 
 namespace app {
 
-/// A shape of a drawing. Nobody aligns anything to it, so its alignment bounds may serve the compositor.
+/// A shape of a drawing. Nothing is aligned to it, so its alignment bounds can be those that suit the
+/// compositor.
 class DrawnShape final : public vxr::VXRShape {
 public:
     vxr::Rect computeAlignmentBounds() const override

@@ -44,7 +44,7 @@ void FocalGradient::paintRect(const vxr::Rect& rect)
 void FocalGradient::drawInto(vxr::Context& context)
 {
     if (!mShading) {
-        // Sampled here and now, so the function needs this object no longer than that.
+        // The function is sampled at once, so it doesn't outlive this object.
         const auto function = std::make_shared<vxr::ShadingFunction>(
             static_cast<VXRGradient*>(this), vxr::_evaluateGradient, nullptr);
         std::vector<float> jumps;

@@ -13,6 +13,9 @@ public:
         float focusRadius);
     ~FocalGradient() override;
 
+    vxr::Point focus() const { return mFocus; }
+    float focusRadius() const { return mFocusRadius; }
+
     void paintShape(vxr::VXRPaintedShape&) override;
     void paintRect(const vxr::Rect&) override;
 

@@ -11,10 +11,10 @@ namespace app {
 
 namespace {
 
-/// More repetitions than this are not told apart by the eye, but cost a stop each.
+/// More repetitions than this can't be told apart, but each costs a stop.
 constexpr int repetitionLimit = 256;
 
-/// Where a second stop stands that belongs at 0.
+/// The fraction of a second stop at 0.
 constexpr float leastFraction = 1e-6f;
 
 struct Range {
@@ -66,8 +66,8 @@ std::vector<std::shared_ptr<vxr::VXRGradientStop>> stopsFrom(const std::vector<s
 {
     std::vector<std::shared_ptr<vxr::VXRGradientStop>> result;
     for (const svg::GradientStop& stop : stops) {
-        // At 0 the library takes the last of several stops. What lies before the gradient has the colour of
-        // the first one, so that one stays alone there.
+        // Of several stops at 0 the library uses the last. The area before the gradient takes the colour of
+        // the first, so later stops are moved to just above 0.
         float fraction = static_cast<float>(stop.offset);
         if (!result.empty())
             fraction = std::max(fraction, leastFraction);
@@ -126,7 +126,7 @@ std::vector<svg::GradientStop> repeatedStops(const svg::Gradient& gradient, int 
         result.push_back({ (step - first + offset) / count, color });
     };
     for (int step = first; step < last; ++step) {
-        // Each step is whole: before its first stop and after its last one it has their colours.
+        // Each repetition is padded with the colours of its first and last stop.
         std::vector<svg::GradientStop> stops = gradient.stops;
         if (stops.front().offset > 0)
             stops.insert(stops.begin(), { 0, stops.front().color });
@@ -154,7 +154,7 @@ std::shared_ptr<vxr::VXRShapePainter> painterFrom(
     const svg::Gradient& source = *paint.gradient;
     PlacedGradient made = source.kind == svg::Gradient::Kind::Linear ? makeLinear(source, covered, margin)
                                                                      : makeRadial(source, covered, margin);
-    // Everything about the place is in the transform: bounding boxes make axes so short that their angle
+    // The placement is entirely in the transform: bounding boxes can make the axis so short that its angle
     // would be lost in single precision.
     made.gradient->setStartPoint({ 0, 0 });
     made.gradient->setEndPoint({ 1, 0 });

@@ -1,8 +1,9 @@
 #include "Import.h"
 
+#include "Clips.h"
+#include "DrawnGroup.h"
 #include "DrawnShape.h"
 #include "Gradients.h"
-#include "GroupRenderable.h"
 #include "OutlineStroke.h"
 
 #include <vxr/renderables/VXRLineEnd.h>
@@ -121,8 +122,12 @@ private:
 
     std::shared_ptr<vxr::VXRRenderable> import(const svg::Group& group)
     {
-        auto result = std::make_shared<GroupRenderable>(
-            import(group.children), group.clip ? clipPathsFrom(*group.clip) : ClipPaths {});
+        auto result = std::make_shared<DrawnGroup>();
+        result->setRenderables(import(group.children));
+        if (group.clip) {
+            const ClipPaths clip = clipPathsFrom(*group.clip);
+            result->setClipPaths({ clip.begin(), clip.end() });
+        }
         result->setOpacity(static_cast<float>(group.opacity));
         note(*result, group.element, group.id, group.line);
         return result;

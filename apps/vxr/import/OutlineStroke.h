@@ -6,12 +6,12 @@
 namespace app {
 
 /// A stroke whose pen lives in the shape's local frame, so that a transform that stretches the shape
-/// stretches the pen with it, and that can be painted with any fill. It is drawn as what it covers: the
-/// stroked outline, filled.
+/// stretches the pen with it, and that can be painted with any fill. It is drawn by filling the
+/// stroked outline.
 class OutlineStroke final : public vxr::VXRStroke {
 public:
-    /// `pen` is in units of the shape's local frame; `canvasWidth` is how wide the line becomes at most on
-    /// the canvas, which the shape's bounds are computed with.
+    /// `pen` is in units of the shape's local frame; `canvasWidth` is the largest width of the
+    /// line on the canvas, from which the shape's bounds are computed.
     OutlineStroke(vxr::LineStyle pen, float canvasWidth, std::shared_ptr<vxr::VXRShapePainter> painter);
     ~OutlineStroke() override;
 

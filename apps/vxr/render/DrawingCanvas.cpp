@@ -14,7 +14,7 @@ DrawingCanvas::DrawingCanvas(
         renderable->setCanvas(this);
         renderable->invalidateBoundingBox(); // it depends on where a compositor's pixels are
     }
-    // Has layers made anew, which may have pixels from another canvas.
+    // Rebuilds layers, which may hold pixels made for another canvas.
     setUsesCompositor(usesCompositor);
 }
 

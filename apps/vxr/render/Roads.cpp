@@ -25,7 +25,7 @@ std::shared_ptr<DrawingCanvas> makeCanvas(const Page& page, bool usesCompositor)
     return canvas;
 }
 
-/// Draws the whole page into a context of its size that is no screen.
+/// Draws the whole page into an off-screen context of its size.
 void drawInto(const Page& page, vxr::Context& context)
 {
     const std::shared_ptr<DrawingCanvas> canvas = makeCanvas(page, false);
@@ -91,13 +91,18 @@ Picture ShownPage::picture() const
     return { window.width(), window.height(), { first, first + count } };
 }
 
-void drawPDF(const Page& page, vxr::DocumentContext& context)
+void drawPDFPage(const Page& page, vxr::DocumentContext& context)
 {
     vxr::PDFPageBoxes boxes;
     boxes.media = { 0, 0, static_cast<float>(page.width), static_cast<float>(page.height) };
     context.beginPage(boxes);
     drawInto(page, context);
     context.endPage();
+}
+
+void drawPDF(const Page& page, vxr::DocumentContext& context)
+{
+    drawPDFPage(page, context);
     context.close();
 }
 

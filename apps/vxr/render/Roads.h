@@ -9,7 +9,7 @@
 
 namespace app {
 
-/// A drawing with how it is to appear.
+/// A drawing and how it is to be drawn.
 struct Page {
     const ImportedDrawing& drawing;
     int width = 0, height = 0; ///< pixels, or points of a PDF
@@ -46,6 +46,8 @@ private:
     std::unique_ptr<Impl> mImpl;
 };
 
+/// A page in vectors.
+void drawPDFPage(const Page&, vxr::DocumentContext&);
 /// One page in vectors, and the end of the document.
 void drawPDF(const Page&, vxr::DocumentContext&);
 

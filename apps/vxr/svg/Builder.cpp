@@ -165,7 +165,7 @@ void Builder::addViewport(const XmlElement& element, const XmlElement* use, Scop
     const Viewport outer = scope.viewport;
     Viewport inner = outer;
     if (!isRoot) {
-        // A `use` speaks before the element itself.
+        // Attributes of the `use` override those of the element.
         const auto side = [&](const char* name, double whole) {
             const XmlElement& from = use && use->attribute(name) ? *use : element;
             return length(from, name, whole, scope.style, whole);
@@ -257,7 +257,7 @@ Matrix Builder::transformOf(const XmlElement& element, const Style& style)
     return matrix.value_or(Matrix {});
 }
 
-/// Extensions are never there, and the language is English.
+/// No extension is supported, and the user's language is English.
 bool Builder::meetsConditions(const XmlElement& element)
 {
     const std::string* language = element.attribute("systemLanguage");

@@ -4,7 +4,7 @@
 
 namespace app::svg {
 
-/// What an element finds around it.
+/// The context in which an element is read.
 struct Scope {
     Style style; ///< of the parent
     Matrix toCanvas; ///< from the parent's user space

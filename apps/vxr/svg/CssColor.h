@@ -13,8 +13,8 @@ struct Rgba {
 };
 
 /// A CSS colour: a name, `transparent`, `#rgb`, `#rgba`, `#rrggbb`, `#rrggbbaa`, `rgb()`, `rgba()`, `hsl()`,
-/// `hsla()`, `hwb()` in comma and space notation. Components out of range are clamped. None when it is
-/// something else; `none` and `currentColor` are no colours.
+/// `hsla()`, `hwb()` in comma and space notation. Components out of range are clamped. None for
+/// anything else, `none` and `currentColor` included.
 std::optional<Rgba> parseColor(std::string_view);
 
 } // namespace app::svg

@@ -18,7 +18,7 @@ public:
     /// The element that `href` or `xlink:href` leads to within the document; null otherwise.
     const XmlElement* referenced(const XmlElement&) const;
 
-    /// The style of an element inside one of style `parent`. Values that can't be read are warned of.
+    /// The style of an element inside one of style `parent`. Invalid values give a warning.
     Style styleOf(const XmlElement&, const Style& parent, const Viewport&);
     /// The style an element has where it stands in the document, which is what the contents of gradients,
     /// clip paths and markers inherit from.
@@ -29,7 +29,7 @@ public:
     void warn(int line, const std::string& message);
     std::vector<Warning> takeWarnings() { return std::move(mWarnings); }
 
-    /// Counts an element about to be looked at. Throws `DocumentError` past the limit.
+    /// Counts an element about to be visited. Throws `DocumentError` past the limit.
     void visit(const XmlElement&);
     const DrawingLimits& limits() const { return mLimits; }
 
@@ -61,7 +61,7 @@ public:
 private:
     /// A gradient with its inheritance followed but its lengths not yet measured.
     struct Source {
-        const XmlElement* element = nullptr; ///< that was referred to
+        const XmlElement* element = nullptr; ///< the referenced element
         Gradient::Kind kind = Gradient::Kind::Linear;
         std::unordered_map<std::string, const std::string*> attributes;
         std::vector<GradientStop> stops;
@@ -75,7 +75,7 @@ private:
     std::unordered_map<const XmlElement*, Source> mSources;
 };
 
-/// A place where a marker may stand: a vertex and the directions of the line before and after it.
+/// A vertex at which a marker may be drawn.
 struct MarkerVertex {
     Vec point;
     double angle = 0; ///< radians, the bisector of the two directions

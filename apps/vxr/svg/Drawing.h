@@ -10,8 +10,8 @@
 
 namespace app::svg {
 
-/// A drawing as plain data, with everything looked up: styles computed, references followed, `use`
-/// expanded. What is left are shapes, and groups where several shapes share an opacity or a clip.
+/// A drawing as plain data: styles are computed, references resolved and `use` expanded. What remains are
+/// shapes, and groups where several shapes share an opacity or a clip.
 ///
 /// The canvas is the root's viewport: (0, 0) at the top left, y down, 1/96 inch a unit.
 
@@ -54,10 +54,10 @@ struct Stroke {
     bool scales = true; ///< with the shape's transform; otherwise lengths are canvas units
 
     bool paints() const { return paint.kind != Paint::Kind::None && width > 0; }
-    double reach() const; ///< how far beyond its outline it can get
+    double reach() const; ///< how far it can extend beyond the outline
 };
 
-/// A marker that is nothing but a filled figure in the stroke's colour. User units of the shape; the
+/// A marker that consists of one figure filled in the stroke's colour. User units of the shape; the
 /// line's end is at the origin and the line comes from the negative x side.
 struct LineEnd {
     Outline outline;
@@ -111,15 +111,15 @@ struct Drawing {
     std::vector<Warning> warnings; ///< in the order found
 };
 
-/// What a drawing may cost at most once `use` is expanded.
+/// Limits on a drawing once `use` is expanded.
 struct DrawingLimits {
     int shapes = 200'000;
     int visits = 2'000'000; ///< of elements, repeated ones included
     int depth = 400;
 };
 
-/// Reads the text of an SVG document. Parts that the model has nothing for are left out, with one warning a
-/// kind. Throws `DocumentError` when the document can't be read or breaks a limit.
+/// Reads the text of an SVG document. Parts that the model can't represent are left out, with one warning
+/// per kind. Throws `DocumentError` when the document can't be read or exceeds a limit.
 Drawing readDrawing(std::string_view text, const XmlLimits& = {}, const DrawingLimits& = {});
 
 /// Bounds of the outlines of `nodes` after `fromCanvas`, clips not counted; with as much around them as their

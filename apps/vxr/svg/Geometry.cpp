@@ -127,7 +127,7 @@ void Outline::arcTo(Vec radii, double xAxisDegrees, bool largeArc, bool sweep, V
     const Vec middle = (start + end) * 0.5;
     const Matrix place = Matrix::translation(middle.x, middle.y) * turn * Matrix::scaling(rx, ry)
         * Matrix::translation(center.x, center.y);
-    // A nudge keeps a quarter turn that rounding made slightly longer in one piece.
+    // The tolerance keeps a quarter turn in one piece when rounding has made it slightly longer.
     const int pieces
         = std::max(1, static_cast<int>(std::ceil(std::fabs(delta) / (std::numbers::pi / 2) - 1e-9)));
     const double step = delta / pieces;
@@ -190,7 +190,7 @@ Box Outline::bounds(const Matrix& matrix) const
         switch (mVerbs[i]) {
         case Verb::Move:
             current = matrix.map(mPoints[next++]);
-            // A move that nothing follows draws nothing.
+            // A trailing move draws nothing.
             if (i + 1 < mVerbs.size() && mVerbs[i + 1] != Verb::Move)
                 box.include(current);
             break;

@@ -8,8 +8,8 @@
 
 namespace app::svg {
 
-/// Position or offset. Everything of the import layer is in double precision; the model's single
-/// precision is reached in one step at its end.
+/// Position or offset. The import layer works in double precision and rounds to the model's single
+/// precision once, at the end.
 struct Vec {
     double x = 0;
     double y = 0;
@@ -20,7 +20,7 @@ struct Vec {
     friend constexpr Vec operator*(Vec a, double k) { return { a.x * k, a.y * k }; }
 };
 
-/// Axis-aligned box. Starts out as no box at all, which `include` grows.
+/// Axis-aligned box, empty until `include` grows it.
 struct Box {
     double minX = std::numeric_limits<double>::infinity();
     double minY = std::numeric_limits<double>::infinity();
@@ -57,12 +57,12 @@ struct Matrix {
 
     Vec map(Vec p) const { return { a * p.x + c * p.y + e, b * p.x + d * p.y + f }; }
     double determinant() const { return a * d - b * c; }
-    /// False for matrices that flatten the plane or hold no numbers.
+    /// False for singular matrices and those with components that are not finite.
     bool isInvertible() const;
-    Matrix inverse() const; ///< the identity when there is none
-    /// Turns and scales every length alike, mirroring or not.
+    Matrix inverse() const; ///< the identity for a singular matrix
+    /// Whether the map is a rotation, reflection and uniform scale.
     bool isSimilarity() const;
-    double largestScale() const; ///< by how much lengths grow at most
+    double largestScale() const; ///< the larger singular value
 
     friend bool operator==(const Matrix&, const Matrix&) = default;
 };
@@ -97,9 +97,9 @@ public:
     /// round an outline runs.
     double signedArea() const;
     Outline transformed(const Matrix&) const;
-    Outline reversed() const; ///< each sub-path run through backwards
-    /// Sub-paths that never leave their start become lines of that length along the x axis, which is how
-    /// their caps are to look; renderers leave some of them out otherwise.
+    Outline reversed() const; ///< with each sub-path's direction reversed
+    /// Sub-paths of zero length become lines of that length along the x axis, so that renderers draw their
+    /// caps.
     Outline withDotsOfLength(double length) const;
 
     static Outline rectangle(double x, double y, double width, double height, double rx, double ry);

@@ -5,10 +5,10 @@
 
 namespace app::svg {
 
-/// Whether the bytes start as gzip data do, as those of a compressed drawing (`.svgz`).
+/// Whether the data starts with the gzip signature, as a compressed drawing (`.svgz`) does.
 bool isGzip(std::string_view);
 
-/// What was compressed. Throws `DocumentError` for damaged data and for more than `limit` bytes.
+/// Decompresses the data. Throws `DocumentError` for damaged data and for more than `limit` bytes.
 std::string unpackGzip(std::string_view, std::size_t limit);
 
 } // namespace app::svg

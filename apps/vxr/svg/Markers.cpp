@@ -88,7 +88,7 @@ std::vector<MarkerVertex> markerVertices(const Outline& outline)
             vertices.push_back({ subpath.start, 0 });
             continue;
         }
-        // The ends of a closed sub-path see the whole loop.
+        // At the ends of a closed sub-path the directions wrap around.
         const std::optional<Vec> before = subpath.isClosed ? (pieces.back().arriving ? pieces.back().arriving
                                                   : pieces.size() > 1 ? pieces[pieces.size() - 2].arriving
                                                                       : std::nullopt)

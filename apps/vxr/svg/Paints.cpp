@@ -8,8 +8,8 @@ namespace app::svg {
 
 namespace {
 
-/// How far inside its circle a focus is kept, as SVG 1.1 wants it: on the rim the blend would have no
-/// width on one side.
+/// How far inside its circle a focus is kept, as SVG 1.1 requires: on the circle itself the blend would have
+/// no width on one side.
 constexpr double focusLimit = 0.999;
 
 Paint solid(Rgba color, double opacity)

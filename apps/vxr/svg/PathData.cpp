@@ -25,7 +25,7 @@ public:
     }
 
 private:
-    /// A command letter and all the coordinates that belong to it.
+    /// A command letter and all of its coordinates.
     bool readCommand(char letter)
     {
         static constexpr std::string_view known = "MmLlHhVvCcSsQqTtAaZz";
@@ -93,7 +93,7 @@ private:
         return mRelative ? mOutline.currentPoint() + p : p;
     }
 
-    /// After a close, drawing goes on from the closed sub-path's start in a sub-path of its own.
+    /// After a close, drawing continues from the closed sub-path's start in a new sub-path.
     void continueAfterClose()
     {
         if (mPrevious == 'Z')

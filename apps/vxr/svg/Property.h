@@ -6,8 +6,8 @@
 
 namespace app::svg {
 
-/// The properties that the reader knows, by name. Some have an effect that the model can't show; these are
-/// known so that there can be a warning of them.
+/// The known properties, by name. Some have an effect that the model can't show; they are listed so that
+/// their use can be reported.
 enum class Property {
     Animation,
     AnimationName,
@@ -64,8 +64,7 @@ enum class Property {
 inline constexpr std::size_t propertyCount = static_cast<std::size_t>(Property::Y) + 1;
 
 std::optional<Property> propertyNamed(std::string_view name);
-/// Likewise for the name of an attribute: some properties have no attribute, or one with a grammar of its
-/// own.
+/// The same for a presentation attribute. Some properties have none, or an attribute with another grammar.
 std::optional<Property> propertyOfAttribute(std::string_view name);
 std::string_view nameOf(Property);
 

@@ -140,7 +140,7 @@ bool readDash(StyleReading& r, const std::string& text)
 
 bool readFontSize(StyleReading& r, const std::string& text)
 {
-    // A word such as `large` is left alone: text is not drawn, only `em` would notice.
+    // Keywords such as `large` are ignored: text is not drawn, so they would only affect `em`.
     if (const std::optional<Length> length = parseLength(text))
         r.style.fontSize = std::max(0.0, length->resolved(r.parent.fontSize, r.parent.fontSize));
     return true;

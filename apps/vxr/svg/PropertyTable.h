@@ -14,15 +14,15 @@ struct StyleReading {
 
 enum class ReadResult {
     Read,
-    Bad, ///< is no value of the property; the style stays as it was
+    Bad, ///< not a value of the property; the style is unchanged
     NotApplied, ///< has an effect that the model can't show
 };
 
-/// All there is to know about a property.
+/// Description of a property.
 struct PropertyRow {
     std::string_view name;
     bool isInherited = false;
-    bool isAttribute = true; ///< can stand as an attribute of its own
+    bool isAttribute = true; ///< is also a presentation attribute
 
     // Of properties that the model can show.
     void (*copy)(Style& to, const Style& from) = nullptr;

@@ -23,7 +23,7 @@ std::string_view trimmed(std::string_view text)
 
 namespace {
 
-/// A double holds every whole number of so many digits.
+/// Integers with this many digits are exact in a double.
 constexpr int exactDigits = 15;
 constexpr double powersOfTen[exactDigits + 1]
     = { 1, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15 };
@@ -114,7 +114,7 @@ std::optional<double> Scanner::number()
     double value = 0;
     const char* begin = mText.data() + mAt + (plus ? 1 : 0);
     const auto result = std::from_chars(begin, mText.data() + at, value);
-    // Too small to be a double is as good as nothing; too large is an error.
+    // Values too small for a double count as zero; values too large are errors.
     if (result.ec == std::errc::result_out_of_range && mText.substr(mAt, at - mAt).find('-', 1) != mText.npos)
         value = 0;
     else if (result.ec != std::errc() || !(std::fabs(value) <= std::numeric_limits<float>::max()))

@@ -5,7 +5,7 @@
 
 namespace app::svg {
 
-/// Reads numbers, words and separators off the front of a text. What doesn't match is left unread.
+/// Reads numbers, words and separators from the front of a text. Input that doesn't match is not consumed.
 class Scanner {
 public:
     explicit Scanner(std::string_view text)
@@ -21,11 +21,11 @@ public:
 
     void skipSpace();
     void skipSpaceAndComma(); ///< white space with at most one comma in it
-    bool consume(char); ///< that very character
-    bool consumeWord(std::string_view word); ///< without regard to case
+    bool consume(char); ///< exactly that character
+    bool consumeWord(std::string_view word); ///< ignoring case
 
-    /// A number as SVG writes them: `-.5`, `3.`, `1e3`. An `e` that no digit follows is left for a
-    /// unit. None, too, for what single precision can't hold.
+    /// A number as SVG writes them: `-.5`, `3.`, `1e3`. An `e` without a digit after it is
+    /// left for a unit. Also none for values beyond the range of single precision.
     std::optional<double> number();
     std::optional<bool> flag(); ///< a single `0` or `1`
     std::string_view word(); ///< letters, digits, `-` and `_`; empty when there are none

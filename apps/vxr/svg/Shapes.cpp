@@ -1,4 +1,4 @@
-// The builder's share for single shapes: outlines, paints, markers and clips.
+// The part of the builder that handles single shapes: outlines, paints, markers and clips.
 
 #include "Builder.h"
 
@@ -67,7 +67,7 @@ std::optional<Outline> Builder::outlineOf(const XmlElement& element, const Scope
         outline.moveTo({ at("x1", w), at("y1", h) });
         outline.lineTo({ at("x2", w), at("y2", h) });
     } else if (element.name == "rect") {
-        // A radius that isn't given is the other one.
+        // A missing radius equals the other one.
         const double rx = at("rx", w, -1);
         const double ry = at("ry", h, -1);
         const double width = at("width", w);

@@ -50,7 +50,7 @@ Style computeStyle(const Style& parent, const Declarations& declarations, const 
                 ? row.warning()
                 : "'" + text->substr(0, 60) + "' is no value for " + std::string(row.name));
     };
-    // Others are measured by these two.
+    // Other properties depend on these two.
     read(Property::FontSize);
     read(Property::Color);
     for (std::size_t i = 0; i < propertyCount; ++i) {

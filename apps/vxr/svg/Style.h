@@ -20,7 +20,7 @@ struct PaintValue {
     Kind kind = Kind::None;
     Rgba color; ///< of a Color
     std::string reference; ///< id behind a Reference
-    Kind fallback = Kind::None; ///< None, Color (in `color`) or CurrentColor, when the id leads nowhere
+    Kind fallback = Kind::None; ///< None, Color (in `color`) or CurrentColor, when the reference is broken
 };
 
 /// The computed style of one element. Lengths are user units.
@@ -47,14 +47,14 @@ struct Style {
     double opacity = 1;
     bool isDisplayed = true;
     std::string clipPath; ///< id, empty for none
-    bool overflowVisible = false; ///< what elements with a viewport of their own do with what is outside
+    bool overflowVisible = false; ///< whether an element's own viewport doesn't clip
     bool scalesStroke = true; ///< false for `vector-effect: non-scaling-stroke`
-    std::optional<Matrix> transform; ///< of the CSS property, which goes before the attribute
+    std::optional<Matrix> transform; ///< of the CSS property, which overrides the attribute
     Rgba stopColor { 0, 0, 0, 1 };
     double stopOpacity = 1;
 };
 
-/// What lengths in percent stand for.
+/// The size that percentages refer to.
 struct Viewport {
     double width = 100;
     double height = 100;

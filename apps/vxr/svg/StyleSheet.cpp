@@ -9,7 +9,7 @@ namespace app::svg {
 
 namespace {
 
-/// Comments become spaces.
+/// Replaces comments by spaces.
 std::string withoutComments(std::string_view css)
 {
     std::string result;
@@ -25,7 +25,7 @@ std::string withoutComments(std::string_view css)
     return result;
 }
 
-/// Takes a piece off the front up to one of `ends`, which stays; quotes and parentheses hide them.
+/// Removes and returns the front of the text up to one of `ends`, ignoring those in quotes and parentheses.
 std::string_view takeUntil(std::string_view& text, std::string_view ends)
 {
     char quote = '\0';
@@ -197,7 +197,7 @@ void StyleSheet::add(std::string_view source, const std::function<void(std::stri
 
 void StyleSheet::addRule(Selector selector, std::size_t declarations)
 {
-    // Under the rarest thing it asks for.
+    // Filed under its most selective part.
     std::vector<std::size_t>& list = !selector.id.empty() ? mById[selector.id]
         : !selector.classes.empty()                       ? mByClass[selector.classes.back()]
         : !selector.type.empty()                          ? mByType[selector.type]

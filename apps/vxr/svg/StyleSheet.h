@@ -34,8 +34,8 @@ struct Selector {
     int specificity() const; ///< id, then classes, then type
 };
 
-/// The rules of a document's `style` elements. Selectors are type, class and id, and their compounds;
-/// rules with other selectors are left out.
+/// The rules of a document's `style` elements. Selectors are types, classes, ids and compounds of them;
+/// rules with other selectors are ignored.
 class StyleSheet {
 public:
     /// Adds the rules of one `style` element. `unsupported` is called with the text of each selector that
@@ -43,12 +43,10 @@ public:
     void add(std::string_view css, const std::function<void(std::string_view)>& unsupported = {});
 
     /// Presentation attributes, then rules by specificity and order, then the `style` attribute;
-    /// `!important` goes before all of that. Throws `DocumentError` when all calls together have compared
+    /// `!important` overrides all of these. Throws `DocumentError` when all calls together have compared
     /// more selectors than `comparisonLimit`.
     Declarations cascade(const XmlElement&) const;
     static constexpr long comparisonLimit = 100'000'000;
-
-    bool isEmpty() const { return mRules.empty(); }
 
 private:
     struct Declaration {
@@ -70,7 +68,7 @@ private:
 
     std::vector<Rule> mRules;
     Index mByType, mByClass, mById;
-    std::vector<std::size_t> mForAll; ///< rules that name none of these
+    std::vector<std::size_t> mForAll; ///< rules without type, class and id
     mutable long mComparisons = 0;
     std::vector<std::vector<Declaration>> mBlocks;
 };

@@ -21,19 +21,19 @@ struct Length {
     friend bool operator==(const Length&, const Length&) = default;
 };
 
-/// Reads a number and its unit, if there is one. None for an unknown unit.
+/// Reads a number and an optional unit. None for an unknown unit.
 std::optional<Length> readLength(Scanner&);
-/// The whole text is one length.
+/// Parses the whole text as one length.
 std::optional<Length> parseLength(std::string_view);
 /// A plain number or a percentage of 1, clamped into [0, 1].
 std::optional<double> parseOpacity(std::string_view);
 /// An angle in degrees, whatever its unit. A plain number is degrees.
 std::optional<double> parseAngle(std::string_view);
-/// Lengths separated by white space or commas. None when one of them is none.
+/// Lengths separated by white space or commas. None when one can't be read.
 std::optional<std::vector<Length>> parseLengthList(std::string_view);
 
 /// A list of `matrix`, `translate`, `scale`, `rotate`, `skewX` and `skewY`, the last one applied first.
-/// Angles are degrees unless they say otherwise. None when any part can't be read.
+/// Angles without a unit are degrees. None when any part can't be read.
 std::optional<Matrix> parseTransform(std::string_view);
 
 /// How a viewBox is fitted into a viewport.
@@ -46,15 +46,15 @@ struct AspectRatio {
 std::optional<AspectRatio> parseAspectRatio(std::string_view);
 /// Four numbers, the size not negative.
 std::optional<Box> parseViewBox(std::string_view);
-/// Maps `viewBox` into the viewport from (0, 0) to (width, height). A box without area can't be mapped
-/// and must not get here.
+/// Maps `viewBox` into the viewport from (0, 0) to (width, height). The box must have a
+/// positive area.
 Matrix viewBoxTransform(const Box& viewBox, double width, double height, const AspectRatio&);
 
-/// What could be read up to the first error, which is the rest of `PathData::outline` missing.
+/// The outline up to the first error.
 struct PathData {
     Outline outline;
     bool isComplete = true;
-    std::size_t errorOffset = 0; ///< in bytes, where reading stopped
+    std::size_t errorOffset = 0; ///< in bytes, where parsing stopped
 };
 
 /// All commands of a path's `d`. An error ends the path before the segment that it is in.

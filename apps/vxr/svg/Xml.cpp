@@ -35,8 +35,8 @@ std::string_view view(const xmlChar* text)
     return text ? std::string_view(reinterpret_cast<const char*>(text)) : std::string_view();
 }
 
-/// Builds the tree from the parser's events. Its functions are called through C code and let no exception
-/// out: the first one stops the parser and is thrown again after it.
+/// Builds the tree from the parser's events. Exceptions must not pass through the C parser: the first
+/// one stops it and is rethrown afterwards.
 class TreeBuilder {
 public:
     TreeBuilder(xmlParserCtxtPtr context, const XmlLimits& limits)
@@ -78,7 +78,7 @@ public:
             addAttribute(element, entry);
         }
 
-        // Only the last child of each open element is open itself, so growing a list moves none of them.
+        // Only the last child of an open element can be open, so appending never moves an open element.
         if (mOpen.empty()) {
             mRoot = std::move(element);
             mOpen.push_back(&mRoot);
@@ -97,8 +97,7 @@ public:
             mOpen.back()->text.append(text);
     }
 
-    /// Plain literals are what drawing programs export; anything else in a document type could load, loop or
-    /// grow.
+    /// Drawing programs export plain literals. Other entities could load files or expand without bound.
     void entity(std::string_view name, int type, std::string_view content)
     {
         if (type != XML_INTERNAL_GENERAL_ENTITY || content.find('<') != std::string_view::npos)
@@ -146,7 +145,7 @@ private:
 
     [[noreturn]] void fail(const std::string& message) const { throw DocumentError(line(), message); }
 
-    /// Without entities there is never more than the document has.
+    /// Only entities can make the text longer than the document.
     void countText(std::size_t size)
     {
         mTextSize += size;
@@ -220,7 +219,7 @@ xmlSAXHandler makeHandler()
         });
     };
     handler.cdataBlock = handler.characters;
-    // Entities are kept where the parser itself keeps and looks for them.
+    // Entities are stored in the parser's own tables.
     handler.startDocument = xmlSAX2StartDocument;
     handler.internalSubset = xmlSAX2InternalSubset;
     handler.getEntity = xmlSAX2GetEntity;
@@ -248,8 +247,8 @@ xmlSAXHandler makeHandler()
     return handler;
 }
 
-/// The parser compares every attribute of an element with all before it, which takes it minutes for an
-/// element with a million of them. So they are counted before it gets to see the text.
+/// The parser compares every attribute of an element with all before it, which takes minutes for an
+/// element with a million of them, so they are counted before parsing.
 void checkAttributeCounts(std::string_view text, int limit)
 {
     int line = 1;
@@ -285,7 +284,7 @@ void checkAttributeCounts(std::string_view text, int limit)
     }
 }
 
-/// Only encodings that agree with ASCII get to the parser, so that the count above reads what it reads.
+/// Only supersets of ASCII are accepted, so that the count above sees the same text as the parser.
 void checkEncoding(std::string_view text)
 {
     if (text.starts_with("\xFF\xFE") || text.starts_with("\xFE\xFF"))
@@ -333,7 +332,7 @@ XmlElement parseXml(std::string_view text, const XmlLimits& limits)
     }();
     static_cast<void>(prepared);
 
-    // The parser asks for pieces: of a text that it has as a whole, it refuses all beyond ten million bytes.
+    // The text is fed in pieces: the parser rejects buffers larger than ten million bytes.
     std::string_view rest = text;
     const auto read = [](void* from, char* buffer, int size) {
         std::string_view& unread = *static_cast<std::string_view*>(from);
@@ -348,7 +347,7 @@ XmlElement parseXml(std::string_view text, const XmlLimits& limits)
         xmlFreeParserCtxt);
     if (!context)
         throw std::bad_alloc();
-    // Entities are replaced, but nothing is loaded, and the parser's own limits stay on.
+    // Entities are expanded, nothing is loaded, and the parser's own limits stay on.
     xmlCtxtUseOptions(context.get(), XML_PARSE_NOENT | XML_PARSE_NONET | XML_PARSE_NOWARNING);
     TreeBuilder builder(context.get(), limits);
     context->_private = &builder;

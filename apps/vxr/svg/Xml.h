@@ -13,7 +13,7 @@ struct XmlAttribute {
     std::string value;
 };
 
-/// An element of the document with what the importer may need of it.
+/// An element of the document, with what the importer uses of it.
 struct XmlElement {
     std::string name; ///< without prefix; empty for elements of foreign namespaces
     int line = 0;
@@ -24,7 +24,7 @@ struct XmlElement {
     const std::string* attribute(std::string_view attributeName) const; ///< null when there is none
 };
 
-/// What a hostile document may cost at most.
+/// Limits that keep a hostile document from using unbounded time or memory.
 struct XmlLimits {
     std::size_t bytes = 32u << 20;
     int depth = 200;
@@ -32,7 +32,7 @@ struct XmlLimits {
     int attributes = 200; ///< of one element
 };
 
-/// The document can't be read; `line` is 0 when no line is to blame.
+/// The document can't be read. `line` is 0 when the error has no line.
 struct DocumentError : std::runtime_error {
     DocumentError(int atLine, const std::string& message)
         : std::runtime_error(message)

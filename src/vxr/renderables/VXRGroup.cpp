@@ -194,10 +194,10 @@ void VXRGroup::contentChanged()
 
 void VXRGroup::memberChanged(const Rect& area)
 {
+    if (!canvas() || !autoInvalidates())
+        return VXRRenderable::invalidateBoundingBox();
     const Rect before = erasableBounds();
     VXRRenderable::invalidateBoundingBox();
-    if (!canvas() || !autoInvalidates())
-        return;
     // Of other bounds the layer starts at another place, where all of its pixels lie differently.
     if (erasableBounds() == before) {
         // A small group has made the slack of its members small, too.
