@@ -1,7 +1,9 @@
 #include <apps/import/JobProcess.h>
 
 #include <apps/import/Job.h>
+#include <apps/import/Libraries.h>
 #include <apps/import/Messages.h>
+#include <apps/import/Signatures.h>
 #include <apps/import/TemporaryFolder.h>
 
 #include <fcntl.h>
@@ -15,6 +17,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <chrono>
 #include <csignal>
@@ -101,10 +104,9 @@ JobProcess::JobProcess(const Sandbox& sandbox, int hostSocket)
     : mSandbox(sandbox)
     , mHostSocket(hostSocket)
     , mOwnProcess(::getpid())
-    , mBasePrivateBytes(statusNumber("VmData:") << 10)
-    , mBaseAddressBytes(statusNumber("VmSize:") << 10)
-    , mNext(startWorker())
 {
+    noteBaseSize();
+    mNext = startWorker();
 }
 
 JobProcess::~JobProcess()
@@ -273,6 +275,28 @@ void JobProcess::reap(bool all)
     });
 }
 
+/// Looks at the first bytes to know which libraries the job will need.
+void JobProcess::loadWhatIsNeeded(const Request& request, int input)
+{
+    std::array<std::byte, 16> start {};
+    const bool isBitmap = request.job == Job::MeasureBitmap || request.job == Job::DecodeBitmap;
+    const ssize_t count = isBitmap ? ::pread(input, start.data(), start.size(), 0) : 0;
+    if (count <= 0)
+        return;
+    const std::string kind = bitmapKind(std::span(start).first(std::size_t(count)));
+    if (isLoadedFor(kind))
+        return;
+    dismiss(std::exchange(mNext, {})); // it was made without them
+    loadFor(kind);
+    noteBaseSize();
+}
+
+void JobProcess::noteBaseSize()
+{
+    mBasePrivateBytes = statusNumber("VmData:") << 10;
+    mBaseAddressBytes = statusNumber("VmSize:") << 10;
+}
+
 JobProcess::End JobProcess::run(const Request& request, const JobFiles& files)
 {
     reap(false);
@@ -287,6 +311,7 @@ JobProcess::End JobProcess::run(const Request& request, const JobFiles& files)
         reap(true); // nothing more comes into the folder
         return end;
     }
+    loadWhatIsNeeded(request, files.input);
     const Worker worker = mNext.process >= 0 ? std::exchange(mNext, {}) : startWorker();
     if (worker.process < 0)
         return { ImportOutcome::TooLarge, 0, false };

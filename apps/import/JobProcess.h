@@ -44,6 +44,8 @@ private:
     Worker startPostScript(const Request&, const JobFiles&, const std::string& folder);
     [[noreturn]] void work(int socket);
     [[noreturn]] void becomePostScript(const Request&, JobFiles, const std::string& folder);
+    void loadWhatIsNeeded(const Request&, int input);
+    void noteBaseSize();
     void limit(const Worker&, const Request&, const JobFiles&) const;
     End waitFor(Worker, const Request&);
     End endOf(Worker, const Request&);
@@ -53,7 +55,7 @@ private:
     const Sandbox& mSandbox;
     int mHostSocket;
     int mOwnProcess;
-    std::uint64_t mBasePrivateBytes, mBaseAddressBytes; ///< what a job inherits of either
+    std::uint64_t mBasePrivateBytes = 0, mBaseAddressBytes = 0; ///< what a job inherits of either
     Worker mNext;
     std::vector<int> mEnding; ///< processes that have been told to end
 };

@@ -3,10 +3,13 @@
 #include <apps/import/BitmapFile.h>
 #include <apps/import/PageArea.h>
 #include <apps/import/PixelConversion.h>
+#include <apps/import/Signatures.h>
 
+#include <gmodule.h>
 #include <vips/vips.h>
 
 #include <cstdlib>
+#include <set>
 #include <stdexcept>
 #include <string>
 
@@ -29,9 +32,11 @@ constexpr const char* samplePictures[] = {
     "37"
     "292c30313434341f27393d38323c2e333432ffc0000b080001000101011100ffc400140001000000000000000000000000000000"
     "08ffc40014100100000000000000000000000000000000ffda0008010100003f003fbfffd9",
-    "424d3a00000000000000360000002800000001000000010000000100180000000000040000000000000000000000000000000000"
-    "000000000000",
 };
+
+constexpr const char* sampleBMP = "424d3a00000000000000360000002800000001000000010000000100180000000000040000"
+                                  "000000000000000000000000000000"
+                                  "000000000000";
 
 constexpr char samplePage[]
     = "%PDF-1.4\n1 0 obj<</Type/Catalog/Pages 2 0 R>>endobj "
@@ -50,16 +55,26 @@ std::string fromHexadecimal(std::string_view digits)
 }
 
 /// Decoding only: saving runs a pool of threads.
-void decodeSamples()
+void decodeSample(const char* digits)
 {
-    for (const char* digits : samplePictures) {
-        const std::string bytes = fromHexadecimal(digits);
-        try {
-            BitmapFile file(std::as_bytes(std::span(bytes)));
-            file.readRows([](std::uint32_t, const std::byte*) {});
-        } catch (const std::exception&) { // the jobs will say so again
-        }
+    const std::string bytes = fromHexadecimal(digits);
+    try {
+        BitmapFile file(std::as_bytes(std::span(bytes)));
+        file.readRows([](std::uint32_t, const std::byte*) {});
+    } catch (const std::exception&) { // the jobs will say so again
     }
+}
+
+std::set<std::string>& loadedModules()
+{
+    static std::set<std::string> modules;
+    return modules;
+}
+
+void blockLoaders()
+{
+    for (const char* loader : blockedLoaders)
+        vips_operation_block_set(loader, TRUE);
 }
 
 } // namespace
@@ -71,18 +86,43 @@ void loadLibraries()
     ::setenv("MAGICK_THREAD_LIMIT", "1", 1);
     ::setenv("VIPS_DISC_THRESHOLD", "64g", 1); // never a temporary file
     ::setenv("VIPS_WARNING", "0", 1);
+    ::setenv("VIPSHOME", "/nonexistent", 1); // no modules yet
     if (VIPS_INIT("vxr-import"))
         throw std::runtime_error(vips_error_buffer());
     vips_concurrency_set(1);
     vips_cache_set_max(0);
-    for (const char* loader : blockedLoaders)
-        vips_operation_block_set(loader, TRUE);
-    decodeSamples();
+    blockLoaders();
+    for (const char* digits : samplePictures)
+        decodeSample(digits);
     loadDefaultConversions();
     try {
         drawSamplePage(samplePage);
     } catch (const std::exception&) {
     }
+}
+
+std::string moduleFolder()
+{
+    return VXR_VIPS_LIBDIR "/vips-modules-" + std::to_string(vips_version(0)) + "."
+        + std::to_string(vips_version(1)) + "/";
+}
+
+bool isLoadedFor(std::string_view bitmapKind)
+{
+    const char* const module = moduleFor(bitmapKind);
+    return !module || loadedModules().contains(module);
+}
+
+void loadFor(std::string_view bitmapKind)
+{
+    const char* const module = moduleFor(bitmapKind);
+    if (!module || !loadedModules().insert(module).second)
+        return;
+    g_module_open(
+        (moduleFolder() + module).c_str(), GModuleFlags(0)); // or the loader is missing, as jobs will say
+    blockLoaders();
+    if (bitmapKind != "heic" && bitmapKind != "avif" && bitmapKind != "jxl")
+        decodeSample(sampleBMP);
 }
 
 } // namespace vxr::importing
