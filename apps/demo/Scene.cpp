@@ -10,7 +10,7 @@ const std::vector<Scene>& scenes()
 {
     static const std::vector<Scene> all = [] {
         std::vector<Scene> list;
-        for (auto subject : { pathScenes, outlineScenes, gradientScenes, textWrapScenes, modelScenes }) {
+        for (auto subject : { pathScenes, outlineScenes, gradientScenes, textWrapScenes, modelScenes, imageScenes }) {
             std::vector<Scene> more = subject();
             std::move(more.begin(), more.end(), std::back_inserter(list));
         }

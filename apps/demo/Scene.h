@@ -40,5 +40,6 @@ std::vector<Scene> pathScenes();
 std::vector<Scene> gradientScenes();
 std::vector<Scene> textWrapScenes();
 std::vector<Scene> modelScenes();
+std::vector<Scene> imageScenes();
 
 } // namespace vxr::demo

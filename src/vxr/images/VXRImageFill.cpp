@@ -108,6 +108,26 @@ Size VXRImageFill::scaledSize(Size area) const
     return { natural.width * scale, natural.height * scale };
 }
 
+Rect VXRImageFill::placementInRect(const Rect& rect) const
+{
+    switch (mTechnique) {
+    case VXRImageFillStretch:
+        return rect;
+    case VXRImageFillTile:
+        return { rect.origin, naturalSize() };
+    case VXRImageFillNaturalSize:
+    case VXRImageFillScaleToFill:
+    case VXRImageFillScaleToFit: {
+        const Size size = mTechnique == VXRImageFillNaturalSize ? naturalSize() : scaledSize(rect.size);
+        return { { rect.minX() + (rect.size.width - size.width) * 0.5f,
+                     rect.minY() + (rect.size.height - size.height) * 0.5f },
+            size };
+    }
+    default:
+        return {};
+    }
+}
+
 void VXRImageFill::paintRect(const Rect& rect)
 {
     Context& context = currentDrawingPort();

@@ -57,6 +57,8 @@ public:
     void paintRect(const Rect&) override;
     void drawSwatchInRect(const Rect&) const; ///< whatever the technique
     void setDynamicallyTransforming(bool) override;
+    /// Where the picture lies in a rectangle, y down, not snapped to pixels; the first of its tiles.
+    Rect placementInRect(const Rect&) const;
     /// Concatenates the picture space of the shape and answers its extent.
     Size transformForShape(VXRPaintedShape&) const;
 

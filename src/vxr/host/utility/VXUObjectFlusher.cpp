@@ -51,20 +51,26 @@ void VXUObjectFlusher::recount(Entry& entry)
     mBytes += entry.bytes;
 }
 
-// Whoever is told of a flush may touch, add and remove objects, so every round looks anew. An object that
-// gives nothing back is passed over.
 void VXUObjectFlusher::flushToBudget()
 {
     if (mIsFlushing)
         return;
     mIsFlushing = true;
+    for (int rank = 0; rank <= highestRank; ++rank)
+        flushToBudgetWithinRank(rank);
+    mIsFlushing = false;
+}
+
+// Whoever is told of a flush may touch, add and remove objects, so every round looks anew. An object that
+// gives nothing back is passed over.
+void VXUObjectFlusher::flushToBudgetWithinRank(int rank)
+{
     std::size_t passedOver = 0;
     while (mBytes > mBudget && passedOver + 1 < mEntries.size()) {
-        auto candidate = mEntries.begin();
-        std::advance(candidate, passedOver);
+        const auto candidate = std::next(mEntries.begin(), static_cast<std::ptrdiff_t>(passedOver));
         const VXUFlushable* object = candidate->object;
         const std::size_t before = candidate->bytes;
-        if (candidate->bytes > 0 && candidate->object->isFlushable())
+        if (before > 0 && object->flushRank() == rank && object->isFlushable())
             candidate->object->flushLocalData();
         const auto place = mPlaces.find(object);
         if (place == mPlaces.end())
@@ -73,7 +79,6 @@ void VXUObjectFlusher::flushToBudget()
         if (place->second->bytes >= before)
             ++passedOver;
     }
-    mIsFlushing = false;
 }
 
 } // namespace vxr

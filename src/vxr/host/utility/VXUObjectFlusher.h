@@ -12,6 +12,7 @@ namespace vxr {
 class VXR_EXPORT VXUObjectFlusher {
 public:
     static constexpr std::size_t defaultBudget = std::size_t { 256 } << 20;
+    static constexpr int highestRank = 1;
 
     static VXUObjectFlusher& instance();
 
@@ -33,6 +34,7 @@ private:
 
     void recount(Entry&);
     void flushToBudget();
+    void flushToBudgetWithinRank(int rank);
 
     Entries mEntries;
     std::unordered_map<const VXUFlushable*, Entries::iterator> mPlaces;
