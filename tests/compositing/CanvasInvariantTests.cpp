@@ -90,6 +90,7 @@ TEST_P(CanvasRoads, IncrementalEqualsFullAfterAnyEdits)
     PageScene scene(windowSize, pageSize);
     scene.canvas->setUsesCompositor(GetParam().compositor);
     RandomPage random(17, pageSize);
+    random.makesPictures = !GetParam().compositor;
     for (int i = 0; i < 60; ++i)
         scene.canvas->add(random.shape());
     scene.canvas->setScale(GetParam().zoom);

@@ -4,6 +4,8 @@
 #include <vxr/fills/VXRAngleGradient.h>
 #include <vxr/fills/VXRShadow.h>
 #include <vxr/geometry/Color.h>
+#include <vxr/images/VXRImageFill.h>
+#include <vxr/platform/graphics/Image.h>
 #include <vxr/platform/views/ScrollView.h>
 #include <vxr/platform/views/Window.h>
 #include <vxr/protocols/VXRRenderableLayer.h>
@@ -77,6 +79,10 @@ public:
     {
     }
 
+    /// Pictures in turned shapes: a layer that is kept while its shape moves may show them a level or so
+    /// beside what a new one shows.
+    bool makesPictures = false;
+
     int below(int n) { return int(mRandom() % unsigned(n)); }
     float between(float low, float high) { return low + (high - low) * float(mRandom() % 100000) / 100000; }
     bool oneIn(int n) { return below(n) == 0; }
@@ -92,9 +98,11 @@ public:
     }
     std::shared_ptr<VXRShapePainter> fill()
     {
-        switch (below(6)) {
+        switch (below(makesPictures ? 7 : 6)) {
         case 0:
             return nullptr;
+        case 6:
+            return imageFill();
         case 1:
         case 2:
             return VXRAngleGradient::linearGradientWithStartColorEndColor(color(), color());
@@ -103,6 +111,21 @@ public:
         default:
             return color();
         }
+    }
+    std::shared_ptr<VXRShapePainter> imageFill()
+    {
+        const int width = 1 + below(60), height = 1 + below(60);
+        const std::uint32_t transparency = oneIn(2) ? 0 : 0xff000000;
+        std::vector<std::uint32_t> pixels;
+        for (int i = 0; i < width * height; ++i) {
+            const std::uint32_t grey = 0x10101 * std::uint32_t(mRandom() % 256);
+            pixels.push_back(transparency | (oneIn(3) ? 0 : 0xff000000 | grey));
+        }
+        auto fill = VXRImageFill::imageFillWithImageRef(
+            Image::createWithCopy(ImageLayout::nativeARGB(width, height, 4 * std::size_t(width)),
+                pixels.data(), 4 * pixels.size()));
+        fill->setTechnique(below(5));
+        return fill;
     }
     std::shared_ptr<VXRStroke> stroke()
     {
