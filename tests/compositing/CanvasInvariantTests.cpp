@@ -12,6 +12,7 @@ namespace {
 
 constexpr Size windowSize { 300, 220 };
 constexpr Size pageSize { 420, 320 };
+constexpr std::size_t limits[] = { 0, 200'000, 1'500'000, VXRLayerBudget::defaultLimit };
 constexpr float zooms[] = { 1, 2, 1.5f, 0.75f, 1.37f };
 
 /// One random change of the page, as a user or a program would make it.
@@ -104,8 +105,11 @@ TEST_P(CanvasRoads, IncrementalEqualsFullAfterAnyEdits)
             scene.canvas->setScale(GetParam().zoom);
             what = "zoom";
         }
+        // Memory makes no difference.
+        VXRLayerBudget::setLimit(limits[step % 4]);
         scene.window.displayIfNeeded();
         const auto incremental = scene.pixels();
+        VXRLayerBudget::setLimit(VXRLayerBudget::defaultLimit);
         // Now and then from nothing: layers too are to be what a new one would be.
         if (step % 20 == 19)
             for (const auto& renderable : scene.canvas->page)

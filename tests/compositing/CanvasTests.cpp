@@ -408,6 +408,69 @@ TEST(Canvas, ARenderableThatFailsLeavesTheOthersDrawnAndNothingOpen)
     }
 }
 
+namespace {
+
+/// Says how much memory the layers use after each has been brought up to date.
+class MeasuringShape : public SpyShape {
+public:
+    static inline std::size_t most = 0;
+    void prepareToDraw() override
+    {
+        SpyShape::prepareToDraw();
+        most = std::max(most, VXRLayerBudget::bytesUsed());
+    }
+};
+
+} // namespace
+
+TEST(Canvas, APageThatDoesNotFitIsDrawnInPartsAndKeepsSomeOfItsLayers)
+{
+    constexpr std::size_t megabyte = 1 << 20, limit = 3 * megabyte;
+    constexpr int count = 12;
+    PageScene scene({ 600, 600 }, { 600, 600 });
+    std::vector<std::string> calls;
+    for (int i = 0; i < count; ++i) {
+        auto shape = VXRShape::shapeWithOvalInRect<MeasuringShape>({ float(i), float(2 * i), 510, 510 });
+        shape->calls = &calls;
+        shape->setFill(Color::colorWithCalibratedRGB(float(i) / count, 0.5f, 0.2f, 0.5f));
+        scene.canvas->add(shape);
+    }
+    const auto whole = scene.redrawn();
+    const auto renderings = [&] {
+        return std::count_if(calls.begin(), calls.end(), [](const auto& call) { return call == "render "; });
+    };
+    for (const std::size_t allowed : { limit, std::size_t(0) }) {
+        VXRLayerBudget::setLimit(allowed);
+        EXPECT_LE(VXRLayerBudget::bytesUsed(), allowed);
+        MeasuringShape::most = 0;
+        EXPECT_TRUE(samePixels(scene.redrawn(), whole, 600)) << allowed;
+        calls.clear();
+        EXPECT_TRUE(samePixels(scene.redrawn(), whole, 600)) << allowed;
+        EXPECT_LE(renderings(), allowed ? count - 2 : count) << "those that were kept are not drawn again";
+        EXPECT_LE(MeasuringShape::most, allowed + std::max(allowed, megabyte) + megabyte + megabyte / 8);
+        EXPECT_LE(VXRLayerBudget::bytesUsed(), allowed);
+    }
+    VXRLayerBudget::setLimit(VXRLayerBudget::defaultLimit);
+}
+
+/// What is out of sight goes first, whatever was composed last.
+TEST(Canvas, LayersOutOfSightGoFirst)
+{
+    PageScene scene(windowSize, pageSize);
+    std::vector<std::string> calls;
+    scene.canvas->add(spy(calls, "seen", { 150, 10, 150, 140 }));
+    scene.canvas->add(spy(calls, "left", { 10, 10, 20, 140 }));
+    scene.window.displayIfNeeded();
+    scene.canvas->scrollPoint({ 100, 0 });
+    scene.canvas->setNeedsDisplayInRect({ 25, 10, 10, 10 });
+    scene.window.displayIfNeeded();
+    calls.clear();
+    VXRLayerBudget::setLimit(150 * 140 * 4);
+    scene.window.display();
+    EXPECT_THAT(calls, ElementsAre("prepare seen"));
+    VXRLayerBudget::setLimit(VXRLayerBudget::defaultLimit);
+}
+
 TEST(Canvas, BitmapQualityIsGatheredOnlyForOtherLevels)
 {
     std::vector<std::string> calls;

@@ -406,6 +406,34 @@ TEST(CompositorLayer, TilesKeepNoPixelsWhereNothingIsDrawn)
     EXPECT_EQ(wide.layer.tiles()[1]->byteSize(), 4u * 6 * 100);
 }
 
+TEST(CompositorLayer, LargeBoxesOfOneColourKeepNoPixelsUntilTheyFadeOrChange)
+{
+    FakeCanvas canvas;
+    canvas.visible = { 0, 0, 500, 400 };
+    Layered box(canvas, AffineTransform::makeTranslation(20, 20), { 400, 300 });
+    Rect hole;
+    box.renderable.paint = [&](Context& port) {
+        port.setFillColor(ColorValue::rgb(0.2f, 0.4f, 0.6f));
+        port.fillRect({ 0, 0, 400, 300 });
+        port.clearRect(hole);
+    };
+    const auto plain = box.page();
+    EXPECT_EQ(box.layer.tiles().front()->byteSize(), 0u);
+    EXPECT_FALSE(box.layer.pixelIsTransparent({ 100, 100 }));
+    hole = { 100, 100, 50, 50 };
+    box.layer.setNeedsDisplayInRect(hole);
+    EXPECT_TRUE(box.looksFresh());
+    EXPECT_TRUE(box.layer.pixelIsTransparent({ 145, 145 }));
+    box.layer.setNeedsDisplayInRect(std::exchange(hole, {}));
+    EXPECT_EQ(box.page(), plain);
+    EXPECT_EQ(box.layer.tiles().front()->byteSize(), 0u);
+    box.renderable.fade = 0.3f;
+    EXPECT_TRUE(box.looksFresh());
+    box.renderable.cast = blackShadow(30, 12, 5);
+    box.layer.invalidateLayer();
+    EXPECT_TRUE(box.looksFresh());
+}
+
 TEST(CompositorLayer, AViewLargerThanTheBudgetStillShowsEveryTile)
 {
     FakeCanvas canvas;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <vxr/compositing/canvas/VXRSubviewAbsolverView.h>
+#include <vxr/compositing/layers/VXRLayerBudget.h>
 #include <vxr/host/utility/VXUMutablePointerSet.h>
 #include <vxr/platform/graphics/pixels/LayerInfo.h>
 #include <vxr/protocols/VXRCanvasRole.h>
@@ -128,7 +129,9 @@ private:
         int clipMinX, clipMaxX, clipMinY, clipMaxY; ///< inclusive, from the visible area's upper left corner
     };
     CompositeArea compositeArea(const Rect& dirty) const;
-    void collectLayers(const Rect& dirty, std::vector<LayerInfo*>&, FirstFailure&);
+    bool compositeAtOnce(const LayerInfo& destination, const RenderableList&, FirstFailure&);
+    void compositeInParts(
+        const LayerInfo& destination, const RenderableList&, VXRLayerBudget::Composite&, FirstFailure&);
     void composite(const Rect& dirty, const IntRect& pixels);
     void drawDirectly(const DrawRequest&);
     void fillBackground(const DrawRequest&) const;
@@ -155,6 +158,7 @@ private:
     VXUMutablePointerSet<VXRRenderable> mRegisteredRenderables;
     std::unique_ptr<RenderableIndex> mIndex;
     bool mScreenUpdatesDisabled = false;
+    bool mCompositesInParts = false; ///< what is in sight was more than the layers may keep
 };
 
 /// A canvas that shows one renderable, for drawing off screen.

@@ -132,19 +132,66 @@ VXRCanvas::CompositeArea VXRCanvas::compositeArea(const Rect& dirty) const
     return area;
 }
 
-void VXRCanvas::collectLayers(const Rect& dirty, std::vector<LayerInfo*>& layers, FirstFailure& failure)
+namespace {
+
+void compositeChain(const LayerInfo& destination, const std::vector<LayerInfo*>& layers)
 {
-    const RenderableList hit = objectsToRedraw(dirty);
+    for (std::size_t i = 0; i < layers.size(); ++i)
+        layers[i]->next = i + 1 < layers.size() ? layers[i + 1] : nullptr;
+    if (!layers.empty())
+        LayerCompositor::composite(destination, layers.front());
+}
+
+/// Appends the records of one renderable, none of them when drawing fails.
+void collectLayersOf(VXRRenderable& renderable, std::vector<LayerInfo*>& layers, FirstFailure& failure)
+{
+    const std::size_t before = layers.size();
+    const bool drawn = failure.attempt([&] {
+        renderable.prepareToDraw();
+        renderable.addLayersToArray(layers);
+    });
+    if (!drawn)
+        layers.resize(before);
+}
+
+} // namespace
+
+/// All at once, topmost first; false, and nothing drawn, when the layers' memory doesn't suffice for that.
+bool VXRCanvas::compositeAtOnce(
+    const LayerInfo& destination, const RenderableList& hit, FirstFailure& failure)
+{
+    std::vector<LayerInfo*> layers;
     for (auto place = hit.rbegin(); place != hit.rend(); ++place) {
-        VXRRenderable& renderable = **place;
-        const std::size_t before = layers.size();
-        const bool drawn = failure.attempt([&] {
-            renderable.prepareToDraw();
-            renderable.addLayersToArray(layers);
-        });
-        if (!drawn)
-            layers.resize(before);
+        collectLayersOf(**place, layers, failure);
+        if (VXRLayerBudget::isOverBySlack())
+            return false;
     }
+    if (LayerInfo* background = _backgroundLayer())
+        layers.push_back(background);
+    compositeChain(destination, layers);
+    return true;
+}
+
+/// From the bottom up, a few layers at a time: what each adds is rounded in the same order.
+void VXRCanvas::compositeInParts(const LayerInfo& destination, const RenderableList& hit,
+    VXRLayerBudget::Composite& budget, FirstFailure& failure)
+{
+    std::vector<LayerInfo*> layers, parts;
+    if (LayerInfo* background = _backgroundLayer())
+        layers.push_back(background);
+    mCompositesInParts = false;
+    for (const auto& renderable : hit) {
+        parts.clear();
+        collectLayersOf(*renderable, parts, failure);
+        layers.insert(layers.begin(), parts.begin(), parts.end());
+        if (!VXRLayerBudget::isOverBySlack())
+            continue;
+        mCompositesInParts = true; // and so will the next one
+        compositeChain(destination, layers);
+        layers.clear();
+        budget.trim();
+    }
+    compositeChain(destination, layers);
 }
 
 void VXRCanvas::compositeRect(const Rect& dirty)
@@ -196,14 +243,10 @@ void VXRCanvas::composite(const Rect& dirty, const IntRect& pixels)
     destination.fade = 1;
     destination.bitmapType = bits.depthCode == 4 ? LayerBitmap32 : LayerBitmap16;
     FirstFailure failure;
-    std::vector<LayerInfo*> layers;
-    collectLayers(dirty, layers, failure);
-    if (LayerInfo* background = _backgroundLayer())
-        layers.push_back(background);
-    for (std::size_t i = 0; i < layers.size(); ++i)
-        layers[i]->next = i + 1 < layers.size() ? layers[i + 1] : nullptr;
-    if (!layers.empty())
-        LayerCompositor::composite(destination, layers.front());
+    VXRLayerBudget::Composite budget;
+    const RenderableList hit = objectsToRedraw(dirty);
+    if (mCompositesInParts || !compositeAtOnce(destination, hit, failure))
+        compositeInParts(destination, hit, budget, failure);
     failure.rethrow();
 }
 

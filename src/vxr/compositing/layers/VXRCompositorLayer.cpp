@@ -175,8 +175,11 @@ std::vector<int> VXRCompositorLayer::tileIndicesHitByRect(const Rect& rect) cons
 
 std::shared_ptr<VXRTile> VXRCompositorLayer::tileContainingPoint(Point p)
 {
-    if (!_multipleTiles)
+    if (!_multipleTiles) {
+        if (!_completelyInvalid && _tiles.front()->isDirty())
+            _rebuild(); // its pixels were dropped
         return _tiles.front();
+    }
     const auto side = float(VXRTile::tileSize());
     return tileWithIndex(int(p.x / side) + int(p.y / side) * tilesWide());
 }
@@ -399,6 +402,8 @@ void appendTextures(const Tiles& tiles, LayerInfo* (VXRTile::*info)(),
 
 void VXRCompositorLayer::addLayerInfosToArray(std::vector<LayerInfo*>& infos)
 {
+    for (const auto& tile : _activeTiles)
+        tile->noteComposed();
     appendInfos(_activeTiles, &VXRTile::layerInfo, infos);
 }
 
@@ -452,7 +457,7 @@ bool VXRCompositorLayer::rectIsTransparent(const Rect& rect)
     const Point origin = _renderable->alignmentBounds().origin;
     const Rect scaled = scaleRect(offsetRect(rect, -origin.x, -origin.y));
     if (!_multipleTiles)
-        return _tiles.front()->rectIsTransparent(scaled);
+        return tileContainingPoint({})->rectIsTransparent(scaled);
     const auto side = float(VXRTile::tileSize());
     for (const int index : tileIndicesHitByRect(rect)) {
         const Point offset = offsetForIndex(index);

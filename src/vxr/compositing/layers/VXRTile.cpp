@@ -102,7 +102,7 @@ VXRTile::VXRTile(Key, VXRCompositorLayer& layer, float zoom, bool fixed)
 {
 }
 
-VXRTile::~VXRTile() = default;
+VXRTile::~VXRTile() { resize(0, 0); }
 
 // Size.
 
@@ -148,8 +148,9 @@ void VXRTile::resize(int wide, int high)
     mHigh = high;
     mShadowed = {};
     mShadowless = {};
-    mMask = {};
+    mMask = std::vector<std::uint8_t>(); // an empty list would keep the memory
     mDirty = true;
+    VXRLayerBudget::account(*this);
 }
 
 Size VXRTile::areaSize() const { return { float(mAreaWide), float(mAreaHigh) }; }
@@ -199,8 +200,10 @@ Context& VXRTile::contextOf(Plane& plane)
     std::uint32_t* const pixels = plane.bitmap.data();
     for (int y = part.y0; y < part.y1; ++y)
         std::fill_n(pixels + std::ptrdiff_t(y) * mWide + part.x0, part.width(), 0u);
-    if (!mClears)
+    if (!mClears) {
+        expand(plane);
         copyPixels(intersection(plane.ink, part), plane.pixels.data(), plane.ink, pixels, whole);
+    }
     plane.context = BitmapContext::createWithPixels(pixels, mWide, mHigh, std::size_t(mWide) * 4);
     plane.context->clipToRect(
         { float(part.x0), float(mHigh - part.y1), float(part.width()), float(part.height()) });
@@ -211,7 +214,33 @@ Context& VXRTile::shadowedContext() { return contextOf(mShadowed); }
 
 Context& VXRTile::shadowlessContext() { return contextOf(mShadowless); }
 
-void VXRTile::freeShadowlessData() { mShadowless = {}; }
+void VXRTile::freeShadowlessData()
+{
+    mShadowless = {};
+    VXRLayerBudget::account(*this);
+}
+
+/// A copy of a colour is no slower than one of pixels.
+void VXRTile::compress(Plane& plane)
+{
+    constexpr std::size_t leastPixels = 1 << 16;
+    const auto& pixels = plane.pixels;
+    if (pixels.size() < leastPixels || pixels.front() >> 24 != 255
+        || !std::equal(pixels.begin() + 1, pixels.end(), pixels.begin()))
+        return;
+    plane.color = pixels.front();
+    plane.isUniform = true;
+    plane.pixels = std::vector<std::uint32_t>();
+}
+
+void VXRTile::expand(Plane& plane)
+{
+    if (!plane.isUniform)
+        return;
+    plane.isUniform = false;
+    plane.pixels.assign(std::size_t(plane.ink.area()), plane.color);
+    VXRLayerBudget::account(*this);
+}
 
 /// Takes what was drawn, as far as it lies within `limit`, over from the bitmap.
 void VXRTile::keep(Plane& plane, const IntRect& limit)
@@ -219,6 +248,7 @@ void VXRTile::keep(Plane& plane, const IntRect& limit)
     if (!plane.context)
         return;
     plane.context.reset();
+    expand(plane);
     const IntRect whole = bitmapRect();
     const std::uint32_t* const drawn = plane.bitmap.data();
     const IntRect part = intersection(plane.part, limit);
@@ -246,15 +276,32 @@ void VXRTile::finishUpdate()
     const IntRect limit = mMask.empty() ? intersection(shownBox(), bitmapRect()) : bitmapRect();
     keep(mShadowed, limit);
     keep(mShadowless, limit);
+    compress(mShadowed);
+    compress(mShadowless);
     mDirty = false;
+    VXRLayerBudget::noteDrawn(*this);
 }
 
-void VXRTile::abandonUpdate() { resize(mWide, mHigh); }
+void VXRTile::dropPixels() { resize(mWide, mHigh); }
+
+bool VXRTile::isInSight() const
+{
+    const VXRLayeredRenderable* renderable = mLayer.renderable();
+    const VXRCanvasRole* canvas = renderable ? renderable->canvas() : nullptr;
+    if (!canvas)
+        return false;
+    // In pixels from the renderable's corner, as the tile lies.
+    const Point corner = renderable->alignmentBounds().origin, offset = mLayer.offsetForIndex(mIndex);
+    const float x = corner.x + (offset.x - float(mMargin)) / mZoom,
+                y = corner.y + (offset.y - float(mMargin)) / mZoom;
+    const Rect covered { x, y, float(mWide) / mZoom, float(mHigh) / mZoom };
+    return rectsIntersect(renderable->shadowBoundsForRect(covered), canvas->clipViewVisibleRect());
+}
 
 // Only what the blur can reach is kept: a mask as large as the ink and the reach around it.
 void VXRTile::buildShadow(const std::shared_ptr<VXRShadow>& shadow)
 {
-    mMask = {};
+    mMask = std::vector<std::uint8_t>(); // an empty list would keep the memory
     if (!shadow)
         return;
     keep(mShadowed, bitmapRect());
@@ -293,14 +340,22 @@ LayerInfo* VXRTile::infoOf(Plane& plane)
     const IntRect shown = intersection(shownBox(), plane.ink).moved(x, y);
     if (shown.isEmpty())
         return nullptr;
+    const float opacity = mLayer.renderable()->opacity();
+    if (opacity != 1)
+        expand(plane); // pixels and colours fade by different roundings
     const IntRect frame = plane.ink.moved(x, y);
     const IntRect opaque = intersection(shown, plane.opaque.moved(x, y));
     LayerInfo& info = plane.info;
     info = {};
     info.layerInfoVersion = 1;
-    info.bitmapType = LayerBitmap32;
-    info.colorData = plane.pixels.data();
-    info.colorBytesPerRow = frame.width() * 4;
+    if (plane.isUniform) {
+        info.bitmapType = LayerBitmapConstant;
+        info.constantColor = plane.color << 8 | 255;
+    } else {
+        info.bitmapType = LayerBitmap32;
+        info.colorData = plane.pixels.data();
+        info.colorBytesPerRow = frame.width() * 4;
+    }
     info.frameMinX = frame.x0, info.frameMaxX = frame.x1;
     info.frameMinY = frame.y0, info.frameMaxY = frame.y1;
     info.clipMinX = shown.x0, info.clipMaxX = shown.x1 - 1;
@@ -309,7 +364,7 @@ LayerInfo* VXRTile::infoOf(Plane& plane)
         info.opaqueMinX = opaque.x0, info.opaqueMaxX = opaque.x1;
         info.opaqueMinY = opaque.y0, info.opaqueMaxY = opaque.y1;
     }
-    info.fade = mLayer.renderable()->opacity();
+    info.fade = opacity;
     return &info;
 }
 
@@ -362,8 +417,9 @@ bool VXRTile::rectIsTransparent(const Rect& r) const
     for (const Plane* plane : { &mShadowed, &mShadowless }) {
         const IntRect part = intersection(box.moved(mMargin, mMargin), plane->ink);
         if (!part.isEmpty()
-            && !isTransparent(
-                { plane->pixels.data(), plane->ink.width() }, part.moved(-plane->ink.x0, -plane->ink.y0)))
+            && (plane->isUniform
+                || !isTransparent({ plane->pixels.data(), plane->ink.width() },
+                    part.moved(-plane->ink.x0, -plane->ink.y0))))
             return false;
     }
     return true;

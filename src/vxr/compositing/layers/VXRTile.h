@@ -1,6 +1,7 @@
 #pragma once
 
 #include <vxr/compositing/layers/ScratchPixels.h>
+#include <vxr/compositing/layers/VXRLayerBudget.h>
 #include <vxr/platform/base/Object.h>
 #include <vxr/platform/graphics/Context.h>
 #include <vxr/platform/graphics/pixels/LayerInfo.h>
@@ -73,7 +74,10 @@ public:
     void buildShadow(const std::shared_ptr<VXRShadow>&);
     void setShadowClip(int sides) { mShadowClip = sides; } ///< bits of `VXRTileSide`
     void finishUpdate(); ///< keeps what was drawn
-    void abandonUpdate(); ///< when drawing failed: the tile is empty and dirty
+    void abandonUpdate() { dropPixels(); } ///< when drawing failed
+    void dropPixels(); ///< the tile is empty and dirty
+    bool isInSight() const; ///< whether the visible part of the canvas meets it or its shadow
+    void noteComposed() { VXRLayerBudget::noteComposed(*this); }
 
     // What is blended. Valid until the next call or change of the tile; none where there is nothing.
     void offsetTo(Point upperLeft) { mPosition = upperLeft; } ///< pixels from the visible area's
@@ -98,11 +102,15 @@ public:
     VXRTile(Key, VXRCompositorLayer&, float zoom, bool fixed);
 
 private:
+    friend class VXRLayerBudget;
+
     /// One bitmap of the tile.
     struct Plane {
         std::vector<std::uint32_t> pixels; ///< those of `ink`
         IntRect ink; ///< of the bitmap; encloses all that is not transparent
         IntRect opaque;
+        bool isUniform = false; ///< a large box of one opaque colour keeps the colour alone
+        std::uint32_t color = 0;
         LayerInfo info;
         bool isDrawn = false;
         // While it is being drawn.
@@ -114,6 +122,8 @@ private:
     void resize(int wide, int high);
     Context& contextOf(Plane&);
     void keep(Plane&, const IntRect& limit);
+    void compress(Plane&);
+    void expand(Plane&);
     IntRect shownBox() const;
     LayerInfo* infoOf(Plane&);
     float shadowScale() const;
@@ -135,6 +145,11 @@ private:
     std::vector<std::uint8_t> mMask; ///< the blurred coverage
     IntRect mMaskBox; ///< its place in the bitmap
     LayerInfo mShadowInfo;
+    // The budget's.
+    std::size_t mAccounted = 0;
+    std::uint32_t mDrawnIn = 0;
+    VXRTile* mOlder = nullptr;
+    VXRTile* mNewer = nullptr;
 };
 
 } // namespace vxr
