@@ -16,3 +16,6 @@ file(RELATIVE_PATH VXR_PC_TO_PREFIX "/${pc_dir}" "/")
 string(REGEX REPLACE "/$" "" VXR_PC_TO_PREFIX "${VXR_PC_TO_PREFIX}")
 configure_file(cmake/vxr.pc.in "${PROJECT_BINARY_DIR}/vxr.pc" @ONLY)
 install(FILES "${PROJECT_BINARY_DIR}/vxr.pc" DESTINATION "${pc_dir}")
+
+install(DIRECTORY "${PROJECT_SOURCE_DIR}/resources/strokes" DESTINATION "${CMAKE_INSTALL_DATADIR}/vxr"
+  FILES_MATCHING PATTERN "*.stroke" PATTERN "*.png")

@@ -52,15 +52,16 @@ std::vector<VXRPaintedPath> VXRManipulatedStroke::paintedPathsForOutlineScale(
     return paths;
 }
 
-void VXRManipulatedStroke::drawOutline(Path& path, bool insideStroke, float scale) const
+void VXRManipulatedStroke::drawOutline(Path& path, const Drawing& drawing) const
 {
-    for (const VXRPaintedPath& painted : paintedPathsForOutlineScale(path, scale, insideStroke)) {
+    for (const VXRPaintedPath& painted :
+        paintedPathsForOutlineScale(path, drawing.scale, drawing.insideStroke)) {
         if (painted.isArea) {
             painted.path->fill();
             continue;
         }
         const auto line = painted.path->copy();
-        applyToBezierPathInsideStroke(*line, insideStroke);
+        applyToBezierPathInsideStroke(*line, drawing.insideStroke);
         line->setLineWidth(line->lineWidth() * painted.widthFactor);
         line->stroke();
     }

@@ -38,7 +38,7 @@ public:
     std::shared_ptr<VXRStroke> copyWithZone() const override; ///< copies the steps
 
 protected:
-    void drawOutline(Path& path, bool insideStroke, float scale) const override;
+    void drawOutline(Path& path, const Drawing&) const override;
     float reachBeyondLine() const override { return 2 * reach(); } ///< an inside stroke is twice as wide
     std::shared_ptr<VXRStroke> makeOfSameClass(std::shared_ptr<Color>, float width, int cap, int join,
         std::shared_ptr<VXRStrokePattern>) const override;

@@ -87,9 +87,16 @@ Rect VXRStroke::boundsOfStrokedPath(Path& path) const
     return boundsIncludingStroke(path);
 }
 
-void VXRStroke::drawOutline(Path& path, bool insideStroke, float) const
+VXRStroke::Drawing VXRStroke::drawingOn(const VXRCanvasRole* canvas, bool insideStroke)
 {
-    applyToBezierPathInsideStroke(path, insideStroke);
+    if (!canvas)
+        return { insideStroke, 1, false };
+    return { insideStroke, canvas->viewScale(), canvas->rendersBlackAndWhite() };
+}
+
+void VXRStroke::drawOutline(Path& path, const Drawing& drawing) const
+{
+    applyToBezierPathInsideStroke(path, drawing.insideStroke);
     path.stroke();
 }
 
@@ -109,7 +116,7 @@ void VXRStroke::paintShape(VXRPaintedShape& shape)
         if (!blackAndWhite && destination == VXRDestinationNonScreen && hasTransparentColor())
             return;
         setCurrentColor(canvas);
-        drawOutline(*path, interior, canvas ? canvas->viewScale() : 1);
+        drawOutline(*path, drawingOn(canvas, interior));
     }
     // Up to half a point wide, what is left outside is below a device pixel.
     if (!mayClip && mWidth > 0.5f && interior)
@@ -142,7 +149,7 @@ void VXRStroke::paintShapeWithNormalClip(VXRPaintedShape& shape)
     if (!(canvas && canvas->rendersBlackAndWhite()) && hasTransparentColor())
         return;
     setCurrentColor(canvas);
-    drawOutline(*path, interior, canvas ? canvas->viewScale() : 1);
+    drawOutline(*path, drawingOn(canvas, interior));
 }
 
 void VXRStroke::drawSwatchInRect(const Rect& rect)

@@ -69,9 +69,14 @@ public:
     virtual std::shared_ptr<VXRStroke> copyWithZone() const;
 
 protected:
-    /// Paints along `path`, which it may change, in the current colour. `scale` is the canvas's, in device
-    /// pixels per unit.
-    virtual void drawOutline(Path& path, bool insideStroke, float scale) const;
+    /// How an outline is to be painted.
+    struct Drawing {
+        bool insideStroke = false;
+        float scale = 1; ///< of the canvas: device pixels per unit
+        bool blackAndWhite = false;
+    };
+    /// Paints along `path`, which it may change. The current colour is the stroke's, or black.
+    virtual void drawOutline(Path& path, const Drawing&) const;
     /// How far what is painted may lie beyond half the width.
     virtual float reachBeyondLine() const { return 0; }
 
@@ -83,6 +88,7 @@ protected:
 private:
     bool hasTransparentColor() const; ///< no colour is as transparent as can be
     void setCurrentColor(const VXRCanvasRole* canvas) const;
+    static Drawing drawingOn(const VXRCanvasRole* canvas, bool insideStroke);
     void eraseOutside(VXRPaintedShape& shape) const;
 
     std::shared_ptr<Color> mColor;

@@ -4,8 +4,6 @@
 #include <vxr/geometry/curves/CurveFit.h>
 #include <vxr/platform/graphics/path/PathFlattener.h>
 
-#include <numbers>
-
 namespace vxr {
 
 namespace {
@@ -78,15 +76,16 @@ public:
         if (mOriginal.empty())
             return;
         if (closed && mPoints.size() > 1 && mPoints.front().p == mPoints.back().p) {
-            mPoints.front().direction = mByLine && mFirstIsLine ? Vec2() : mFirstDeparture;
-            mPoints.front().corner = turns(mArrival, mFirstDeparture, mByLine && mFirstIsLine);
+            const bool lines = mByLine && mFirstIsLine;
+            mPoints.front().direction = lines ? Vec2() : mFirstDeparture;
+            mPoints.front().corner = !lines && turns(mArrival, mFirstDeparture);
             mPoints.pop_back();
         }
         CurveFitOptions options;
         options.tolerance = mTolerance * 0.88; // the rest goes to the points' distance from the curve
         options.closed = closed;
         options.keepsToLine = true;
-        options.cornerAngle = std::numbers::pi;
+        options.cornerAngle = 0.6;
         const auto fitted = fitCurves(mPoints, options);
         write(!fitted.empty() && fitted.size() < mOriginal.size() ? fitted : mOriginal, closed);
         mPoints.clear();
@@ -94,11 +93,10 @@ public:
     }
 
 private:
-    /// Between lines that stand for a curve the outline turns more than where curves are joined.
-    static bool turns(Vec2 arriving, Vec2 leaving, bool lines)
+    static bool turns(Vec2 arriving, Vec2 leaving)
     {
-        constexpr double leastForCurves = 0.995, leastForLines = 0.82; // 0.1 and 0.6 radians
-        return dot(arriving, leaving) < (lines ? leastForLines : leastForCurves);
+        constexpr double leastCosine = 0.995; // a tenth of a radian
+        return dot(arriving, leaving) < leastCosine;
     }
 
     void arrive(Vec2 leaving, Vec2 arriving, bool isLine)
@@ -106,10 +104,11 @@ private:
         if (mPoints.size() == 1) {
             mFirstDeparture = leaving;
             mFirstIsLine = isLine;
+        } else if (isLine && mByLine) {
+            // Lines may stand for a curve, or tremble: what is a corner shows from further away.
+            mPoints.back().direction = {};
         } else {
-            mPoints.back().corner = turns(mArrival, leaving, isLine && mByLine);
-            if (isLine && mByLine)
-                mPoints.back().direction = {};
+            mPoints.back().corner = turns(mArrival, leaving);
         }
         mArrival = arriving;
         mByLine = isLine;

@@ -30,11 +30,12 @@ struct Bender {
 
     void bend(const Cubic& c) const
     {
-        constexpr double mostPieces = 32;
+        constexpr double mostPieces = 1024, mostPiecesOfRun = 4096;
+        const double longest = std::max(0.5 * std::abs(scaleY), run.length() / mostPiecesOfRun);
         const double along = std::max({ std::abs(c.end.x - c.start.x), std::abs(c.control1.x - c.start.x),
                                  std::abs(c.control2.x - c.start.x) })
-            * scaleX;
-        const auto pieces = static_cast<int>(std::clamp(std::ceil(along / (0.5 * scaleY)), 1.0, mostPieces));
+            * std::abs(scaleX);
+        const auto pieces = static_cast<int>(std::clamp(std::ceil(along / longest), 1.0, mostPieces));
         for (int i = 0; i < pieces; ++i) {
             const Cubic part
                 = partBetween(c, double(i) / pieces, i + 1 == pieces ? 1 : double(i + 1) / pieces);

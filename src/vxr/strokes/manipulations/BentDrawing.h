@@ -5,7 +5,8 @@
 namespace vxr {
 
 /// Appends a drawing laid along a run: (x, y) comes to the place at `start + x * scaleX`, and `y * scaleY` to
-/// the left of it. Edges are cut into pieces no longer than half of `scaleY`, so that they bend; pieces that
+/// the left of it. Edges are cut into pieces no longer than half of `scaleY` or a
+/// 4096th of the run, so that they bend; pieces that
 /// share a point go on doing so.
 void appendBentDrawing(
     Path& target, const Path& drawing, const MeasuredRun& run, double start, double scaleX, double scaleY);

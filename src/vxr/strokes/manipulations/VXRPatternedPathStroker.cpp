@@ -39,11 +39,12 @@ std::vector<VXRPaintedPath> VXRPatternedPathStroker::paintedPaths(
     const double step = std::max(advance, whole / most);
     auto area = Path::path();
     for (const MeasuredRun& run : runs) {
-        if (static_cast<double>(area->elementCount()) > 64 * mostDrawnPieces)
-            break;
         const double repeats = std::max(1.0, std::round(run.length() / step));
         const double each = run.length() / repeats, scaleX = each / finiteOrZero(mAdvance);
         for (double i = 0; i < repeats; ++i) {
+            // A motif far longer than its advance takes more than its share.
+            if (static_cast<double>(area->elementCount()) > 40 * mostDrawnPieces)
+                return { { area, true, 1 } };
             if (mBends)
                 appendBentDrawing(*area, *mMotif, run, i * each, scaleX, width);
             else
