@@ -1,5 +1,5 @@
-#include <vxr/platform/graphics/pixels/LayerBlend.h>
 #include <vxr/platform/graphics/pixels/LayerCompositor.h>
+#include <vxr/platform/graphics/pixels/SpanKernels.h>
 
 #include <gtest/gtest.h>
 #include <pixman.h>
@@ -60,7 +60,7 @@ template <class T> std::vector<T> randomValues(std::size_t count, std::mt19937& 
 
 } // namespace
 
-TEST(LayerBlend, LayersMasksAndColoursEqualPixmanAtEveryLength)
+TEST(LayerCompositor, LayersMasksAndColoursEqualPixmanAtEveryLength)
 {
     std::mt19937 random(7);
     for (unsigned level = 0; level < 256; ++level) {
@@ -87,16 +87,17 @@ TEST(LayerBlend, LayersMasksAndColoursEqualPixmanAtEveryLength)
         image.over({ PIXMAN_a8r8g8b8, faded.data(), width, 1, width * 4 }, &fade);
         fill.over({ PIXMAN_a8r8g8b8, masked.data(), width, 1, width * 4 }, &mask);
         fill.over({ PIXMAN_a8r8g8b8, colored.data(), width, 1, width * 4 });
-        for (const LayerBlendLoops* loops : availableLayerBlendLoops()) {
+        for (const SpanKernels* kernels : availableSpanKernels()) {
+            const SpanOperation& operation = kernels->over();
             auto over = start, a = start, b = start, c = start;
-            loops->over(over.data(), source.data(), count);
-            loops->overFaded(a.data(), source.data(), count, std::uint8_t(level));
-            loops->overMask(b.data(), coverage.data(), color, count);
-            loops->overColor(c.data(), color, count);
-            ASSERT_EQ(over, plain) << loops->name << " count " << count;
-            ASSERT_EQ(a, faded) << loops->name << " fade " << level;
-            ASSERT_EQ(b, masked) << loops->name << " alpha " << level;
-            ASSERT_EQ(c, colored) << loops->name << " alpha " << level;
+            operation.pixels(over.data(), count, source.data(), 255);
+            operation.pixels(a.data(), count, source.data(), std::uint8_t(level));
+            operation.colorMask(b.data(), count, color, coverage.data());
+            operation.color(c.data(), count, color, 255);
+            ASSERT_EQ(over, plain) << kernels->name << " count " << count;
+            ASSERT_EQ(a, faded) << kernels->name << " fade " << level;
+            ASSERT_EQ(b, masked) << kernels->name << " alpha " << level;
+            ASSERT_EQ(c, colored) << kernels->name << " alpha " << level;
         }
     }
 }

@@ -9,7 +9,7 @@
 #include <vxr/platform/base/UserDefaults.h>
 #include <vxr/platform/graphics/BitmapContext.h>
 #include <vxr/platform/graphics/pixels/Blur.h>
-#include <vxr/platform/graphics/pixels/LayerBlend.h>
+#include <vxr/platform/graphics/pixels/SpanKernels.h>
 #include <vxr/protocols/PaintedExtent.h>
 #include <vxr/protocols/VXRCanvasRole.h>
 #include <vxr/protocols/VXRLayeredRenderable.h>

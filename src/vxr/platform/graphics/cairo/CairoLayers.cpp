@@ -1,5 +1,5 @@
 #include <vxr/platform/graphics/cairo/CairoEngine.h>
-#include <vxr/platform/graphics/pixels/LayerBlend.h>
+#include <vxr/platform/graphics/pixels/SpanKernels.h>
 
 #include <cstring>
 #include <new>
@@ -159,7 +159,7 @@ void CairoEngine::blendLayer(CairoTarget& layer)
     const CairoTarget& target = targets.back();
     cairo_surface_flush(layer.surface.get());
     cairo_surface_flush(target.surface.get());
-    const LayerBlendLoops& loops = layerBlendLoops();
+    const SpanOperation& over = spanKernels().over();
     const std::uint8_t fade = channelByte(state.alpha);
     const DeviceBox seen
         = intersection(intersection(layer.ink, layer.extents), intersection(state.clip, target.extents));
@@ -167,10 +167,7 @@ void CairoEngine::blendLayer(CairoTarget& layer)
         return;
     const Rows to(target, seen), from(layer, seen);
     for (std::size_t y = 0; y < from.height; ++y) {
-        if (fade == 255)
-            loops.over(to[y], from[y], from.width);
-        else
-            loops.overFaded(to[y], from[y], from.width, fade);
+        over.pixels(to[y], from.width, from[y], fade);
         std::memset(from[y], 0, 4 * from.width);
     }
     layer.cleared = seen;

@@ -5,11 +5,19 @@
 
 namespace vxr {
 
-/// Premultiplied ARGB32 pixels, top row first.
+/// How pixels of four bytes lie in memory.
+enum class PixelForm {
+    Native, ///< premultiplied ARGB32
+    BytesOpaque, ///< a byte that is ignored, red, green, blue
+    BytesStraight, ///< alpha, red, green, blue, not premultiplied
+};
+
+/// Pixels, top row first.
 struct PixelSource {
     const std::uint32_t* pixels;
     std::ptrdiff_t stride; ///< in pixels
     int width, height;
+    PixelForm form = PixelForm::Native;
 };
 
 /// An image and how places in it change from one device pixel to the next, in

@@ -94,11 +94,7 @@ VXR_SPAN_INLINE std::uint32_t mixFourColumns(
     __m128i sum = _mm_add_epi32(_mm_madd_epi16(leftPairs, _mm_shuffle_epi32(weights, 0x00)),
         _mm_madd_epi16(rightPairs, _mm_shuffle_epi32(weights, 0x55)));
     sum = _mm_srai_epi32(_mm_add_epi32(sum, _mm_set1_epi32(offset << 13)), 20);
-    const __m128i words = _mm_packs_epi32(sum, sum);
-    const __m128i bytes = _mm_packus_epi16(words, words);
-    // Colours that overshoot don't exceed their alpha.
-    const __m128i alpha = _mm_set1_epi8(char(std::uint32_t(_mm_cvtsi128_si32(bytes)) >> 24));
-    return std::uint32_t(_mm_cvtsi128_si32(_mm_min_epu8(bytes, alpha)));
+    return bytesOf(sum);
 }
 
 /// Four pixels of four rows as columns.
@@ -212,13 +208,11 @@ VXR_SPAN_INLINE std::uint32_t mixFourColumns(
     const std::int16_t* columns, const std::int16_t* across, int offset)
 {
     std::uint32_t result = 0;
-    int alpha = 255;
-    for (int k = 3; k >= 0; --k) {
+    for (int k = 0; k < 4; ++k) {
         int sum = offset << 13;
         for (int i = 0; i < 4; ++i)
             sum += columns[4 * i + k] * across[i];
-        const int level = sum < 0 ? 0 : sum >> 20 > alpha ? alpha : sum >> 20;
-        alpha = k == 3 ? level : alpha;
+        const int level = sum < 0 ? 0 : sum >> 20 > 255 ? 255 : sum >> 20;
         result |= std::uint32_t(level) << 8 * k;
     }
     return result;

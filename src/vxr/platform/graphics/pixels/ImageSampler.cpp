@@ -133,6 +133,7 @@ void ImageSampler::chooseKernel(const DeviceToImage& map, bool isReduced)
 {
     const double across = std::abs(map.xx) + std::abs(map.xy), down = std::abs(map.yx) + std::abs(map.yy);
     const auto enlarging = mIsDithered ? smoothWeights() : sharpWeights();
+    mOvershoots = !mIsDithered;
     mKind = Kind::Cubic;
     mAcross = isReduced && across > 1 ? boxWeights(across) : enlarging;
     mDown = isReduced && down > 1 ? boxWeights(down) : enlarging;
@@ -146,6 +147,18 @@ void ImageSampler::chooseKernel(const DeviceToImage& map, bool isReduced)
 }
 
 const std::uint32_t* ImageSampler::fetch(int x, int y, std::size_t count, std::uint32_t* memory) const
+{
+    const std::uint32_t* pixels = sample(x, y, count, memory);
+    if (mGrid.source.form != PixelForm::Native)
+        spanKernels().toNative(memory, pixels, count, mGrid.source.form == PixelForm::BytesOpaque);
+    else if (mKind == Kind::Cubic && mOvershoots)
+        spanKernels().limitToAlpha(memory, count);
+    else
+        return pixels;
+    return memory;
+}
+
+const std::uint32_t* ImageSampler::sample(int x, int y, std::size_t count, std::uint32_t* memory) const
 {
     const std::int64_t u = mU + mGrid.columnU * x + mRowU * y, v = mV + mGrid.columnV * x + mRowV * y;
     const std::int64_t half = mGrid.fractionBits ? std::int64_t(1) << (mGrid.fractionBits - 1) : 0;

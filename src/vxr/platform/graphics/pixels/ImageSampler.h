@@ -50,6 +50,7 @@ private:
 
     void chooseKind(const DeviceToImage&, Sampling);
     void chooseKernel(const DeviceToImage&, bool isReduced);
+    const std::uint32_t* sample(int x, int y, std::size_t count, std::uint32_t* memory) const;
     void copy(int x, int y, std::size_t count, std::uint32_t* out) const;
     void nearest(int x, int y, std::size_t count, std::uint32_t* out) const;
     void averageLarge(int x, int y, std::size_t count, std::uint32_t* out) const;
@@ -57,6 +58,7 @@ private:
     ImageGrid mGrid;
     Kind mKind = Kind::Nothing;
     bool mIsDithered = false;
+    bool mOvershoots = false; ///< the kernel has negative weights
     std::shared_ptr<const WeightTable> mAcross, mDown;
 
     // Places in the image in fixed point: exact sums of a start and whole columns

@@ -1,7 +1,7 @@
 #include <vxr/platform/graphics/pixels/LayerCompositor.h>
 
-#include <vxr/platform/graphics/pixels/LayerBlend.h>
 #include <vxr/platform/graphics/pixels/PixelRegion.h>
+#include <vxr/platform/graphics/pixels/SpanKernels.h>
 
 #include <pixman.h>
 
@@ -146,19 +146,15 @@ void draw32(const LayerInfo& destination, const Step& step, const IntRect& box)
         copy32(destination, layer, box);
         return;
     }
-    const LayerBlendLoops& loops = layerBlendLoops();
+    const SpanOperation& over = spanKernels().over();
     for (int y = box.y0; y < box.y1; ++y) {
         std::uint32_t* to = pixelAt(destination, box.x0, y);
         if (layer.bitmapType == LayerBitmapMask)
-            loops.overMask(to, coverageAt(layer, box.x0, y), step.color, width);
-        else if (layer.bitmapType == LayerBitmap32 && step.fade == 255)
-            loops.over(to, pixelAt(layer, box.x0, y), width);
+            over.colorMask(to, width, step.color, coverageAt(layer, box.x0, y));
         else if (layer.bitmapType == LayerBitmap32)
-            loops.overFaded(to, pixelAt(layer, box.x0, y), width, step.fade);
-        else if (step.copies)
-            std::fill_n(to, width, step.color);
+            over.pixels(to, width, pixelAt(layer, box.x0, y), step.fade);
         else
-            loops.overColor(to, step.color, width);
+            over.color(to, width, step.color, 255);
     }
 }
 

@@ -48,6 +48,10 @@ struct SpanKernels {
 
     /// Multiplies pixels by a factor over 255. `target` may be `source`.
     void (*fade)(std::uint32_t* target, const std::uint32_t* source, std::size_t count, std::uint8_t factor);
+    /// Bytes in the order alpha, red, green, blue to native premultiplied pixels. `target` may be `source`.
+    void (*toNative)(std::uint32_t* target, const std::uint32_t* source, std::size_t count, bool isOpaque);
+    void (*limitToAlpha)(
+        std::uint32_t* pixels, std::size_t count); ///< colours above their alpha become as large
     /// Multiplies a coverage by another, each over 255.
     void (*multiplyMask)(std::uint8_t* mask, const std::uint8_t* other, std::size_t count);
     void (*fadeMask)(std::uint8_t* mask, std::size_t count, std::uint8_t factor);
@@ -96,13 +100,20 @@ inline std::uint8_t coverageEvenOdd(std::int32_t sum)
     return std::uint8_t((inside * 255 + fullCell / 2) >> 17);
 }
 
+/// The upper byte of a 16-bit channel, which is how colours with fractions become bytes.
+inline std::uint8_t channelByte(double component)
+{
+    const double inside = component > 0 ? component < 1 ? component : 1 : 0;
+    return std::uint8_t(unsigned(inside * 65535 + 0.5) >> 8);
+}
+
 /// The product of two bytes over 255, rounded.
 inline constexpr std::uint8_t multiplyBytes(std::uint8_t a, std::uint8_t b)
 {
     return std::uint8_t((unsigned(a) * b + 128) * 257 >> 16);
 }
 
-/// The loops to use on this processor, chosen once.
+/// The loops to use on this processor: the fastest of all it runs, measured once.
 const SpanKernels& spanKernels();
 
 /// All loops that this processor runs, the portable ones first.

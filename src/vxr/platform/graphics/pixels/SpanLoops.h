@@ -338,17 +338,17 @@ VXR_SPAN_INLINE void step(
     store<size>(destination + i, Operation::template full<size>(pixels, load<size>(destination + i)));
 }
 
-// Where a span is not whole vectors, the last one overlaps the one before: it
-// is blended first and stored last, so that no pixel is blended twice.
+// Where a span is not whole vectors, its last two overlap. Both are blended before either is stored, so that
+// no pixel is blended twice. They are the last to be touched: memory is read in order.
 
 template <class Operation, int size, class Source, class Coverage>
-VXR_SPAN_INLINE void blendTwo(
-    std::uint32_t* destination, std::size_t count, const Source& source, const Coverage& coverage)
+VXR_SPAN_INLINE void blendTwo(std::uint32_t* destination, std::size_t i, std::size_t count,
+    const Source& source, const Coverage& coverage)
 {
     const std::size_t last = count - Vector<size>::lanes;
-    const Pixels<size> first = blended<Operation, size>(destination, 0, source, coverage);
+    const Pixels<size> first = blended<Operation, size>(destination, i, source, coverage);
     const Pixels<size> end = blended<Operation, size>(destination, last, source, coverage);
-    store<size>(destination, first);
+    store<size>(destination + i, first);
     store<size>(destination + last, end);
 }
 
@@ -357,22 +357,21 @@ VXR_SPAN_INLINE void blend(
     std::uint32_t* destination, std::size_t count, const Source& source, const Coverage& coverage)
 {
     constexpr int size = VXR_SPAN_BYTES;
-    if (count > widest) {
-        const std::size_t last = count - widest;
-        const Pixels<size> end = blended<Operation, size>(destination, last, source, coverage);
-        for (std::size_t i = 0; i < last; i += widest)
+    if (count >= widest) {
+        std::size_t i = 0;
+        for (; i + 2 * widest <= count; i += widest)
             step<Operation>(destination, i, source, coverage);
-        store<size>(destination + last, end);
+        blendTwo<Operation, size>(destination, i, count, source, coverage);
         return;
     }
 #if VXR_SPAN_BYTES >= 64
-    if (count > 8) {
-        blendTwo<Operation, 32>(destination, count, source, coverage);
+    if (count >= 8) {
+        blendTwo<Operation, 32>(destination, 0, count, source, coverage);
         return;
     }
 #endif
     if (count >= 4) {
-        blendTwo<Operation, 16>(destination, count, source, coverage);
+        blendTwo<Operation, 16>(destination, 0, count, source, coverage);
         return;
     }
     std::uint32_t pixels[4] = {}, sources[4] = {};
@@ -490,6 +489,33 @@ void fade(std::uint32_t* target, const std::uint32_t* source, std::size_t count,
     }
     for (; i < count; ++i)
         target[i] = fadedColor(source[i], factor);
+}
+
+/// Swaps bytes; what is not opaque is premultiplied.
+void toNative(std::uint32_t* target, const std::uint32_t* source, std::size_t count, bool isOpaque)
+{
+    for (std::size_t i = 0; i < count; ++i) {
+        std::uint32_t pixel;
+        std::uint8_t bytes[4];
+        memcpy(bytes, source + i, 4);
+        pixel = std::uint32_t(bytes[1]) << 16 | std::uint32_t(bytes[2]) << 8 | bytes[3];
+        if (isOpaque)
+            pixel |= 0xff000000u;
+        else
+            pixel = fadedColor(pixel, bytes[0]) | std::uint32_t(bytes[0]) << 24;
+        target[i] = pixel;
+    }
+}
+
+/// Colours that exceed their alpha become as large as it.
+void limitToAlpha(std::uint32_t* pixels, std::size_t count)
+{
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::uint32_t pixel = pixels[i], alpha = pixel >> 24;
+        const std::uint32_t red = pixel >> 16 & 0xff, green = pixel >> 8 & 0xff, blue = pixel & 0xff;
+        pixels[i] = alpha << 24 | (red < alpha ? red : alpha) << 16 | (green < alpha ? green : alpha) << 8
+            | (blue < alpha ? blue : alpha);
+    }
 }
 
 void multiplyMask(std::uint8_t* mask, const std::uint8_t* other, std::size_t count)
@@ -728,7 +754,8 @@ constexpr SpanKernels kernelsNamed(const char* name)
         { { clearColor, clearColorMask, clearPixels, clearPixelsMask },
             { copyColor, copyColorMask, copyPixels, copyPixelsMask },
             { overColor, overColorMask, overPixels, overPixelsMask } },
-        fade, multiplyMask, fadeMask, sumCells<NonZero>, sumCells<EvenOdd>, radial, linear, cubic, average };
+        fade, toNative, limitToAlpha, multiplyMask, fadeMask, sumCells<NonZero>, sumCells<EvenOdd>, radial,
+        linear, cubic, average };
 }
 
 } // namespace
