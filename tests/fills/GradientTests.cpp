@@ -128,6 +128,34 @@ TEST(Gradient, BracketingStops)
     }
 }
 
+// The stated scans, on gradients whose shared stops were moved behind their back too.
+TEST(Gradient, BracketsOfManyStopsAreThoseOfAScan)
+{
+    std::mt19937 random(8);
+    for (int trial = 0; trial < 40; ++trial) {
+        VXRGradient gradient(red(), Color::blackColor(), VXRLinearGradient);
+        for (int i = 0; i < 30; ++i)
+            gradient.insertGradientStop(
+                VXRGradientStop::gradientStopWithColorFraction(red(), float(random() % 20) / 19));
+        const auto sharing = gradient.copyWithZone();
+        if (trial % 2)
+            sharing->reverseStopOrder();
+        if (trial % 4 > 1)
+            gradient.insertGradientStop(VXRGradientStop::gradientStopWithColorFraction(red(), 0.25f));
+        const auto& stops = gradient.gradientStops();
+        for (int i = -1; i < 41; ++i) {
+            const float at = float(i) / 38, inside = std::clamp(at, 0.0f, 1.0f);
+            auto before = stops.front(), after = stops.back();
+            for (const auto& stop : stops)
+                before = stop->fraction() <= inside ? stop : before;
+            for (auto stop = stops.rbegin(); inside < 1 && stop != stops.rend(); ++stop)
+                after = (*stop)->fraction() > inside ? *stop : after;
+            ASSERT_EQ(gradient.stopBeforeFraction(at), before) << trial << " at " << at;
+            ASSERT_EQ(gradient.stopAfterFraction(at), after) << trial << " at " << at;
+        }
+    }
+}
+
 TEST(Gradient, ColoursAreMixedStraightBetweenStops)
 {
     // Alpha is a channel like the others: the colour is not weighed by it.

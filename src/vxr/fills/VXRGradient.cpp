@@ -7,6 +7,7 @@
 #include <vxr/platform/graphics/Shading.h>
 
 #include <algorithm>
+#include <functional>
 
 namespace vxr {
 
@@ -75,6 +76,7 @@ void VXRGradient::setGradientStops(const Stops& stops)
         return;
     std::for_each(stops.begin(), stops.end(), requireStop);
     mStops = stops;
+    mOrderKnownAt = UINT64_MAX;
     releaseShadingRef();
 }
 
@@ -89,12 +91,14 @@ void VXRGradient::insertGradientStop(std::shared_ptr<VXRGradientStop> stop)
     requireStop(stop);
     if (mStops.empty()) {
         mStops.push_back(std::move(stop));
+        mOrderKnownAt = UINT64_MAX;
         return;
     }
-    const auto greater = std::find_if(mStops.begin(), mStops.end(),
-        [&](const auto& other) { return other->fraction() > stop->fraction(); });
+    const auto greater = firstBehind(stop->fraction());
     const bool last = greater == mStops.end();
+    const bool ascends = stopsAscend() && stop->fraction() >= 0;
     mStops.insert(greater, std::move(stop));
+    mAscends = ascends;
     if (last)
         releaseShadingRef();
 }
@@ -147,11 +151,38 @@ void VXRGradient::evenlyDistributeStops()
     releaseShadingRef();
 }
 
+/// Stops ascend unless a gradient that shares them has moved them, or a list was given in another order.
+bool VXRGradient::stopsAscend() const
+{
+    if (mOrderKnownAt != VXRGradientStop::moves()) {
+        mOrderKnownAt = VXRGradientStop::moves();
+        float last = 0;
+        mAscends = std::all_of(mStops.begin(), mStops.end(), [&](const auto& stop) {
+            const bool follows = stop->fraction() >= last; // not if it is not a number
+            last = stop->fraction();
+            return follows;
+        });
+    }
+    return mAscends;
+}
+
+VXRGradient::Stops::const_iterator VXRGradient::firstBehind(float fraction) const
+{
+    const auto isBehind = [&](const auto& stop) { return stop->fraction() > fraction; };
+    if (!stopsAscend())
+        return std::find_if(mStops.begin(), mStops.end(), isBehind);
+    return std::partition_point(mStops.begin(), mStops.end(), std::not_fn(isBehind));
+}
+
 std::shared_ptr<VXRGradientStop> VXRGradient::stopBeforeFraction(float fraction) const
 {
     if (mStops.empty())
         return nullptr;
     const float clamped = VXRClamp(fraction, 0, 1);
+    if (clamped >= 0 && stopsAscend()) {
+        const auto behind = firstBehind(clamped);
+        return behind == mStops.begin() ? mStops.front() : *std::prev(behind);
+    }
     const auto found = std::find_if(
         mStops.rbegin(), mStops.rend(), [&](const auto& stop) { return stop->fraction() <= clamped; });
     return found == mStops.rend() ? mStops.front() : *found;
@@ -164,8 +195,7 @@ std::shared_ptr<VXRGradientStop> VXRGradient::stopAfterFraction(float fraction) 
     const float clamped = VXRClamp(fraction, 0, 1);
     if (clamped == 1)
         return mStops.back();
-    const auto found = std::find_if(
-        mStops.begin(), mStops.end(), [&](const auto& stop) { return stop->fraction() > clamped; });
+    const auto found = firstBehind(clamped);
     return found == mStops.end() ? mStops.back() : *found;
 }
 

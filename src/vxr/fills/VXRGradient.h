@@ -98,7 +98,13 @@ private:
 
     std::vector<SampledStop> stopsToSample() const;
 
+    bool stopsAscend() const;
+    /// The first stop behind a fraction, which is a number.
+    Stops::const_iterator firstBehind(float fraction) const;
+
     Stops mStops;
+    mutable std::uint64_t mOrderKnownAt = UINT64_MAX; ///< moves of stops when the order was looked at
+    mutable bool mAscends = false;
     std::int32_t mType = VXRLinearGradient;
     float mOpacity = 1;
     mutable std::shared_ptr<Shading> mShadingRef;

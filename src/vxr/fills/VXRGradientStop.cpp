@@ -4,10 +4,12 @@
 
 namespace vxr {
 
+std::uint64_t VXRGradientStop::sMoves = 0;
+
 VXRGradientStop::VXRGradientStop(std::shared_ptr<Color> color, float fraction)
+    : mFraction(VXRClamp(fraction, 0, 1))
 {
     _setColor(std::move(color));
-    _setFraction(fraction);
 }
 
 VXRGradientStop::~VXRGradientStop() = default;
@@ -43,6 +45,10 @@ bool VXRGradientStop::isEqual(const Object& other) const
 
 void VXRGradientStop::_setColor(std::shared_ptr<Color> color) { mColor = std::move(color); }
 
-void VXRGradientStop::_setFraction(float fraction) { mFraction = VXRClamp(fraction, 0, 1); }
+void VXRGradientStop::_setFraction(float fraction)
+{
+    mFraction = VXRClamp(fraction, 0, 1);
+    ++sMoves;
+}
 
 } // namespace vxr

@@ -2,6 +2,8 @@
 
 #include <vxr/geometry/Color.h>
 
+#include <cstdint>
+
 namespace vxr {
 
 /// A colour at a place along a gradient. Gradients that were copied from one another share their stops.
@@ -31,6 +33,10 @@ private:
 
     void _setColor(std::shared_ptr<Color> color);
     void _setFraction(float fraction); ///< clamped into [0, 1]
+
+    /// How often stops have been moved, any of them: gradients that share a stop don't know of each other.
+    static std::uint64_t moves() { return sMoves; }
+    static std::uint64_t sMoves;
 
     std::shared_ptr<Color> mColor;
     float mFraction = 0;
