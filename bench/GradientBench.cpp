@@ -10,6 +10,7 @@
 
 #include <cairo.h>
 
+#include <algorithm>
 #include <cmath>
 #include <random>
 #include <vector>
@@ -225,7 +226,83 @@ Pair pairOf(const std::shared_ptr<Page>& page)
     return { [page] { paintByLibrary(*page); }, [page] { paintByHand(*page); } };
 }
 
+/// A page of small rectangles, each with a gradient of its own or all with one.
+std::shared_ptr<Page> pageOfRamps(bool distinct)
+{
+    auto page = std::make_shared<Page>();
+    Random random;
+    std::shared_ptr<VXRGradient> gradient;
+    for (int i = 0; i < 1000; ++i) {
+        if (distinct || !gradient) {
+            const auto angled
+                = VXRAngleGradient::linearGradientWithStartColorEndColor(random.color(), random.color());
+            angled->setGradientAngle(0.5f);
+            gradient = angled;
+        }
+        const auto placed = AffineTransform::makeTranslation(random(0, side - 80), random(0, side - 80));
+        page->items.push_back(
+            { std::make_shared<Shape>(roundedRect(random(16, 72), random(16, 72), 5), placed, 0.0f),
+                gradient });
+    }
+    return page;
+}
+
+Pair manyRampsAgainstOne()
+{
+    const auto many = pageOfRamps(true), one = pageOfRamps(false);
+    return { [many] { paintByLibrary(*many); }, [one] { paintByLibrary(*one); } };
+}
+
+/// Floyd and Steinberg pixel by pixel, over a ramp of 16 bits.
+void ditherPixelByPixel(std::vector<std::uint16_t>& values, std::vector<std::uint8_t>& output)
+{
+    constexpr int width = VXRShadingRep::width, height = VXRShadingRep::height, channels = 4;
+    constexpr std::ptrdiff_t row = std::ptrdiff_t { width } * channels;
+    const auto add = [](std::uint16_t& value, int error) {
+        value = static_cast<std::uint16_t>(std::min(value + error, 65535));
+    };
+    std::uint16_t* value = values.data();
+    std::uint8_t* out = output.data();
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x)
+            for (int channel = 0; channel < channels; ++channel, ++value, ++out) {
+                *out = static_cast<std::uint8_t>(*value / 257);
+                const int error = *value - *out * 257;
+                const int right = error * 7 / 16, belowLeft = error * 3 / 16, below = error * 5 / 16;
+                if (x < width - 1)
+                    add(value[channels], right);
+                if (y == height - 1)
+                    continue;
+                if (x > 0)
+                    add(value[row - channels], belowLeft);
+                add(value[row], below);
+                if (x < width - 1)
+                    add(value[row + channels], error - right - belowLeft - below);
+            }
+}
+
+Pair rampBuild()
+{
+    struct Buffers {
+        VXRShadingRep ramp;
+        std::vector<std::uint16_t> first, values;
+        std::vector<std::uint8_t> output;
+    };
+    const auto buffers = std::make_shared<Buffers>();
+    buffers->output.resize(VXRShadingRep::bytes);
+    for (int y = 0; y < VXRShadingRep::height; ++y)
+        for (int i = 0; i < VXRShadingRep::width * 4; ++i)
+            buffers->first.push_back(static_cast<std::uint16_t>(65535 - i * 31));
+    return { [buffers] { buffers->ramp.update(); },
+        [buffers] {
+            buffers->values = buffers->first;
+            ditherPixelByPixel(buffers->values, buffers->output);
+        } };
+}
+
 const int registered[] = {
+    bench::compare("GRADIENT/ramp-build-against-a-plain-loop", atMost(0.1), rampBuild),
+    bench::compare("SCALE/1000-gradients-against-one", atMost(1.5), manyRampsAgainstOne),
     bench::compare(
         "GRADIENT/angle-ramps-500-rounded-rects", atMost(1.5), [] { return pairOf(angledPage()); }),
     bench::compare("GRADIENT/radial-transform-500-circles", atMost(1.5), [] { return pairOf(radialPage()); }),
