@@ -6,7 +6,8 @@ namespace vxr {
 
 /// What draws into a bitmap.
 enum class BitmapEngine {
-    Default, ///< the user's choice under the key `VXRBitmapEngine` ("raster" or "cairo")
+    Default, ///< cairo where the user's default `VXRBitmapEngine` is "cairo", else the library's own
+    Raster, ///< the library's own
     Cairo,
 };
 

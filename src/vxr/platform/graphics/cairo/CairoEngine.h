@@ -1,8 +1,8 @@
 #pragma once
 
 #include <vxr/platform/graphics/DrawingEngine.h>
+#include <vxr/platform/graphics/LayerMemory.h>
 #include <vxr/platform/graphics/cairo/CairoHandles.h>
-#include <vxr/platform/graphics/cairo/CairoLayerMemory.h>
 
 namespace vxr {
 

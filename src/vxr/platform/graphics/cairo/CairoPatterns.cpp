@@ -1,5 +1,6 @@
 #include <vxr/platform/graphics/EngineContext.h>
 #include <vxr/platform/graphics/Pattern.h>
+#include <vxr/platform/graphics/PatternCells.h>
 #include <vxr/platform/graphics/cairo/CairoEngine.h>
 
 #include <utility>
@@ -15,7 +16,6 @@ constexpr double unitsOnPaper = 16; ///< of a repeated cell for one of its own, 
 constexpr double leastPixels = 8; ///< a repeated cell is drawn in on a bitmap, to be averaged
 constexpr double leastStep = 1; ///< of a repeated cell in pixels
 constexpr double maxUnits = 1 << 14;
-constexpr int maxOverlap = 8; ///< cells that may lie over one another along an axis
 
 /// What is kept of a pattern between two uses.
 struct CairoPatternCache {
@@ -30,12 +30,6 @@ CairoPatternCache& cacheOf(const Pattern& pattern)
     return pattern.engineCaches().findOrMake<CairoPatternCache>();
 }
 
-double usableStep(float step, float cellSide)
-{
-    const double length = std::abs(step);
-    return length > 0 && std::isfinite(length) ? length : cellSide;
-}
-
 DeviceBox boundsOf(const cairo_matrix_t& matrix, double x0, double y0, double x1, double y1)
 {
     DeviceBox bounds = inverseBox();
@@ -44,21 +38,6 @@ DeviceBox boundsOf(const cairo_matrix_t& matrix, double x0, double y0, double x1
         bounds.include(x, y);
     }
     return bounds;
-}
-
-/// Draws one cell in the space of the cell at the origin. Where cells touch, their edges are not
-/// smoothed: each has pixels of its own, and no seam shows.
-void drawCell(Context& context, const Pattern& pattern, Point offset)
-{
-    const Rect& cell = pattern.cell();
-    const bool apart
-        = std::abs(pattern.xStep()) > cell.size.width && std::abs(pattern.yStep()) > cell.size.height;
-    StateSaver saved(context);
-    context.translate(offset.x, offset.y);
-    context.setShouldAntialias(apart);
-    context.clipToRect(cell);
-    context.setShouldAntialias(true);
-    pattern.drawCell(context);
 }
 
 CairoSurfacePtr rasterized(cairo_surface_t* source, double width, double height, double scale)
@@ -80,8 +59,8 @@ public:
         : mPattern(pattern)
         , mToDevice(toDevice)
         , mMatrix(cairoMatrix(toDevice, deviceHeight))
-        , mXStep(usableStep(pattern.xStep(), pattern.cell().size.width))
-        , mYStep(usableStep(pattern.yStep(), pattern.cell().size.height))
+        , mXStep(usablePatternStep(pattern.xStep(), pattern.cell().size.width))
+        , mYStep(usablePatternStep(pattern.yStep(), pattern.cell().size.height))
         , mOnPaper(onPaper)
     {
     }
@@ -146,7 +125,7 @@ private:
         cache.cellTransform = transform;
         cache.cell = recordDrawing(box.grown(1).roundedOut(), 0, mOnPaper, [&](Context& context) {
             context.setBaseTransform(transform);
-            drawCell(context, mPattern, {});
+            drawPatternCell(context, mPattern, {});
         });
         return cache.cell.get();
     }
@@ -211,7 +190,7 @@ private:
     CairoSurfacePtr recordedPeriod(double columns, double rows) const
     {
         return recordDrawing({ 0, 0, columns, rows }, rows, mOnPaper, [&](Context& context) {
-            drawPeriod(context, static_cast<float>(columns / mXStep), static_cast<float>(rows / mYStep));
+            drawPatternPeriod(context, mPattern, static_cast<float>(columns / mXStep), static_cast<float>(rows / mYStep));
         });
     }
 
@@ -225,21 +204,6 @@ private:
             recordedPeriod(columns * finer, rows * finer).get(), columns * finer, rows * finer, 1);
         return finer > 1 ? rasterized(fine.get(), columns, rows, 1 / finer)
                          : CairoSurfacePtr(cairo_surface_reference(fine.get()));
-    }
-
-    void drawPeriod(Context& context, float xScale, float yScale) const
-    {
-        const Rect& cell = mPattern.cell();
-        AffineTransform transform = AffineTransform::makeScale(xScale, yScale);
-        context.setBaseTransform(transform.translate(-cell.minX(), -cell.minY()));
-        const auto reach = [](double side, double step) {
-            return static_cast<int>(std::min<double>(std::ceil(side / step) - 1, maxOverlap));
-        };
-        // A cell larger than its step reaches over from the neighbours before it.
-        for (int j = -reach(cell.size.height, mYStep); j <= 0; ++j)
-            for (int i = -reach(cell.size.width, mXStep); i <= 0; ++i)
-                drawCell(
-                    context, mPattern, { static_cast<float>(i * mXStep), static_cast<float>(j * mYStep) });
     }
 
     const Pattern& mPattern;

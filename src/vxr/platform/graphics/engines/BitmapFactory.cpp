@@ -1,7 +1,9 @@
 #include <vxr/platform/base/Exceptions.h>
+#include <vxr/platform/base/UserDefaults.h>
 #include <vxr/platform/graphics/BitmapContext.h>
 #include <vxr/platform/graphics/EngineContext.h>
 #include <vxr/platform/graphics/cairo/CairoFactory.h>
+#include <vxr/platform/graphics/raster/RasterFactory.h>
 
 #include <cstdlib>
 #include <new>
@@ -54,10 +56,20 @@ void requireSides(int width, int height)
         throw InvalidArgumentException("A bitmap's sides lie between 1 and 32767.");
 }
 
-std::unique_ptr<DrawingEngine> makeEngine(
-    BitmapEngine, void* pixels, int width, int height, std::size_t bytesPerRow)
+BitmapEngine defaultEngine()
 {
-    return makeCairoBitmapEngine(static_cast<std::uint8_t*>(pixels), width, height, bytesPerRow);
+    const auto chosen = UserDefaults::standardUserDefaults().stringForKey("VXRBitmapEngine");
+    return chosen == "cairo" ? BitmapEngine::Cairo : BitmapEngine::Raster;
+}
+
+std::unique_ptr<DrawingEngine> makeEngine(
+    BitmapEngine choice, void* pixels, int width, int height, std::size_t bytesPerRow)
+{
+    auto* bytes = static_cast<std::uint8_t*>(pixels);
+    if (choice == BitmapEngine::Default)
+        choice = defaultEngine();
+    return choice == BitmapEngine::Cairo ? makeCairoBitmapEngine(bytes, width, height, bytesPerRow)
+                                         : makeRasterEngine(bytes, width, height, bytesPerRow);
 }
 
 } // namespace

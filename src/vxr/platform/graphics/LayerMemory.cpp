@@ -1,4 +1,4 @@
-#include <vxr/platform/graphics/cairo/CairoLayerMemory.h>
+#include <vxr/platform/graphics/LayerMemory.h>
 
 #include <sys/mman.h>
 
