@@ -1,5 +1,4 @@
 #include <vxr/platform/graphics/pixels/Blur.h>
-#include <vxr/platform/graphics/pixels/LayerBlend.h>
 #include <vxr/platform/graphics/pixels/SpanKernels.h>
 #include <vxr/platform/graphics/raster/RasterEngine.h>
 
