@@ -1,0 +1,48 @@
+#include <vxr/filters/FilterLoops.h>
+
+#include <array>
+
+namespace vxr {
+
+#if defined(__x86_64__)
+extern const FilterKernels avx2FilterKernels;
+#endif
+
+namespace {
+
+constexpr FilterKernels portableKernels = filterKernelsNamed("portable");
+
+struct Available {
+    std::array<const FilterKernels*, 2> kernels {};
+    std::size_t count = 0;
+
+    Available()
+    {
+        kernels[count++] = &portableKernels;
+#if defined(__x86_64__)
+        if (__builtin_cpu_supports("avx2"))
+            kernels[count++] = &avx2FilterKernels;
+#endif
+    }
+};
+
+const Available& available()
+{
+    static const Available found;
+    return found;
+}
+
+} // namespace
+
+const FilterKernels& filterKernels()
+{
+    static const FilterKernels& best = *available().kernels[available().count - 1];
+    return best;
+}
+
+std::span<const FilterKernels* const> availableFilterKernels()
+{
+    return { available().kernels.data(), available().count };
+}
+
+} // namespace vxr
