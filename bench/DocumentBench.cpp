@@ -10,6 +10,7 @@
 
 #include <vxr/fills/VXRShadow.h>
 #include <vxr/fills/VXRTransformGradient.h>
+#include <vxr/strokes/VXRStroke.h>
 
 #include <libxml/parser.h>
 
