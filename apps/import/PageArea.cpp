@@ -48,7 +48,8 @@ bool isPossible(const Request& request)
 {
     return request.width > 0 && request.height > 0 && request.width <= mostAreaSide
         && request.height <= mostAreaSide && request.scaleX > 0 && request.scaleY > 0
-        && std::isfinite(request.scaleX) && std::isfinite(request.scaleY);
+        && std::isfinite(request.scaleX) && std::isfinite(request.scaleY) && std::abs(request.offsetX) <= 1
+        && std::abs(request.offsetY) <= 1;
 }
 
 } // namespace
@@ -77,7 +78,7 @@ void renderPageArea(const Request& request, const JobInput& input, JobOutput& ou
     const Surface surface(cairo_image_surface_create_for_data(
         pixels, CAIRO_FORMAT_ARGB32, request.width, request.height, stride));
     const Drawing drawing(cairo_create(surface.get()));
-    cairo_translate(drawing.get(), -request.x, -request.y);
+    cairo_translate(drawing.get(), request.offsetX - request.x, request.offsetY - request.y);
     cairo_scale(drawing.get(), request.scaleX, request.scaleY);
     poppler_page_render(page.get(), drawing.get());
     cairo_surface_flush(surface.get());

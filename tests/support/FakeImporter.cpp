@@ -119,6 +119,8 @@ std::shared_ptr<const ImportedBitmap> FakeImporter::renderPageArea(
     std::ostringstream call;
     call << "area " << area.scaleX << ' ' << area.scaleY << ' ' << area.x << ' ' << area.y << ' '
          << area.width << ' ' << area.height;
+    if (area.offsetX != 0 || area.offsetY != 0)
+        call << " offset " << area.offsetX << ' ' << area.offsetY;
     calls.push_back(call.str());
     if (!find(documents, file, available, failure))
         return nullptr;

@@ -30,6 +30,9 @@ struct PixelRange {
     int x0, y0, x1, y1;
 };
 
+/// Of pixels between which a page's corner is placed: more would render it anew at every step.
+double inSteps(double device) { return std::round(device * 4) / 4; }
+
 int areasIn(int pixels) { return (pixels + areaSide - 1) / areaSide; }
 
 } // namespace
@@ -64,12 +67,12 @@ void VXRPagePixels::flushLocalData()
     mBytes = 0;
 }
 
-VXRPagePixels::Rendering& VXRPagePixels::renderingForSize(double width, double height)
+VXRPagePixels::Rendering& VXRPagePixels::renderingForSize(double width, double height, Size offset)
 {
     const Size media = mDocument->box(PDFBox::Media).size;
     const double scaleX = width / media.width, scaleY = height / media.height;
-    const auto found = std::ranges::find_if(
-        mRenderings, [&](const Rendering& r) { return r.scaleX == scaleX && r.scaleY == scaleY; });
+    const auto found = std::ranges::find_if(mRenderings,
+        [&](const Rendering& r) { return r.scaleX == scaleX && r.scaleY == scaleY && r.offset == offset; });
     if (found != mRenderings.end()) {
         mRenderings.splice(mRenderings.begin(), mRenderings, found);
         return mRenderings.front();
@@ -81,7 +84,8 @@ VXRPagePixels::Rendering& VXRPagePixels::renderingForSize(double width, double h
     }
     const auto pixels
         = [](double side) { return static_cast<int>(std::clamp(std::ceil(side - 1e-3), 1.0, mostPixels)); };
-    mRenderings.push_front({ scaleX, scaleY, pixels(width), pixels(height), {} });
+    mRenderings.push_front({ scaleX, scaleY, offset, pixels(width + static_cast<double>(offset.width)),
+        pixels(height + static_cast<double>(offset.height)), {} });
     return mRenderings.front();
 }
 
@@ -93,19 +97,22 @@ std::shared_ptr<const Image> VXRPagePixels::area(Rendering& rendering, int colum
     const int x = column * areaSide, y = row * areaSide;
     kept = mDocument->renderArea(
         { static_cast<float>(rendering.scaleX), static_cast<float>(rendering.scaleY) }, x, y,
-        std::min(areaSide, rendering.width - x), std::min(areaSide, rendering.height - y));
+        std::min(areaSide, rendering.width - x), std::min(areaSide, rendering.height - y), rendering.offset);
     if (kept)
         mBytes += kept->layout().bytesPerRow * static_cast<std::size_t>(kept->height());
     return kept;
 }
 
-// Upright and not mirrored: the page's pixels are the device's, beginning at the one nearest to its corner.
+// Upright and not mirrored: the page's pixels are the device's, beginning at the one that its corner is in.
 bool VXRPagePixels::drawAligned(Context& context, const Rect& rect, const AffineTransform& t)
 {
-    const double left = std::round(double(t.m11) * rect.minX() + t.tX);
-    const double top = std::round(double(t.m22) * rect.maxY() + t.tY);
+    const double exactLeft = double(t.m11) * rect.minX() + t.tX,
+                 exactTop = double(t.m22) * rect.maxY() + t.tY;
+    const double left = std::floor(inSteps(exactLeft)), top = std::ceil(inSteps(exactTop));
+    const Size offset { static_cast<float>(inSteps(exactLeft) - left),
+        static_cast<float>(top - inSteps(exactTop)) };
     Rendering& rendering
-        = renderingForSize(double(t.m11) * rect.size.width, double(t.m22) * rect.size.height);
+        = renderingForSize(double(t.m11) * rect.size.width, double(t.m22) * rect.size.height, offset);
     const Rect seen = intersectionRect(context.clipBounds(), rect);
     if (seen.isEmpty())
         return true;

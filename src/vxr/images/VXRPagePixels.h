@@ -36,11 +36,12 @@ private:
     /// The page at one resolution.
     struct Rendering {
         double scaleX, scaleY; ///< pixels a point
-        int width, height; ///< of the whole page
+        Size offset; ///< of the page's corner from that of the first pixel
+        int width, height; ///< of the whole page, the offset included
         std::map<std::pair<int, int>, std::shared_ptr<const Image>> areas; ///< by column and row
     };
 
-    Rendering& renderingForSize(double width, double height);
+    Rendering& renderingForSize(double width, double height, Size offset = {});
     std::shared_ptr<const Image> area(Rendering&, int column, int row);
     bool drawAligned(Context&, const Rect&, const AffineTransform&);
     bool drawTurned(Context&, const Rect&, const AffineTransform&);

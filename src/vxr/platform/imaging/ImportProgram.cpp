@@ -208,6 +208,8 @@ std::shared_ptr<const ImportedBitmap> ImportProgram::renderPageArea(
 {
     Request request = requestFor(Job::RenderPageArea);
     request.scaleX = area.scaleX;
+    request.offsetX = area.offsetX;
+    request.offsetY = area.offsetY;
     request.scaleY = area.scaleY;
     request.x = area.x;
     request.y = area.y;

@@ -52,7 +52,7 @@ struct Request {
     Job job = Job::FileTypes;
     std::uint32_t drawable = 0, useProfile = 1; ///< `DecodeBitmap`
     Limits limits;
-    double scaleX = 1, scaleY = 1; ///< `RenderPageArea`
+    double scaleX = 1, scaleY = 1, offsetX = 0, offsetY = 0; ///< `RenderPageArea`
     std::int32_t x = 0, y = 0, width = 0, height = 0;
     std::int32_t misdeed = 0;
 };

@@ -61,6 +61,8 @@ struct BitmapRequest {
 struct PageAreaRequest {
     double scaleX = 1, scaleY = 1;
     std::int32_t x = 0, y = 0, width = 0, height = 0;
+    /// In 0 to 1: how far the corner lies to the right of and below that of pixel (0, 0).
+    double offsetX = 0, offsetY = 0;
 };
 
 /// Page 1 of a document, wanted in place of the picture with the mark (see `PageMark.h`).

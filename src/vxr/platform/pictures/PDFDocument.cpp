@@ -62,12 +62,14 @@ bool PDFDocument::drawAsVectors(Context& context, const Rect& rect) const
     return true;
 }
 
-std::shared_ptr<const Image> PDFDocument::renderArea(Size scale, int x, int y, int width, int height) const
+std::shared_ptr<const Image> PDFDocument::renderArea(
+    Size scale, int x, int y, int width, int height, Size offset) const
 {
     const auto file = mData ? MemoryFile::createWithCopy(mData->bytes()) : nullptr;
     if (!file)
         return nullptr;
-    const PageAreaRequest request { scale.width, scale.height, x, y, width, height };
+    const PageAreaRequest request { scale.width, scale.height, x, y, width, height, offset.width,
+        offset.height };
     return imageOfImportedBitmap(Importer::shared().renderPageArea(*file, request));
 }
 

@@ -32,10 +32,11 @@ public:
     /// Draws the media box into the rectangle where that needs no pixels: a drawing anywhere, a page into a
     /// document. False when it has to be rendered. The page's rotation is not applied.
     bool drawAsVectors(Context&, const Rect&) const;
-    /// Pixels of the media box at `scaleX` and `scaleY` pixels per unit: those in columns `x` to x + width
-    /// and rows `y` to y + height, counted from a corner that lies `phase` (0 to 1) to the upper left of the
-    /// box. None when the page can't be rendered.
-    std::shared_ptr<const Image> renderArea(Size scale, int x, int y, int width, int height) const;
+    /// Pixels of the media box at `scale` pixels per unit: columns `x` to x + width, rows `y` to y + height,
+    /// from its upper left corner. With an offset, below 1, that corner lies so far to the right of and below
+    /// the pixels' corner. None when the page can't be rendered.
+    std::shared_ptr<const Image> renderArea(
+        Size scale, int x, int y, int width, int height, Size offset = {}) const;
     /// The whole media box in about a million pixels, fewer for a small one. None as above.
     std::shared_ptr<const Image> overview() const;
     /// The document that `normalisedDocument` of the import program makes of this one.
