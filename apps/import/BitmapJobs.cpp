@@ -39,6 +39,8 @@ void describe(const BitmapInfo& info, JobOutput& output)
     record.frames = info.frames;
     record.isPlainJPEG = info.isPlainJPEG;
     info.kind.copy(record.kind, sizeof record.kind - 1);
+    if (!info.profile.empty())
+        nameOfProfile(info.profile).copy(record.profileName, sizeof record.profileName - 1);
     output.trailing = info.profile;
 }
 

@@ -1,4 +1,5 @@
 #include <apps/import/Job.h>
+#include <apps/import/JpegProfiles.h>
 #include <apps/import/PdfDocument.h>
 
 #include <vxr/platform/imaging/PageMark.h>
@@ -162,6 +163,7 @@ void placePages(const JobInput& input, JobOutput& output)
     // All marks are found before anything foreign comes in.
     const auto marks = findMarks(*written, placement.places);
     freeGroupColors(*written);
+    honourJPEGProfiles(*written);
     std::string version = written->getPDFVersion();
     std::set<QPDF*> used;
     for (MarkedObject mark : marks) {

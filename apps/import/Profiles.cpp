@@ -81,6 +81,15 @@ bool isProfileOf(BitmapModel model, std::span<const std::byte> profile)
     return open(model, profile) != nullptr;
 }
 
+std::string nameOfProfile(std::span<const std::byte> bytes)
+{
+    const Profile profile(cmsOpenProfileFromMem(bytes.data(), cmsUInt32Number(bytes.size())));
+    std::array<char, 64> name {};
+    if (profile)
+        cmsGetProfileInfoASCII(profile.get(), cmsInfoDescription, "en", "US", name.data(), name.size() - 1);
+    return name.data();
+}
+
 Transform makeTransform(const BitmapFormat& format, std::span<const std::byte> bytes)
 {
     const Profile profile = open(format.model, bytes);

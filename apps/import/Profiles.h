@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <memory>
 #include <span>
+#include <string>
 #include <vector>
 
 namespace vxr::importing {
@@ -21,6 +22,9 @@ std::vector<std::byte> makeProfile(BitmapModel, double gamma, const std::array<d
 
 /// Whether lcms2 takes it for a profile of such samples.
 bool isProfileOf(BitmapModel, std::span<const std::byte> profile);
+
+/// What it calls itself; empty when it does not say.
+std::string nameOfProfile(std::span<const std::byte> profile);
 
 /// From samples of the format to drawable pixels, not premultiplied; alpha is copied. None when the profile
 /// is of no use.

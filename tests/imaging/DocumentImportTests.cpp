@@ -21,6 +21,18 @@ std::string markedPage(const std::string& entries)
     return makePage("/MediaBox[0 0 200 300]" + entries, "1 0 0 rg 30 45 10 10 re f");
 }
 
+/// A page with the JPEG over (20, 30) to (60, 90).
+std::string pageWithJPEG(const std::string& jpeg, const std::string& space, int width, int height)
+{
+    const std::string content = "q 40 0 0 60 20 30 cm /X Do Q";
+    return makePDF({ "<</Type/Catalog/Pages 2 0 R>>", "<</Type/Pages/Kids[3 0 R]/Count 1>>",
+        "<</Type/Page/Parent 2 0 R/MediaBox[0 0 100 100]/Resources<</XObject<</X 5 0 R>>>>/Contents 4 0 R>>",
+        "<</Length " + std::to_string(content.size()) + ">>stream\n" + content + "\nendstream",
+        "<</Type/XObject/Subtype/Image/Width " + std::to_string(width) + "/Height " + std::to_string(height)
+            + "/ColorSpace" + space + "/BitsPerComponent 8/Filter/DCTDecode/Length "
+            + std::to_string(jpeg.size()) + ">>stream\n" + jpeg + "\nendstream" });
+}
+
 struct BoxCase {
     const char* name;
     std::string entries;
@@ -143,15 +155,7 @@ TEST_F(DocumentImport, PlacesPagesWhereTheirMarksAre)
 {
     // The mark stretched over (20, 30) to (60, 90) of a page; the placed page is red on its left half.
     const std::string mark = makePageMark(), jpeg = pageMarkJPEG(mark);
-    const std::string content = "q 40 0 0 60 20 30 cm /X Do Q";
-    const std::string written = makePDF({ "<</Type/Catalog/Pages 2 0 R>>",
-        "<</Type/Pages/Kids[3 0 R]/Count 1>>",
-        "<</Type/Page/Parent 2 0 R/MediaBox[0 0 100 100]/Resources<</XObject<</X 5 0 R>>>>/Contents 4 0 R>>",
-        "<</Length " + std::to_string(content.size()) + ">>stream\n" + content + "\nendstream",
-        "<</Type/XObject/Subtype/Image/Width 1/Height 1/ColorSpace/DeviceGray/BitsPerComponent "
-        "8/Filter/DCTDecode"
-        "/Length "
-            + std::to_string(jpeg.size()) + ">>stream\n" + jpeg + "\nendstream" });
+    const std::string written = pageWithJPEG(jpeg, "/DeviceGray", 1, 1);
     const auto page = memoryFile(makePage("/MediaBox[100 0 300 300]", "0 1 1 0 k 100 0 100 300 re f"));
     const PlacedPage places[] { { mark, page } };
     const auto placed = importer().placePages(*memoryFile(written), places, &failure);
@@ -169,4 +173,21 @@ TEST_F(DocumentImport, PlacesPagesWhereTheirMarksAre)
     }
     EXPECT_EQ(pixelAt(*pixels, 30, 9) >> 24, 0u);
     EXPECT_EQ(pixelAt(*pixels, 30, 71) >> 24, 0u);
+}
+
+TEST_F(DocumentImport, JPEGPicturesInDocumentsGetTheProfilesThatTheyCarry)
+{
+    const char* const profile = "/usr/share/color/icc/ghostscript/default_rgb.icc";
+    const std::string plain = makePicture({}, ".jpg"), profiled = makePicture({ .profile = profile }, ".jpg");
+    if (profiled.empty())
+        GTEST_SKIP() << "there is no profile " << profile;
+    for (const bool isProfiled : { false, true }) {
+        const std::string& jpeg = isProfiled ? profiled : plain;
+        const auto finished
+            = importer().placePages(*memoryFile(pageWithJPEG(jpeg, "/DeviceRGB", 8, 6)), {}, &failure);
+        ASSERT_TRUE(finished) << failure.message;
+        EXPECT_NE(bytesOf(*finished).find(jpeg), std::string::npos) << "the file as it is";
+        EXPECT_EQ(bytesOf(*finished).find("/ICCBased") != std::string::npos, isProfiled);
+        EXPECT_TRUE(area(bytesOf(*finished), { 1, 1, 0, 0, 100, 100 })) << failure.message;
+    }
 }

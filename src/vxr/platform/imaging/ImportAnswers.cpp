@@ -94,6 +94,7 @@ std::optional<BitmapInfo> readBitmapInfo(std::span<const std::byte> bytes)
     info.orientation = record.orientation >= 1 && record.orientation <= 8 ? record.orientation : 1;
     info.frames = std::clamp(record.frames, 1u, mostFrames);
     info.isPlainJPEG = record.isPlainJPEG == 1;
+    info.profileName = plainText(record.profileName);
     const auto profile = trailingBytes(bytes);
     info.profile.assign(profile.begin(), profile.end());
     return info;

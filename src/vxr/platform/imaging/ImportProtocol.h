@@ -76,6 +76,7 @@ struct BitmapRecord {
     float horizontalResolution, verticalResolution;
     std::uint32_t orientation, frames, isPlainJPEG;
     char kind[12];
+    char profileName[64];
 };
 
 struct DocumentRecord {

@@ -34,6 +34,7 @@ struct BitmapInfo {
     /// ICC profile of the samples, one that lcms2 accepts and whose model is the bitmap's. A PNG's gamma and
     /// chromaticities come as a profile too. Empty when the file has none.
     std::vector<std::byte> profile {};
+    std::string profileName {}; ///< as the profile calls itself, in plain letters
     /// JPEG of 1 or 3 components, 8 bits, upright: what a document may hold as it is.
     bool isPlainJPEG = false;
 };

@@ -109,8 +109,8 @@ public:
     /// With or without the 512 bytes in front.
     virtual std::shared_ptr<const MemoryFile> convertPICT(const MemoryFile& pict, ImportFailure* = nullptr)
         = 0;
-    /// `written` with the pages in place of their marks, as forms: vectors, fonts and colours are kept. A
-    /// document without any of the marks comes back as it was drawn.
+    /// `written` with the pages in place of their marks, as forms: vectors, fonts and colours are kept. JPEG
+    /// pictures in it get the profiles that they carry; their bytes stay.
     virtual std::shared_ptr<const MemoryFile> placePages(
         const MemoryFile& written, std::span<const PlacedPage>, ImportFailure* = nullptr)
         = 0;

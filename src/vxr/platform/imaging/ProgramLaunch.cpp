@@ -28,8 +28,8 @@ struct Launch {
     int error = 0;
 };
 
-/// Runs in the memory of the suspended host: system calls only.
-int becomeProgram(void* context)
+/// Runs in the memory of the suspended host: system calls only, and nothing that watches its stack.
+[[gnu::no_sanitize_address]] int becomeProgram(void* context)
 {
     auto& launch = *static_cast<Launch*>(context);
     if (launch.socket == programSocket)
@@ -51,7 +51,7 @@ int becomeProgram(void* context)
 }
 
 /// The process between host and program. It ends at once, so the program is nobody's child here.
-int startInner(void* context)
+[[gnu::no_sanitize_address]] int startInner(void* context)
 {
     auto& launch = *static_cast<Launch*>(context);
     const int process = ::clone(becomeProgram, launch.innerStack,

@@ -68,6 +68,17 @@ std::string place(std::string& document, std::span<const std::string> marks)
     return first.empty() ? second : first;
 }
 
+/// JPEG files lie in documents as they are, so what they carry can be seen. A picture without its profile is
+/// no failure: it has device colours.
+void honourProfiles(std::string& document)
+{
+    if (document.find("ICC_PROFILE") == std::string::npos)
+        return;
+    const auto written = MemoryFile::createWithCopy(document.data(), document.size());
+    if (const auto honoured = written ? Importer::shared().placePages(*written, {}) : nullptr)
+        document.assign(reinterpret_cast<const char*>(honoured->bytes().data()), honoured->size());
+}
+
 } // namespace
 
 PlacedPagesUser::PlacedPagesUser() { ++registry().users; }
@@ -94,6 +105,8 @@ std::string putPlacedPagesInto(std::string& document)
 {
     const std::vector<std::string> marks = marksIn(document);
     std::string failure;
+    if (marks.empty())
+        honourProfiles(document);
     for (std::size_t at = 0; at < marks.size(); at += mostPagesAtOnce) {
         const std::span some = std::span(marks).subspan(at, std::min(mostPagesAtOnce, marks.size() - at));
         const std::string message = place(document, some);
