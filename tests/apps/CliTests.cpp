@@ -319,4 +319,55 @@ TEST_F(CommandLine, GalleryShowsEveryPictureItWrites)
     EXPECT_EQ(made.size() % 2, 1u); // the page, and each picture as PNG and as PDF
 }
 
+#ifdef VXR_HAS_IMPORT
+
+const char art[]
+    = "%!PS-Adobe-3.0 EPSF-3.0\n%%BoundingBox: 0 0 120 80\n1 0 0 setrgbcolor 10 10 60 40 rectfill\n"
+      "/Helvetica findfont 20 scalefont setfont 10 60 moveto (Art) show\nshowpage\n%%EOF\n";
+
+TEST_F(CommandLine, RendersAndInspectsPictures)
+{
+    write("art.eps", art);
+    // Two by two pixels of 24 bits.
+    const std::string header("BM\x46\0\0\0\0\0\0\0\x36\0\0\0\x28\0\0\0\2\0\0\0\2\0\0\0\1\0\x18\0", 30);
+    write("dots.bmp", header + std::string(24, '\0') + std::string(16, '\x7f'));
+    EXPECT_THAT(
+        vxr("inspect art.eps").out, AllOf(HasSubstr("eps, 120 x 80 points, 1 page"), HasSubstr("art box")));
+    EXPECT_THAT(vxr("inspect dots.bmp").out, HasSubstr("bmp, 2 x 2 pixels, 8 bits, RGB"));
+    EXPECT_EQ(vxr("render art.eps -o art.png --scale 2").err, "");
+    EXPECT_EQ(sizeOfPNG("art.png"), std::pair(240, 160));
+    EXPECT_EQ(vxr("render dots.bmp -o dots.png").status, 0);
+    EXPECT_EQ(sizeOfPNG("dots.png"), std::pair(2, 2));
+}
+
+TEST_F(CommandLine, APlacedPageStaysVectorsInADocumentThatIsSound)
+{
+    write("art.eps", art);
+    ASSERT_EQ(vxr("render art.eps -o art.pdf").status, 0);
+    EXPECT_THAT(read("art.pdf"), AllOf(HasSubstr("Helvetica"), Not(HasSubstr("/Subtype /Image"))));
+    EXPECT_THAT(vxr("inspect art.pdf").out, HasSubstr("pdf, 120 x 80 points, 1 page"));
+    if (std::system("qpdf --version >/dev/null 2>&1") != 0)
+        GTEST_SKIP() << "qpdf is not installed";
+    EXPECT_EQ(std::system(("qpdf --check '" + (mFolder / "art.pdf").string() + "' >/dev/null").c_str()), 0);
+}
+
+TEST_F(CommandLine, SaysWhyAPictureCantBeRead)
+{
+    write("art.eps", "%!PS-Adobe-3.0 EPSF-3.0\n%%BoundingBox: 0 0 9 9\nnosuchoperator\n");
+    write("text.png", "no picture");
+    for (const char* name : { "art.eps", "text.png", "missing.png" }) {
+        const Result result = vxr(std::string("render ") + name + " -o out.png");
+        EXPECT_EQ(result.status, 1) << name;
+        EXPECT_THAT(result.err, HasSubstr(std::string(name) + ": error: "));
+        EXPECT_EQ(vxr(std::string("inspect ") + name).status, 1) << name;
+    }
+    EXPECT_FALSE(fs::exists(mFolder / "out.png"));
+    const std::string without = "cd '" + mFolder.string()
+        + "' && VXR_IMPORT_PROGRAM=/nonexistent '" VXR_PROGRAM "' render text.png -o out.png 2>.err";
+    EXPECT_NE(std::system(without.c_str()), 0);
+    EXPECT_THAT(read(".err"), HasSubstr("vxr-import is missing"));
+}
+
+#endif
+
 } // namespace

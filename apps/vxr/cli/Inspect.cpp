@@ -1,12 +1,14 @@
 #include "Commands.h"
 #include "Console.h"
 #include "Files.h"
+#include "InspectPicture.h"
 
 #include <apps/document/Document.h>
 #include <apps/document/PageDrawing.h>
 #include <apps/vxr/import/FocalGradient.h>
 #include <apps/vxr/import/Import.h>
 #include <apps/vxr/import/OutlineStroke.h>
+#include <apps/vxr/import/Pictures.h>
 
 #include <vxr/renderables/VXRGroup.h>
 #include <vxr/renderables/VXRLineEnd.h>
@@ -203,7 +205,10 @@ int runInspect(const InspectOptions& options)
     try {
         if (isDocumentFile(options.input))
             return inspectDocument(options.input, console) ? 0 : exitFailed;
-        inspectDrawing(options.input, console);
+        if (isPicture(options.input))
+            inspectPicture(options.input);
+        else
+            inspectDrawing(options.input, console);
         return 0;
     } catch (const svg::DocumentError& error) {
         console.error(options.input, error.line, error.what());

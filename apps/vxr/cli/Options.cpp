@@ -40,7 +40,7 @@ void addRender(CLI::App& command, RenderOptions& options, RenderWords& words)
 {
     command
         .add_option("IN", options.inputs,
-            "SVG drawings, documents (.vxr), folders of them, or - for a drawing on standard input")
+            "SVG drawings, documents (.vxr), folders of them, pictures, or - for a drawing on standard input")
         ->type_name("")
         ->required();
     command
@@ -144,7 +144,7 @@ void refuseUnknownCommand(const CLI::App& program, const std::string& word)
 
 Command parseCommandLine(int argc, const char* const* argv)
 {
-    CLI::App program("Draws SVG files and documents with the VXR drawing engine.", "vxr");
+    CLI::App program("Draws SVG files, documents and pictures with the VXR drawing engine.", "vxr");
     program.set_version_flag("--version", "vxr " VXR_VERSION, "Print the version and exit");
     program.require_subcommand(1);
     program.get_formatter()->column_width(30);
@@ -158,7 +158,7 @@ Command parseCommandLine(int argc, const char* const* argv)
 
     RenderOptions render;
     RenderWords words;
-    CLI::App* renderCommand = program.add_subcommand("render", "Draw SVG files and documents as PNG or PDF");
+    CLI::App* renderCommand = program.add_subcommand("render", "Draw SVG files, documents and pictures as PNG or PDF");
     addRender(*renderCommand, render, words);
 
     ConvertOptions convert;
@@ -177,8 +177,8 @@ Command parseCommandLine(int argc, const char* const* argv)
 
     InspectOptions inspect;
     CLI::App* inspectCommand = program.add_subcommand(
-        "inspect", "Show the renderables of a drawing as a tree, with bounds, styles and transforms");
-    inspectCommand->add_option("IN", inspect.input, "An SVG drawing or a document")
+        "inspect", "Show the renderables of a drawing as a tree, or what a picture says of itself");
+    inspectCommand->add_option("IN", inspect.input, "An SVG drawing, a document or a picture")
         ->type_name("")
         ->required();
 

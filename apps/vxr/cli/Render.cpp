@@ -5,6 +5,7 @@
 #include <apps/document/Document.h>
 #include <apps/document/PageDrawing.h>
 #include <apps/vxr/import/Convert.h>
+#include <apps/vxr/import/Pictures.h>
 #include <apps/vxr/render/Roads.h>
 
 #include <fmt/format.h>
@@ -39,10 +40,9 @@ Page pageFor(const ImportedDrawing& drawing, const RenderOptions& options)
     double width = drawing.size.width * scale;
     double height = drawing.size.height * scale;
     if (options.format == Format::PDF) {
-        // A drawing's unit is 1/96 inch, a PDF's 1/72.
-        scale *= 0.75;
-        width *= 0.75;
-        height *= 0.75;
+        scale *= drawing.pointsPerUnit;
+        width *= drawing.pointsPerUnit;
+        height *= drawing.pointsPerUnit;
     }
     const auto side = [](double length) { return std::max(1.0, std::round(length)); };
     width = side(width);
@@ -89,13 +89,18 @@ void writePDF(const std::function<void(vxr::DocumentContext&)>& draw, const std:
     }
 }
 
-void renderDrawing(
-    const std::string& input, const std::string& output, const RenderOptions& options, Console& console)
+ImportedDrawing readDrawing(const std::string& input, Console& console)
 {
     const svg::Drawing drawing = svg::readDrawing(readWholeFile(input, svg::XmlLimits {}.bytes));
     for (const svg::Warning& warning : drawing.warnings)
         console.warning(input, warning);
-    const ImportedDrawing imported = importDrawing(drawing);
+    return importDrawing(drawing);
+}
+
+void renderDrawing(
+    const std::string& input, const std::string& output, const RenderOptions& options, Console& console)
+{
+    const ImportedDrawing imported = isPicture(input) ? importPicture(input) : readDrawing(input, console);
     const Page page = pageFor(imported, options);
     if (options.format == Format::PNG)
         writePNG(drawPicture(page, options.road), output);

@@ -15,6 +15,7 @@ struct ImportedDrawing {
     /// Where each renderable, those in groups too, comes from: `path#id` and its line.
     std::unordered_map<const vxr::VXRRenderable*, std::pair<std::string, int>> sources;
     std::size_t shapeCount = 0;
+    double pointsPerUnit = 0.75; ///< on paper; a drawing's unit is 1/96 inch
 };
 
 /// One renderable a shape, drawn through its own fill and stroke; groups where an opacity or clip is
