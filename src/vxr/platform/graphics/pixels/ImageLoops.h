@@ -158,8 +158,7 @@ VXR_SPAN_INLINE void mixTwice(const PixelSource& source, int bits, std::int64_t 
     const std::uint32_t* second = source.pixels + source.stride * std::ptrdiff_t(v1 >> bits) + (u1 >> bits);
     const auto both = [](const std::uint32_t* a, const std::uint32_t* b) __attribute__((always_inline))
     {
-        const __m128d low = _mm_load_sd(reinterpret_cast<const double*>(a));
-        return _mm256_cvtepu8_epi16(_mm_castpd_si128(_mm_loadh_pd(low, reinterpret_cast<const double*>(b))));
+        return _mm256_cvtepu8_epi16(_mm_unpacklo_epi64(load64(a), load64(b)));
     };
     const auto weights = [&](std::int64_t a, std::int64_t b) __attribute__((always_inline))
     {
