@@ -90,6 +90,15 @@ TEST_P(CanvasRoads, IncrementalEqualsFullAfterAnyEdits)
 {
     PageScene scene(windowSize, pageSize);
     scene.canvas->setUsesCompositor(GetParam().compositor);
+    // Behind the page and in front of it.
+    auto behind
+        = std::make_shared<PlainView>(Rect { { 0, 0 }, windowSize }, ColorValue::rgb(0.9f, 0.8f, 0.7f));
+    behind->addSubview(scene.scrollView);
+    scene.scrollView->setFrame({ 10, 8, 280, 200 });
+    scene.window.setContentView(behind);
+    behind->addSubview(std::make_shared<PlainView>(Rect { 106, 56, 20, 16 }, ColorValue::rgb(0, 0.5f, 0)));
+    behind->addSubview(std::make_shared<PlainView>(Rect { 116, 50, 60, 12 }, ColorValue::rgb(1, 0, 0, 0.4f)));
+    scene.window.displayIfNeeded();
     RandomPage random(17, pageSize);
     random.makesPictures = !GetParam().compositor;
     for (int i = 0; i < 60; ++i)
@@ -97,7 +106,8 @@ TEST_P(CanvasRoads, IncrementalEqualsFullAfterAnyEdits)
     scene.canvas->setScale(GetParam().zoom);
     scene.window.displayIfNeeded();
 
-    for (int step = 0; step < 200; ++step) {
+    const int steps = GetParam().zoom > 3 ? 60 : 200;
+    for (int step = 0; step < steps; ++step) {
         std::string what = edit(scene, random);
         if (step % 40 == 39) {
             scene.canvas->setScale(zooms[random.below(5)]);
@@ -122,7 +132,10 @@ TEST_P(CanvasRoads, IncrementalEqualsFullAfterAnyEdits)
 INSTANTIATE_TEST_SUITE_P(Zooms, CanvasRoads,
     ::testing::Values(RoadCase { "Direct1", false, 1 }, RoadCase { "Direct2", false, 2 },
         RoadCase { "Direct15", false, 1.5f }, RoadCase { "Direct075", false, 0.75f },
-        RoadCase { "Direct137", false, 1.37f }, RoadCase { "Compositor1", true, 1 },
+        RoadCase { "Direct137", false, 1.37f }, RoadCase { "Direct01", false, 0.1f },
+        RoadCase { "Direct7", false, 7 }, RoadCase { "Direct20", false, 20 },
+        RoadCase { "Compositor01", true, 0.1f }, RoadCase { "Compositor7", true, 7 },
+        RoadCase { "Compositor20", true, 20 }, RoadCase { "Compositor1", true, 1 },
         RoadCase { "Compositor2", true, 2 }, RoadCase { "Compositor15", true, 1.5f },
         RoadCase { "Compositor075", true, 0.75f }, RoadCase { "Compositor137", true, 1.37f }),
     [](const auto& one) { return one.param.name; });
@@ -206,13 +219,12 @@ TEST(Canvas, WideSquareCapsAreWholeOnBothRoads)
     }
 }
 
-/// A ramp of colours is looked up at places that single precision may put into the next step, so gradients
-/// may come out a level apart; everything else is the same to the bit, however much lies one over another.
+/// Where several paints of one object meet, a layer rounds them before it is blended, and a redraw without
+/// one after.
 TEST(Canvas, RoadsAgreeAtWholeZooms)
 {
     for (const float zoom : { 1.0f, 2.0f }) {
         for (unsigned seed = 1; seed <= 40; ++seed) {
-            const bool hasGradients = seed % 2;
             PageScene scene(windowSize, pageSize);
             RandomPage random(seed, pageSize);
             scene.canvas->setBackgroundColor(random.opaqueColor());
@@ -223,13 +235,9 @@ TEST(Canvas, RoadsAgreeAtWholeZooms)
             scene.canvas->add(large);
             for (int i = 0; i < 60; ++i)
                 scene.canvas->add(random.shape());
-            if (!hasGradients)
-                for (const auto& shape : scene.canvas->page)
-                    static_cast<VXRShape&>(*shape).setFill(random.color());
             std::vector<std::uint32_t> composited, direct;
             drawOnBothRoads(scene, zoom, composited, direct);
-            EXPECT_TRUE(samePixels(composited, direct, scene.window.width(), hasGradients ? 1 : 0))
-                << zoom << " seed " << seed;
+            EXPECT_TRUE(samePixels(composited, direct, scene.window.width(), 2)) << zoom << " seed " << seed;
         }
     }
 }

@@ -3,8 +3,11 @@
 #include <vxr/compositing/canvas/VXRCanvas.h>
 #include <vxr/fills/VXRAngleGradient.h>
 #include <vxr/fills/VXRShadow.h>
+#include <vxr/fills/VXRTransformGradient.h>
 #include <vxr/geometry/Color.h>
 #include <vxr/images/VXRImageFill.h>
+#include <vxr/platform/graphics/BitmapContext.h>
+#include <vxr/platform/graphics/GraphicsContext.h>
 #include <vxr/platform/graphics/Image.h>
 #include <vxr/platform/views/ScrollView.h>
 #include <vxr/platform/views/Window.h>
@@ -70,9 +73,39 @@ struct PageScene {
     }
 };
 
+/// Draws within an oval; with a shadow or an opacity, within it in a layer.
+class ClippedShape : public VXRShape {
+public:
+    void renderIntoContext(Context& context) override
+    {
+        const StateSaver saved(context);
+        Path::pathWithOvalInRect(geometricBounds())->addClip();
+        VXRShape::renderIntoContext(context);
+    }
+};
+
+/// A view that shows through, and counts nothing.
+class PlainView : public View {
+public:
+    PlainView(const Rect& frame, const ColorValue& painted)
+        : View(frame)
+        , color(painted)
+    {
+    }
+    ColorValue color;
+    void drawRect(const Rect& r) override
+    {
+        currentDrawingPort().setFillColor(color);
+        currentDrawingPort().fillRect(r);
+    }
+};
+
 /// Makes and changes objects of all kinds, the same ones for the same seed.
 class RandomPage {
 public:
+    /// Whether pixels are the same under any clip, as transform gradients need.
+    const bool exact = !BitmapContext::createBitmap(1, 1)->clipChangesPixels();
+
     RandomPage(unsigned seed, Size page)
         : mRandom(seed)
         , mPage(page)
@@ -98,11 +131,14 @@ public:
     }
     std::shared_ptr<VXRShapePainter> fill()
     {
-        switch (below(makesPictures ? 7 : 6)) {
+        switch (below(exact ? 9 : makesPictures ? 7 : 6)) {
         case 0:
             return nullptr;
         case 6:
-            return imageFill();
+            return makesPictures ? imageFill() : color();
+        case 7:
+        case 8:
+            return transformGradient();
         case 1:
         case 2:
             return VXRAngleGradient::linearGradientWithStartColorEndColor(color(), color());
@@ -127,12 +163,29 @@ public:
         fill->setTechnique(below(5));
         return fill;
     }
+    std::shared_ptr<VXRShapePainter> transformGradient()
+    {
+        auto gradient = below(2)
+            ? VXRTransformGradient::linearGradientWithStartColorEndColor(color(), color())
+            : VXRTransformGradient::radialGradientWithStartColorEndColor(color(), color());
+        gradient->setStartPoint({ between(0, 60), between(0, 60) });
+        gradient->setEndPoint({ between(0, 90), between(0, 70) });
+        gradient->insertStopAtFraction(between(0, 1));
+        return gradient;
+    }
+    std::shared_ptr<VXRStrokePattern> dashes()
+    {
+        const float lengths[] = { between(0, 25), between(0.5f, 6), between(0, 5), between(0.5f, 6) };
+        return oneIn(2)
+            ? VXRStrokePattern::mediumDashPattern()
+            : VXRStrokePattern::strokePatternWithPatternCountPhase(lengths, oneIn(2) ? 2 : 4, between(-3, 3));
+    }
     std::shared_ptr<VXRStroke> stroke()
     {
         if (oneIn(4))
             return nullptr;
-        auto pattern = oneIn(3) ? VXRStrokePattern::mediumDashPattern() : VXRStrokePattern::solidPattern();
-        const float width = oneIn(2) ? float(1 + below(4)) : between(0.2f, 6);
+        auto pattern = oneIn(3) ? dashes() : VXRStrokePattern::solidPattern();
+        const float width = oneIn(2) ? float(1 + below(4)) : between(0.2f, oneIn(4) ? 30 : 6);
         return VXRStroke::strokeWithColorWidthCapJoinPattern(color(), width, below(3), below(3), pattern);
     }
     std::shared_ptr<VXRShadow> shadow()
@@ -152,7 +205,7 @@ public:
     {
         std::shared_ptr<VXRShape> made;
         const Rect r = frame();
-        switch (below(5)) {
+        switch (below(6)) {
         case 0:
             made = VXRShape::shapeWithOvalInRect(r);
             break;
@@ -174,6 +227,9 @@ public:
             made->setTailLineEnd(oneIn(2) ? VXRLineEnd::filledCircle() : nullptr);
             break;
         }
+        case 4:
+            made = VXRShape::shapeWithRect<ClippedShape>(r);
+            break;
         default:
             made = VXRShape::shapeWithRect(oneIn(2) ? integralRect(r) : r);
         }

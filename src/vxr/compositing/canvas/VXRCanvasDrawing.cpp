@@ -86,25 +86,23 @@ void VXRCanvas::fillBackground(const DrawRequest& request) const
     request.context.fillRect(request.dirty);
 }
 
-/// Draws into the window as if all of the window were drawn, and a layer at a time: the parts of a renderable
-/// meet each other before they meet what lies below, as they do in a compositor layer. Every paint over
-/// another rounds to whole levels, and so both roads round alike. Nothing is drawn where the renderable
-/// would not erase it. Changes the context's state.
+/// Draws into the window as if all of the window were drawn, but nothing where the renderable would not erase
+/// it. Changes the context's state.
 void VXRCanvas::redraw(VXRRenderable& renderable, Context& context) const
 {
     const float slack = paintingSlack(_scale) + placementSlack / _scale;
     const Rect area
         = integralRect(convertRectToWindow(insetRect(renderable.erasableBounds(), -slack, -slack)));
-    const bool isLayered = renderable._shouldLayer(); // by itself
+    const bool needsLayer = context.clipChangesPixels() && !renderable._shouldLayer();
     const AffineTransform transform = context.currentTransform();
     context.setBaseTransform({});
     context.clipToRect(area);
     context.setLayerReach(area);
     context.concatTransform(transform);
-    if (!isLayered)
+    if (needsLayer)
         context.beginTransparencyLayer();
     renderable.renderLayeredIntoContext(context);
-    if (!isLayered)
+    if (needsLayer)
         context.endTransparencyLayer();
 }
 
@@ -180,6 +178,7 @@ void VXRCanvas::compositeInParts(const LayerInfo& destination, const RenderableL
     if (LayerInfo* background = _backgroundLayer())
         layers.push_back(background);
     mCompositesInParts = false;
+    budget.trim();
     for (const auto& renderable : hit) {
         parts.clear();
         collectLayersOf(*renderable, parts, failure);

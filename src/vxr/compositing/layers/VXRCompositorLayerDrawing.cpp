@@ -131,7 +131,7 @@ void VXRCompositorLayer::drawIntoContext(VXRTile& tile, Context& context)
     const Size area = tile.areaSize();
     const Rect part { bounds.origin.x + offset.x / _zoomFactor, bounds.origin.y + offset.y / _zoomFactor,
         area.width / _zoomFactor, area.height / _zoomFactor };
-    if (tilesWide() == 1 || shown.size.width > widestDrawnWhole) {
+    if (!context.clipChangesPixels() || tilesWide() == 1 || shown.size.width > widestDrawnWhole) {
         _renderable->drawRect(part);
         return;
     }

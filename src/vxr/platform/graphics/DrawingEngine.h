@@ -26,6 +26,7 @@ public:
     void concatTransform(const AffineTransform& t) { setTransform(concat(t, state.transform)); }
     Rect clipBounds() const;
     void setLayerReach(const Rect&);
+    virtual bool clipChangesPixels() const { return false; } ///< inside of it
 
     // Drawing; the operations of the context.
     virtual void clipToPath(const Path&, WindingRule) = 0;

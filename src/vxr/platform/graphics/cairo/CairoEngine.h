@@ -49,6 +49,7 @@ public:
     void drawImage(const Rect&, const Image&) override;
     bool placePage(const Rect&, const std::shared_ptr<const Data>&, const Context::PagePixels&) override;
     void drawShading(const Shading&) override;
+    bool clipChangesPixels() const override { return kind == Kind::Bitmap; }
     PixelAccess* pixelAccess() override { return kind == Kind::Bitmap ? this : nullptr; }
 
 private:
