@@ -1,6 +1,8 @@
 #include <bench/Compare.h>
 
+#include <vxr/geometry/PathAdditions.h>
 #include <vxr/geometry/VXRPolygon.h>
+#include <vxr/platform/graphics/BitmapContext.h>
 
 #include <polyclipping/clipper.hpp>
 
@@ -76,7 +78,66 @@ Pair clipBesideClipper(const Operation& operation, int vertices)
     return { subject, baseline };
 }
 
+/// Many contours that lie apart, united with one more.
+Pair uniteBesideClipper(const std::shared_ptr<Path>& many)
+{
+    const auto square = Path::pathWithRect({ 5, 5, 10, 10 });
+    ClipperLib::Paths contours;
+    for (std::size_t i = 0; i < many->points().size(); i += 4) {
+        Path contour;
+        contour.appendPolygon(many->points().subspan(i, 4));
+        contours.push_back(toGrid(contour));
+    }
+    return { [many, square] { uniteWithBezierPath(*many, *square); },
+        [contours, other = toGrid(*square)] {
+            ClipperLib::Clipper clipper;
+            clipper.PreserveCollinear(true);
+            clipper.AddPaths(contours, ClipperLib::ptSubject, true);
+            clipper.AddPath(other, ClipperLib::ptClip, true);
+            ClipperLib::Paths result;
+            clipper.Execute(ClipperLib::ctUnion, result, ClipperLib::pftEvenOdd, ClipperLib::pftEvenOdd);
+        } };
+}
+
+std::shared_ptr<Path> squares(int side)
+{
+    auto path = Path::path();
+    for (int i = 0; i < side * side; ++i)
+        path->appendRect({ float(i % side * 10), float(i / side * 10), 8, 8 });
+    return path;
+}
+
+std::shared_ptr<Path> bars(int count)
+{
+    auto path = Path::path();
+    for (int i = 0; i < count; ++i)
+        path->appendRect({ 2.0f * float(i), float(i % 9), 1, 1000 });
+    return path;
+}
+
+/// The outline of a star's stroke as one area, beside filling that stroke's contours.
+Pair outlineBesideFill(int segments)
+{
+    auto star = std::make_shared<Path>();
+    for (int i = 0; i < segments; ++i) {
+        const double angle = 2 * M_PI * i / segments, radius = i % 2 ? 500 : 1000;
+        const Point p { float(1024 + radius * std::cos(angle)), float(1024 + radius * std::sin(angle)) };
+        i ? star->lineTo(p) : star->moveTo(p);
+    }
+    star->close();
+    star->setLineWidth(4);
+    const auto context = std::shared_ptr<BitmapContext>(BitmapContext::createBitmap(2048, 2048));
+    const auto outline = star->strokedOutline(star->lineStyle(), star->flatness());
+    return { [star] { outlineStroke(*star); },
+        [context, outline] { context->fillPath(*outline, WindingRule::NonZero); } };
+}
+
 const int registered = [] {
+    bench::compare(
+        "POLYGON/unite-90000-squares", atMost(1.3), [] { return uniteBesideClipper(squares(300)); });
+    bench::compare("POLYGON/unite-5000-bars", atMost(1.3), [] { return uniteBesideClipper(bars(5000)); });
+    bench::compare(
+        "POLYGON/outline-20000-segments-to-fill", atMost(10), [] { return outlineBesideFill(20000); });
     for (const int vertices : { 1000, 10000 })
         for (const Operation& operation : operations)
             bench::compare("POLYGON/" + std::string(operation.name) + "-" + std::to_string(vertices),

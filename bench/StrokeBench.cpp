@@ -1,6 +1,6 @@
 #include <bench/Compare.h>
 
-#include <vxr/platform/graphics/path/Path.h>
+#include <vxr/platform/graphics/path/PathStroker.h>
 
 #include <cairo.h>
 
@@ -55,19 +55,15 @@ public:
 
     cairo_t* add(const Path& path)
     {
-        const Point* p = path.points().data();
+        struct Appender {
+            cairo_t* cr;
+            void moveTo(Point p) { cairo_move_to(cr, p.x, p.y); }
+            void lineTo(Point p) { cairo_line_to(cr, p.x, p.y); }
+            void curveTo(Point a, Point b, Point p) { cairo_curve_to(cr, a.x, a.y, b.x, b.y, p.x, p.y); }
+            void close() { cairo_close_path(cr); }
+        };
         cairo_t* cr = mContext.get();
-        for (PathElementKind kind : path.kinds()) {
-            if (kind == PathElementKind::MoveTo)
-                cairo_move_to(cr, p->x, p->y);
-            else if (kind == PathElementKind::LineTo)
-                cairo_line_to(cr, p->x, p->y);
-            else if (kind == PathElementKind::CurveTo)
-                cairo_curve_to(cr, p[0].x, p[0].y, p[1].x, p[1].y, p[2].x, p[2].y);
-            else
-                cairo_close_path(cr);
-            p += kind == PathElementKind::CurveTo ? 3 : kind == PathElementKind::Close ? 0 : 1;
-        }
+        path.visit(Appender { cr });
         return cr;
     }
 
@@ -87,10 +83,36 @@ struct Scene {
             cairo_t* cr = canvas.add(path);
             cairo_set_line_width(cr, style.width);
             cairo_set_line_join(cr, CAIRO_LINE_JOIN_ROUND);
+            const std::vector<double> dash(style.dash.begin(), style.dash.end());
+            cairo_set_dash(cr, dash.data(), static_cast<int>(dash.size()), 0);
             cairo_stroke(cr);
         }
     }
 };
+
+/// Counts vertices, so that the contours are of use.
+class VertexCount final : public ContourSink {
+public:
+    void addContour(std::span<const Vec2> vertices) override { mCount += vertices.size(); }
+
+private:
+    std::size_t mCount = 0;
+};
+
+/// What a rasteriser pays for the contours of strokes, before it fills them.
+Pair contoursAgainstStroke(float width, std::vector<float> dash)
+{
+    auto scene = std::make_shared<Scene>();
+    scene->style.width = width;
+    scene->style.dash = std::move(dash);
+    auto stroker = std::make_shared<PathStroker>();
+    return { [scene, stroker] {
+                VertexCount count;
+                for (const Path& path : scene->paths)
+                    stroker->stroke(path, scene->style, tolerance, count);
+            },
+        [scene] { scene->stroke(); } };
+}
 
 /// Making the outline is a small part of what drawing the stroke costs.
 Pair outlineAgainstStroke()
@@ -150,6 +172,11 @@ Pair longAgainstShort()
 
 const int registered[] = {
     compare("STROKE/outline-to-cairo-stroke", atMost(0.25), outlineAgainstStroke),
+    compare("STROKE/contours-to-cairo-stroke", atMost(0.05), [] { return contoursAgainstStroke(12, {}); }),
+    compare("STROKE/contours-of-dashes-to-cairo-stroke", atMost(0.1),
+        [] {
+            return contoursAgainstStroke(3, { 8, 5 });
+        }),
     compare("STROKE/filled-outline-to-cairo-stroke", atMost(1.5), filledOutlineAgainstStroke),
     compare("STROKE/long-to-short-paths", atMost(1.5), longAgainstShort),
     compare("PATH/flatten-to-cairo", atMost(1.1), flatteningAgainstCairo),

@@ -3,10 +3,13 @@
 #include <vxr/geometry/PathAdditions.h>
 #include <vxr/geometry/VXRGeometry.h>
 #include <vxr/geometry/VXRPolygon.h>
+#include <vxr/host/utility/VXULog.h>
+#include <vxr/platform/base/Exceptions.h>
 
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <string>
 
 using namespace vxr;
 using vxr::test::pathOf;
@@ -158,6 +161,79 @@ TEST(OutlineStroke, WhatHasNoPlaceOrLengthLeavesTheRestAlone)
     const auto outline = outlineOf("M 0 0 L 10 0 L nan 5 L 10 20 L 0 20", 4, LineJoin::Miter);
     EXPECT_TRUE(outline->containsPoint({ 5, 1 }));
     EXPECT_TRUE(outline->containsPoint({ 5, 21 }));
+}
+
+TEST(OutlineStroke, OfManySegmentsIsOneUnion)
+{
+    // What took minutes or came back empty when every segment was united by itself.
+    Path circle = *Path::pathWithOvalInRect({ 0, 0, 5000, 5000 })->bezierPathByFlatteningPath(), star, cusps;
+    for (int i = 0; i < 5000; ++i) {
+        const double angle = 2 * M_PI * i / 5000, radius = i % 2 ? 500 : 1000;
+        const Point p { float(radius * std::cos(angle)), float(radius * std::sin(angle)) };
+        i ? star.lineTo(p) : star.moveTo(p);
+    }
+    star.close();
+    cusps = pathOf("M 0 0 C 100 100 0 100 100 0 C 200 100 100 100 200 0");
+    cusps.setFlatness(std::nanf(""));
+    const struct {
+        const char* name;
+        const Path& path;
+        Point on, off;
+    } cases[] = {
+        { "Circle", circle, { 5000, 2500 }, { 2500, 2500 } },
+        { "Star", star, { 750, 0 }, { 100, 100 } },
+        { "Cusps", cusps, { 100, 1 }, { 50, 5 } },
+    };
+    for (const auto& c : cases) {
+        Path path = c.path;
+        path.setLineWidth(4);
+        const auto outline = outlineStroke(path);
+        EXPECT_TRUE(outline->containsPoint(c.on)) << c.name;
+        EXPECT_FALSE(outline->containsPoint(c.off)) << c.name;
+        EXPECT_TRUE(outlineStrokeContainsPoint(path, c.on)) << c.name;
+        EXPECT_FALSE(outlineStrokeContainsPoint(path, c.off)) << c.name;
+    }
+}
+
+TEST(Areas, SmallThingsSurviveBesideLargeOnes)
+{
+    const auto bar = Path::pathWithRect({ 0, -50, 100000, 10 }), speck = Path::pathWithRect({ 0, 0, 5, 5 });
+    EXPECT_NEAR(areaOf(*uniteWithBezierPath(*bar, *speck)), 1000000 + 25, 1e-3);
+    EXPECT_NEAR(areaOf(*excludeBezierPath(*bar, *Path::pathWithRect({ 50, -44, 4, 4 }))), 1000000 - 16, 1e-3);
+    Path corner = pathOf("M 0 0 L 100000 0 L 100000 1000");
+    corner.setLineWidth(6);
+    EXPECT_EQ(outlineStroke(corner)->bounds(), Rect(0, -3, 100003, 1003)) << "with the tip of the mitre";
+}
+
+TEST(Areas, InputBeyondALimitIsRefusedWithItsName)
+{
+    Path hatch, dense;
+    for (int i = 0; i < 1500; ++i) {
+        hatch.appendRect({ 0, 2.0f * float(i), 3000, 1 });
+        dense.appendRect({ 2.0f * float(i), 0, 1, 3000 });
+    }
+    Path large;
+    large.moveTo({ 0, 0 });
+    for (int i = 0; i < int(VXRAreaMaximumVertices) + 1; ++i)
+        large.lineTo({ float(i % 2000), float(i / 2000) });
+    const struct {
+        const char* limit;
+        const Path &a, &b;
+    } cases[] = { { "crossings", hatch, dense }, { "vertices", large, hatch } };
+    for (const auto& c : cases) {
+        std::string logged;
+        const auto before
+            = VXUSetLogSink([&](int, std::string_view, std::string_view message) { logged = message; });
+        std::string thrown;
+        try {
+            intersectBezierPath(c.a, c.b);
+        } catch (const GenericException& refusal) {
+            thrown = refusal.what();
+        }
+        VXUSetLogSink(before);
+        EXPECT_NE(thrown.find(c.limit), std::string::npos) << c.limit << ": " << thrown;
+        EXPECT_NE(logged.find(thrown), std::string::npos) << logged;
+    }
 }
 
 TEST(Areas, OperationsOnOverlappingSquares)

@@ -1,5 +1,6 @@
 #include <tests/platform/PathTestSupport.h>
 #include <tests/support/PictureCompare.h>
+#include <vxr/platform/graphics/path/PathStroker.h>
 
 #include <cmath>
 #include <limits>
@@ -138,6 +139,50 @@ TEST(StrokedOutline, CoversTheAreaThatWidthCapsJoinsAndDashesMake)
         const std::string_view name = c.name;
         const bool isJudge = !name.starts_with("Cusp") && !name.starts_with("Tangent");
         EXPECT_EQ(isJudge ? differingPixels(path, c.style) : 0, 0) << name;
+    }
+}
+
+TEST(StrokedOutline, LongRunsComeInPiecesThatCoverTheSame)
+{
+    // Dashes end a little elsewhere, as the curves' lengths differ with the tolerance.
+    // A spiral of more vertices than a piece has, closed or open, capped, dashed with a dash of many pieces.
+    Path spiral;
+    for (int i = 0; i <= 60; ++i) {
+        const double angle = i * 0.9, radius = 100 - 0.8 * i;
+        const Point p { float(128 + radius * std::cos(angle)), float(128 + radius * std::sin(angle)) };
+        const Point turn { float(p.x - 30 * std::sin(angle)), float(p.y + 30 * std::cos(angle)) };
+        i ? spiral.curveTo(turn, { p.x + 9, p.y - 20 }, p) : spiral.moveTo(p);
+    }
+    class Sink final : public ContourSink {
+    public:
+        void addContour(std::span<const Vec2> vertices) override
+        {
+            std::vector<Point> points;
+            for (const Vec2& v : vertices)
+                points.push_back(v.point());
+            path.appendPolygon(points);
+            longest = std::max(longest, vertices.size());
+        }
+        Path path;
+        std::size_t longest = 0;
+    };
+    for (const bool closed : { false, true }) {
+        if (closed)
+            spiral.close();
+        for (const LineCap cap : { LineCap::Butt, LineCap::Round, LineCap::Square }) {
+            for (const float dash : { 0.0f, 900.0f }) {
+                LineStyle style { .width = 3, .cap = cap };
+                if (dash > 0)
+                    style.dash = { dash, 20 };
+                Sink pieces;
+                PathStroker().stroke(spiral, style, 1e-5, pieces);
+                EXPECT_LT(pieces.longest, 20000u);
+                EXPECT_GT(pieces.path.elementCount(), 30000u) << "in pieces";
+                const auto whole = spiral.strokedOutline(style, 0.05f);
+                EXPECT_LE(compare(filled(pieces.path), filled(*whole), 24).pixelsAbove, dash > 0 ? 30 : 8)
+                    << closed << " cap " << static_cast<int>(cap) << " dash " << dash;
+            }
+        }
     }
 }
 

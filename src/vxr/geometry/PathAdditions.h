@@ -1,6 +1,7 @@
 #pragma once
 
 #include <vxr/platform/graphics/path/Path.h>
+#include <vxr/platform/polygons/gpc.h>
 
 #include <cstdint>
 #include <memory>
@@ -73,11 +74,26 @@ VXR_EXPORT Rect _addMitersFromSegmentsToRect(const Path& path, const VXRSegmentR
 VXR_EXPORT std::vector<std::shared_ptr<Path>> _beziersFromSegmentIntersections(
     const Path& path, const VXRSegmentRun& run);
 
-// Areas. Each result is a new path of flat, closed sub-paths for the even-odd rule.
+// Areas. Each result is a new path of flat, closed sub-paths for the even-odd rule. Curves are followed
+// within the path's flatness.
+//
+// Input beyond one of these limits is refused: a `GenericException` and a warning in the log name the limit.
 
-/// The area that stroking covers with the path's line width and join, solid and with butt ends. None for
-/// an empty path. Thinner details than 0.7 are lost.
+/// Vertices of the flattened paths, or of the outline of a stroke.
+inline constexpr double VXRAreaMaximumVertices = gpcMaximumVertices;
+/// Pairs of edges that lie beside each other on both axes, among contours that don't lie apart.
+inline constexpr double VXRAreaMaximumEdgePairs = gpcMaximumEdgePairs;
+/// Points in which edges cross.
+inline constexpr double VXRAreaMaximumCrossings = gpcMaximumCrossings;
+
+/// The area that stroking covers with the path's line width and join, solid and with butt ends; with round
+/// joins open sub-paths begin with a disc. None for an empty path. Segments with an end that is not finite
+/// are left out.
 VXR_EXPORT std::shared_ptr<Path> outlineStroke(const Path& path);
+/// Whether `outlineStroke` would cover the point, without uniting it: in linear time and without a limit.
+VXR_EXPORT bool outlineStrokeContainsPoint(const Path& path, Point point);
+
+// In these, vertices within 0.7 of the one before in both axes are left out.
 VXR_EXPORT std::shared_ptr<Path> uniteWithBezierPath(const Path& path, const Path& other);
 VXR_EXPORT std::shared_ptr<Path> intersectBezierPath(const Path& path, const Path& other);
 VXR_EXPORT std::shared_ptr<Path> excludeBezierPath(const Path& path, const Path& other); ///< path minus other

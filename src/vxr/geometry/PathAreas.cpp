@@ -1,12 +1,9 @@
 #include <vxr/geometry/PathAdditions.h>
 
-#include <vxr/geometry/FlatPathWalker.h>
 #include <vxr/geometry/VXRPolygon.h>
+#include <vxr/platform/graphics/path/PathStroker.h>
 
 #include <algorithm>
-#include <cmath>
-#include <limits>
-#include <span>
 
 // Areas as paths, by way of polygon sets.
 
@@ -14,8 +11,8 @@ namespace vxr {
 
 namespace {
 
-/// The contours of a clipped set touch each other at most, so that the even-odd rule is what tells its
-/// holes apart, whichever way they run.
+/// The contours of a clipped set touch each other at most, so that the even-odd rule tells its holes apart,
+/// whichever way they run.
 std::shared_ptr<Path> pathOfArea(const gpc_polygon* polygon)
 {
     auto path = bezierFromPolygon(polygon);
@@ -23,112 +20,140 @@ std::shared_ptr<Path> pathOfArea(const gpc_polygon* polygon)
     return path;
 }
 
-/// The larger side of the path's bounds, numbers without a place left out.
-double finiteExtent(const Path& path)
-{
-    constexpr double infinity = std::numeric_limits<double>::infinity();
-    double minX = infinity, maxX = -infinity, minY = infinity, maxY = -infinity;
-    for (const Point p : path.points()) {
-        if (!std::isfinite(p.x) || !std::isfinite(p.y))
-            continue;
-        minX = std::min<double>(minX, p.x), maxX = std::max<double>(maxX, p.x);
-        minY = std::min<double>(minY, p.y), maxY = std::max<double>(maxY, p.y);
-    }
-    return std::max({ maxX - minX, maxY - minY, 0.0 });
-}
-
-/// Curves have more vertices the larger they are. What no page can hold is worked on in units that are
-/// larger by this power of two; 1 for everything else.
-float scaleForExtent(double extent)
-{
-    constexpr double largestPage = 1 << 16;
-    float scale = 1;
-    while (extent * scale > largestPage)
-        scale *= 0.125f;
-    return scale;
-}
-
-std::shared_ptr<Path> scaledCopy(const Path& path, float scale)
-{
-    return path.transformedBy(AffineTransform::makeScale(scale, scale));
-}
-
 std::shared_ptr<Path> combined(gpc_op operation, const Path& path, const Path& other)
 {
-    const float scale = scaleForExtent(std::max(finiteExtent(path), finiteExtent(other)));
-    if (scale != 1)
-        return scaledCopy(
-            *combined(operation, *scaledCopy(path, scale), *scaledCopy(other, scale)), 1 / scale);
     const VXRPolygonOwner a(polygonFromBezier(path)), b(polygonFromBezier(other)), result(emptyPolygon());
-    gpc_polygon_clip(operation, a.get(), b.get(), result.get());
+    VXRClipPolygons(operation, *a, *b, *result);
     return pathOfArea(result.get());
 }
 
-bool isFinite(const gpc_polygon& polygon)
-{
-    for (const gpc_vertex_list& contour : std::span(polygon.contour, std::size_t(polygon.num_contours))) {
-        for (const gpc_vertex& v : std::span(contour.vertex, std::size_t(contour.num_vertices))) {
-            if (!std::isfinite(v.x) || !std::isfinite(v.y))
-                return false;
+/// Copies the segments of a path whose ends are finite. Where one is left out, the sub-path is open.
+class FiniteCopy {
+public:
+    explicit FiniteCopy(Path& copy)
+        : mCopy(copy)
+    {
+    }
+
+    void moveTo(Point p)
+    {
+        mStart = p;
+        mIsWhole = true;
+        begin(p);
+    }
+
+    void lineTo(Point p)
+    {
+        if (mHasPoint && isFinite(p)) {
+            mCopy.lineTo(p);
+        } else {
+            mIsWhole = false;
+            begin(p);
         }
     }
-    return true;
-}
 
-/// What has no place is left out, as it would empty every union that it takes part in.
-void addPlaced(VXRPolygonOwner polygon, std::vector<VXRPolygonOwner>& polygons)
-{
-    if (polygon && isFinite(*polygon))
-        polygons.push_back(std::move(polygon));
-}
-
-void addJoinWedges(const Path& flat, std::vector<VXRPolygonOwner>& polygons)
-{
-    for (const VXRSegmentRun& run : pathAsSegments(flat)) {
-        for (const auto& wedge : _beziersFromSegmentIntersections(flat, run)) {
-            VXRPolygonOwner polygon(polygonFromBezier(*wedge));
-            if (polygon->num_contours > 0 && polygon->contour[0].num_vertices >= 3)
-                addPlaced(std::move(polygon), polygons);
-        }
+    void curveTo(Point control1, Point control2, Point end)
+    {
+        if (mHasPoint && isFinite(control1) && isFinite(control2) && isFinite(end))
+            mCopy.curveTo(control1, control2, end);
+        else
+            lineTo(end);
     }
-}
 
-std::shared_ptr<Path> outlineOfFlat(const Path& flat)
-{
-    const bool round = flat.lineJoin() == LineJoin::Round;
-    std::vector<VXRPolygonOwner> polygons;
-    walkFlatPath(flat, "PathAreas.cpp", [&](Point a, Point b) {
-        addPlaced(VXRPolygonOwner(_polygonForSegment(a, b, flat.lineWidth(), round)), polygons);
-        return false;
-    });
-    if (!round)
-        addJoinWedges(flat, polygons);
-    if (polygons.empty())
-        return Path::path();
-    if (polygons.size() % 2)
-        polygons.emplace_back(emptyPolygon()); // they are united in pairs
-    std::vector<gpc_polygon*> sets;
-    sets.reserve(polygons.size());
-    for (const VXRPolygonOwner& polygon : polygons)
-        sets.push_back(polygon.get());
-    return pathOfArea(_combinePolys(sets.data(), static_cast<int>(sets.size())));
-}
-
-/// The same for strokes, where each line of a flat curve may bring a disc of its own: shrinks further until
-/// the outline costs a second at most.
-float scaleForStroke(const Path& path)
-{
-    constexpr double mostVertices = 1 << 18, smallestExtent = 1 << 12;
-    const double width = std::isfinite(path.lineWidth()) ? std::fabs(double(path.lineWidth())) : 0;
-    const double extent = finiteExtent(path) + width;
-    float scale = scaleForExtent(extent);
-    for (; extent * scale > smallestExtent; scale *= 0.125f) {
-        const auto flat = scaledCopy(path, scale)->bezierPathByFlatteningPath();
-        const double disc = path.lineJoin() == LineJoin::Round ? 3 * std::sqrt(width * scale) : 0;
-        if (static_cast<double>(flat->elementCount()) * (4 + disc) <= mostVertices)
-            break;
+    void close()
+    {
+        if (mIsWhole && mHasPoint)
+            mCopy.close();
+        else
+            lineTo(mStart);
     }
-    return scale;
+
+private:
+    void begin(Point p)
+    {
+        mHasPoint = isFinite(p);
+        if (mHasPoint)
+            mCopy.moveTo(p);
+    }
+
+    Path& mCopy;
+    Point mStart;
+    bool mHasPoint = false;
+    bool mIsWhole = false;
+};
+
+/// Collects contours into a polygon set.
+class PolygonContours final : public ContourSink {
+public:
+    explicit PolygonContours(gpc_polygon& polygon)
+        : mPolygon(polygon)
+    {
+    }
+
+    void addContour(std::span<const Vec2> contour) override
+    {
+        mVertices.clear();
+        for (const Vec2& v : contour)
+            mVertices.push_back({ v.x, v.y });
+        const gpc_vertex_list list { static_cast<int>(mVertices.size()), mVertices.data() };
+        gpc_add_contour(&mPolygon, &list, 0);
+    }
+
+private:
+    gpc_polygon& mPolygon;
+    std::vector<gpc_vertex> mVertices;
+};
+
+/// Dots where the open sub-paths begin.
+Path startsOfOpenRuns(const Path& path)
+{
+    Path dots;
+    for (const VXRSegmentRun& run : pathAsSegments(path)) {
+        const VXRPathSegment& first = run.segments.front();
+        if (run.closed || (first.start == first.out && first.start == first.end))
+            continue;
+        dots.moveTo(first.start);
+        dots.close();
+    }
+    return dots;
+}
+
+/// Collects contours into a path.
+class PathContours final : public ContourSink {
+public:
+    explicit PathContours(Path& path)
+        : mPath(path)
+    {
+    }
+
+    void addContour(std::span<const Vec2> contour) override
+    {
+        mPoints.clear();
+        for (const Vec2& v : contour)
+            mPoints.push_back(v.point());
+        mPath.appendPolygon(mPoints);
+    }
+
+private:
+    Path& mPath;
+    std::vector<Point> mPoints;
+};
+
+/// What `outlineStroke` covers, under the nonzero rule.
+void addStrokeContours(const Path& path, ContourSink& sink)
+{
+    Path finite;
+    path.visit(FiniteCopy(finite));
+    LineStyle style = path.lineStyle();
+    style.cap = LineCap::Butt;
+    style.dash.clear();
+    PathStroker stroker;
+    stroker.stroke(finite, style, path.flatness(), sink);
+    if (style.join == LineJoin::Round) {
+        // Round segments begin with a disc, and end square.
+        style.cap = LineCap::Round;
+        stroker.stroke(startsOfOpenRuns(finite), style, path.flatness(), sink);
+    }
 }
 
 } // namespace
@@ -137,12 +162,19 @@ std::shared_ptr<Path> outlineStroke(const Path& path)
 {
     if (path.isEmpty())
         return nullptr;
-    const float scale = scaleForStroke(path);
-    if (scale == 1)
-        return outlineOfFlat(*path.bezierPathByFlatteningPath());
-    const auto smaller = scaledCopy(path, scale);
-    smaller->setLineWidth(path.lineWidth() * scale);
-    return scaledCopy(*outlineOfFlat(*smaller->bezierPathByFlatteningPath()), 1 / scale);
+    const VXRPolygonOwner contours(emptyPolygon()), area(emptyPolygon());
+    PolygonContours sink(*contours);
+    addStrokeContours(path, sink);
+    VXRUniteNonZero(*contours, *area);
+    return pathOfArea(area.get());
+}
+
+bool outlineStrokeContainsPoint(const Path& path, Point point)
+{
+    Path contours;
+    PathContours sink(contours);
+    addStrokeContours(path, sink);
+    return contours.containsPoint(point);
 }
 
 std::shared_ptr<Path> uniteWithBezierPath(const Path& path, const Path& other)

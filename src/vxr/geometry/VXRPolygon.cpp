@@ -1,7 +1,7 @@
 #include <vxr/geometry/VXRPolygon.h>
 
 #include <vxr/geometry/FlatPathWalker.h>
-
+#include <vxr/host/utility/VXULog.h>
 #include <vxr/platform/base/Exceptions.h>
 
 #include <algorithm>
@@ -88,12 +88,23 @@ void addFlatPath(const Path& flat, gpc_polygon& polygon)
     collector.finish();
 }
 
+/// Runs a polygon operation, and logs why when it is refused.
+template <class Operation> void logged(Operation operation)
+{
+    try {
+        operation();
+    } catch (const GenericException& failure) {
+        VXULog_Fn(VXULogLevelWarning, "VXRPolygon.cpp", "WARNING, " + std::string(failure.what()));
+        throw;
+    }
+}
+
 /// `target` becomes `target` united with `other`, which may be none.
 void unite(gpc_polygon& target, const gpc_polygon& a, const gpc_polygon* b)
 {
     const gpc_polygon none {};
     gpc_polygon united {};
-    gpc_polygon_clip(GPC_UNION, &a, b ? b : &none, &united);
+    VXRClipPolygons(GPC_UNION, a, b ? *b : none, united);
     gpc_free_polygon(&target);
     target = united;
 }
@@ -106,6 +117,17 @@ void VXRFreePolygon(gpc_polygon* polygon)
         return;
     gpc_free_polygon(polygon);
     std::free(polygon);
+}
+
+void VXRClipPolygons(
+    gpc_op operation, const gpc_polygon& subject, const gpc_polygon& clip, gpc_polygon& result)
+{
+    logged([&] { gpc_polygon_clip(operation, &subject, &clip, &result); });
+}
+
+void VXRUniteNonZero(const gpc_polygon& polygon, gpc_polygon& result)
+{
+    logged([&] { gpc_unite_nonzero(&polygon, &result); });
 }
 
 gpc_polygon* emptyPolygon()
@@ -241,7 +263,7 @@ gpc_polygon* _polygonForSegment(Point a, Point b, float width, bool round)
     const auto oval = Path::pathWithOvalInRect({ a.x - half, a.y - half, width, width });
     const VXRPolygonOwner disc(polygonFromBezier(*oval));
     VXRPolygonOwner united(emptyPolygon());
-    gpc_polygon_clip(GPC_UNION, segment.get(), disc.get(), united.get());
+    VXRClipPolygons(GPC_UNION, *segment, *disc, *united);
     return united.release();
 }
 

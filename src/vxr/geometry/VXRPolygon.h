@@ -19,6 +19,11 @@ struct VXRPolygonDeleter {
 };
 using VXRPolygonOwner = std::unique_ptr<gpc_polygon, VXRPolygonDeleter>;
 
+// The operations of `gpc.h`, which refuse input beyond their limits with an exception; here they log it, too.
+VXR_EXPORT void VXRClipPolygons(
+    gpc_op operation, const gpc_polygon& subject, const gpc_polygon& clip, gpc_polygon& result);
+VXR_EXPORT void VXRUniteNonZero(const gpc_polygon& polygon, gpc_polygon& result);
+
 /// A new, empty set from malloc.
 VXR_EXPORT gpc_polygon* emptyPolygon();
 

@@ -189,8 +189,7 @@ bool VXRShape::containsPoint(Point p) const
     if (mStroke)
         mStroke->applyToBezierPathInsideStroke(*line, false);
     line->setLineWidth(width);
-    const auto outline = outlineStroke(*line);
-    return outline && outline->containsPoint(*local);
+    return outlineStrokeContainsPoint(*line, *local);
 }
 
 Rect VXRShape::hitBounds() const

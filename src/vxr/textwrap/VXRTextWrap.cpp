@@ -58,7 +58,7 @@ class Clipped {
 public:
     Clipped(gpc_op operation, const gpc_polygon& subject, const gpc_polygon& clip)
     {
-        gpc_polygon_clip(operation, &subject, &clip, &mSet);
+        VXRClipPolygons(operation, subject, clip, mSet);
     }
     Clipped(const Clipped&) = delete;
     Clipped& operator=(const Clipped&) = delete;
@@ -202,7 +202,7 @@ float VXRTextWrap::unobstructedSpanForPathStartingSpanContainerBounds(
     const VXRPolygonOwner shape(polygonFromBezier(path));
     const RectPolygon column({ span.origin.x, span.origin.y, span.size.width, bottom - span.origin.y });
     VXRPolygonOwner clippedShape(emptyPolygon());
-    gpc_polygon_clip(GPC_INT, shape.get(), &*column, clippedShape.get());
+    VXRClipPolygons(GPC_INT, *shape, *column, *clippedShape);
     const std::vector<double> heights = vertexHeights(*clippedShape);
     WrapPolygon obstacles(std::move(clippedShape));
 

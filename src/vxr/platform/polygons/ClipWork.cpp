@@ -19,39 +19,21 @@ template <class Visit> void forEachEdge(Contours contours, Visit visit)
     }
 }
 
+double heightOf(const gpc_vertex& v, SweepAxis axis) { return axis == SweepAxis::Y ? v.y : v.x; }
+
 struct Range {
     double low, high;
 };
 
-Range heightRange(Contours contours)
+Range heightRange(Contours contours, SweepAxis axis)
 {
-    Range r { contours[0]->vertex[0].y, contours[0]->vertex[0].y };
+    const double first = heightOf(contours[0]->vertex[0], axis);
+    Range r { first, first };
     forEachEdge(contours, [&](const gpc_vertex&, const gpc_vertex& v) {
-        r.low = std::min(r.low, v.y);
-        r.high = std::max(r.high, v.y);
+        r.low = std::min(r.low, heightOf(v, axis));
+        r.high = std::max(r.high, heightOf(v, axis));
     });
     return r;
-}
-
-/// Sum over the edges of the vertices at their height, at least the pairs of edges that share a
-/// height: of two such edges one begins or ends beside the other. The sweep visits each edge once
-/// per such vertex, and no more edges than these pairs can cross.
-double edgePairBound(Contours contours, std::size_t vertices)
-{
-    const Range range = heightRange(contours);
-    const std::size_t bins = std::clamp<std::size_t>(vertices / 8, 64, 1 << 18);
-    const double perUnit = double(bins - 1) / std::max(range.high - range.low, 1e-300);
-    const auto binOf
-        = [&](double y) { return std::min(bins - 1, std::size_t(std::max(0.0, (y - range.low) * perUnit))); };
-    std::vector<std::uint32_t> below(bins + 1, 0);
-    forEachEdge(contours, [&](const gpc_vertex&, const gpc_vertex& v) { ++below[binOf(v.y) + 1]; });
-    for (std::size_t b = 1; b <= bins; ++b)
-        below[b] += below[b - 1];
-    double pairs = 0;
-    forEachEdge(contours, [&](const gpc_vertex& u, const gpc_vertex& v) {
-        pairs += below[binOf(std::max(u.y, v.y)) + 1] - below[binOf(std::min(u.y, v.y))];
-    });
-    return pairs;
 }
 
 double turn(const gpc_vertex& a, const gpc_vertex& b, const gpc_vertex& c)
@@ -59,12 +41,29 @@ double turn(const gpc_vertex& a, const gpc_vertex& b, const gpc_vertex& c)
     return (b.x - a.x) * (c.y - a.y) - (c.x - a.x) * (b.y - a.y);
 }
 
-struct Work {
-    double pairs, crossings;
-};
+} // namespace
 
-/// Extrapolates from evenly drawn edges compared with all of them. The same input always draws the same.
-Work sampledWork(Contours contours, std::size_t vertices)
+double edgePairBound(Contours contours, std::size_t vertices, SweepAxis axis)
+{
+    const Range range = heightRange(contours, axis);
+    const std::size_t bins = std::clamp<std::size_t>(vertices / 8, 64, 1 << 18);
+    const double perUnit = double(bins - 1) / std::max(range.high - range.low, 1e-300);
+    const auto binOf
+        = [&](double y) { return std::min(bins - 1, std::size_t(std::max(0.0, (y - range.low) * perUnit))); };
+    std::vector<std::uint32_t> below(bins + 1, 0);
+    forEachEdge(
+        contours, [&](const gpc_vertex&, const gpc_vertex& v) { ++below[binOf(heightOf(v, axis)) + 1]; });
+    for (std::size_t b = 1; b <= bins; ++b)
+        below[b] += below[b - 1];
+    double pairs = 0;
+    forEachEdge(contours, [&](const gpc_vertex& u, const gpc_vertex& v) {
+        const auto [low, high] = std::minmax({ heightOf(u, axis), heightOf(v, axis) });
+        pairs += below[binOf(high) + 1] - below[binOf(low)];
+    });
+    return pairs;
+}
+
+ClipWork sampledClipWork(Contours contours, std::size_t vertices, SweepAxis axis)
 {
     constexpr std::uint64_t samples = 64;
     std::vector<std::pair<gpc_vertex, gpc_vertex>> drawn;
@@ -83,9 +82,10 @@ Work sampledWork(Contours contours, std::size_t vertices)
     });
     double pairs = 0, crossings = 0;
     forEachEdge(contours, [&](const gpc_vertex& u, const gpc_vertex& v) {
-        const double low = std::min(u.y, v.y), high = std::max(u.y, v.y);
+        const auto [low, high] = std::minmax({ heightOf(u, axis), heightOf(v, axis) });
         for (const auto& [a, b] : drawn) {
-            if (high < std::min(a.y, b.y) || low > std::max(a.y, b.y))
+            const auto [lowest, highest] = std::minmax({ heightOf(a, axis), heightOf(b, axis) });
+            if (high < lowest || low > highest)
                 continue;
             ++pairs;
             crossings += turn(a, b, u) * turn(a, b, v) < 0 && turn(u, v, a) * turn(u, v, b) < 0;
@@ -93,19 +93,6 @@ Work sampledWork(Contours contours, std::size_t vertices)
     });
     const double scale = double(vertices) / double(drawn.size());
     return { pairs * scale, crossings * scale / 2 };
-}
-
-} // namespace
-
-bool clipWorkIsBounded(Contours contours, std::size_t vertices)
-{
-    if (double(vertices) > gpcMaximumVertices)
-        return false;
-    constexpr double cheap = 1 << 22; // edge pairs, all of which may cross
-    if (edgePairBound(contours, vertices) <= cheap)
-        return true;
-    const Work work = sampledWork(contours, vertices);
-    return work.pairs <= gpcMaximumEdgePairs && work.crossings <= gpcMaximumCrossings;
 }
 
 } // namespace vxr

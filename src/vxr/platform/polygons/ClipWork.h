@@ -7,13 +7,22 @@
 
 namespace vxr {
 
-/// So few vertices stay within every bound, however their edges cross.
-constexpr std::size_t clipWorkNeverTooMuch = 2048;
+/// The axis along which the clipper's sweep line moves.
+enum class SweepAxis { X, Y };
 
-/// Whether clipping these contours, of `vertices` in all, stays within `gpcMaximumVertices`,
-/// `gpcMaximumEdgePairs` and `gpcMaximumCrossings`. Linear in the vertices: the pairs are bounded with a
-/// histogram of heights and only when that bound is high are a fixed few edges compared with all the
-/// others.
-bool clipWorkIsBounded(std::span<const gpc_vertex_list* const> contours, std::size_t vertices);
+/// What a clip costs: pairs of edges that the sweep line meets together, and crossings.
+struct ClipWork {
+    double pairs = 0, crossings = 0;
+};
+
+/// Sum over the edges of the vertices beside them, at least the pairs of edges that the sweep line meets
+/// together: of two such edges one begins or ends beside the other. The sweep visits each edge about once per
+/// such vertex, and no more edges than these pairs can cross. By a histogram, in linear time.
+double edgePairBound(std::span<const gpc_vertex_list* const> contours, std::size_t vertices, SweepAxis axis);
+
+/// An estimate in linear time, from evenly drawn edges compared with all of them. The same input always draws
+/// the same.
+ClipWork sampledClipWork(
+    std::span<const gpc_vertex_list* const> contours, std::size_t vertices, SweepAxis axis);
 
 } // namespace vxr

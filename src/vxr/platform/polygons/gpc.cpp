@@ -1,13 +1,17 @@
 #include <vxr/platform/polygons/gpc.h>
 
+#include <vxr/platform/base/Exceptions.h>
+#include <vxr/platform/polygons/ClipClusters.h>
 #include <vxr/platform/polygons/ClipWork.h>
 #include <vxr/platform/polygons/ContourNesting.h>
 
+#include <fmt/format.h>
 #include <polyclipping/clipper.hpp>
 
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <iterator>
 #include <limits>
 #include <new>
 #include <vector>
@@ -34,79 +38,12 @@ template <class T> void growArray(T*& array, std::size_t count)
     array = grown;
 }
 
-struct Box {
-    double x0 = HUGE_VAL, y0 = HUGE_VAL, x1 = -HUGE_VAL, y1 = -HUGE_VAL;
-
-    void add(const Box& b)
-    {
-        x0 = std::min(x0, b.x0);
-        y0 = std::min(y0, b.y0);
-        x1 = std::max(x1, b.x1);
-        y1 = std::max(y1, b.y1);
-    }
-    bool meets(const Box& b) const { return x0 <= b.x1 && b.x0 <= x1 && y0 <= b.y1 && b.y0 <= y1; }
-};
-
-/// An operand as the clip sees it: contours that can bound an area, with their boxes.
-struct Operand {
-    struct Contour {
-        const gpc_vertex_list* list;
-        Box box;
-    };
-    std::vector<Contour> contours;
-    Box bounds;
-    std::size_t vertices = 0;
-
-    bool isEmpty() const { return contours.empty(); }
-
-    /// False when a coordinate is NaN or infinite.
-    bool read(const gpc_polygon& polygon)
-    {
-        contours.reserve(std::size_t(polygon.num_contours));
-        for (int i = 0; i < polygon.num_contours; ++i) {
-            const gpc_vertex_list& contour = polygon.contour[i];
-            Box box;
-            double check = 0; // NaN as soon as any coordinate is not finite
-            for (int k = 0; k < contour.num_vertices; ++k) {
-                const gpc_vertex v = contour.vertex[k];
-                check += v.x * 0 + v.y * 0;
-                box.add({ v.x, v.y, v.x, v.y });
-            }
-            if (check != 0)
-                return false;
-            if (contour.num_vertices < 3)
-                continue;
-            contours.push_back({ &contour, box });
-            count(contours.back());
-        }
-        return true;
-    }
-
-    /// Drops the contours that don't reach `area`: they can't change what is inside within it.
-    void keepMeeting(const Box& area)
-    {
-        if (std::erase_if(contours, [&](const Contour& c) { return !c.box.meets(area); }) == 0)
-            return;
-        bounds = {};
-        vertices = 0;
-        for (const Contour& contour : contours)
-            count(contour);
-    }
-
-private:
-    void count(const Contour& contour)
-    {
-        bounds.add(contour.box);
-        vertices += std::size_t(contour.list->num_vertices);
-    }
-};
-
 /// Maps coordinates to whole numbers of at most 2^45 and back. The scale is a power of two and the
 /// centre lies on the grid, so coordinates on the grid survive the round trip exactly; 45 bits leave
 /// Clipper's intersections, computed in double, exact to about a grid step.
 class Grid {
 public:
-    explicit Grid(const Box& bounds)
+    explicit Grid(const ClipBox& bounds)
     {
         constexpr int bits = 45;
         const double half = std::max(bounds.x1 / 2 - bounds.x0 / 2, bounds.y1 / 2 - bounds.y0 / 2);
@@ -134,32 +71,7 @@ private:
     double mScale, mStep, mCentreX, mCentreY;
 };
 
-void addTo(ClipperLib::Clipper& clipper, const Operand& operand, ClipperLib::PolyType role, const Grid& grid,
-    ClipperLib::Path& scratch)
-{
-    for (const auto& [contour, box] : operand.contours) {
-        scratch.resize(std::size_t(contour->num_vertices));
-        std::transform(contour->vertex, contour->vertex + contour->num_vertices, scratch.begin(),
-            [&](const gpc_vertex& v) { return grid.toGrid(v); });
-        clipper.AddPath(scratch, role, true);
-    }
-}
-
-/// Whether the operands stay within the bounds that the header states.
-bool isWithinBounds(const Operand& a, const Operand& b)
-{
-    const std::size_t vertices = a.vertices + b.vertices;
-    if (vertices <= clipWorkNeverTooMuch)
-        return true;
-    std::vector<const gpc_vertex_list*> contours;
-    contours.reserve(a.contours.size() + b.contours.size());
-    for (const Operand* operand : { &a, &b })
-        for (const auto& contour : operand->contours)
-            contours.push_back(contour.list);
-    return clipWorkIsBounded(contours, vertices);
-}
-
-gpc_polygon toPolygon(const ClipperLib::Paths& contours, const Grid& grid)
+gpc_polygon toPolygon(const ClipperLib::Paths& contours, const std::vector<int>& holes, const Grid& grid)
 {
     struct Result : gpc_polygon {
         Result()
@@ -171,7 +83,6 @@ gpc_polygon toPolygon(const ClipperLib::Paths& contours, const Grid& grid)
 
     if (contours.size() > std::size_t(std::numeric_limits<int>::max()))
         return {};
-    const std::vector<int> holes = holeFlags(contours);
     result.hole = allocateArray<int>(contours.size());
     result.contour = allocateArray<gpc_vertex_list>(contours.size());
     std::copy(holes.begin(), holes.end(), result.hole);
@@ -200,9 +111,138 @@ ClipperLib::ClipType clipType(gpc_op operation)
     return ClipperLib::ctUnion;
 }
 
-gpc_polygon clipped(gpc_op operation, const gpc_polygon& subject, const gpc_polygon& clip)
+[[noreturn]] void refuse(const char* what, double count, double limit)
 {
-    Operand a, b;
+    throw GenericException(
+        fmt::format("Polygon clipping refused: {:.0f} {} exceed the limit of {:.0f}.", count, what, limit));
+}
+
+/// One clip: an operation under a fill rule, on a grid across both operands.
+class Clip {
+public:
+    Clip(ClipperLib::ClipType operation, ClipperLib::PolyFillType rule, const ClipBox& bounds)
+        : mOperation(operation)
+        , mRule(rule)
+        , mGrid(bounds)
+    {
+    }
+
+    /// Throws when the work exceeds the limits that the header states.
+    gpc_polygon execute(const ClipOperand& a, const ClipOperand& b)
+    {
+        const std::size_t vertices = a.vertices + b.vertices;
+        if (double(vertices) > gpcMaximumVertices)
+            refuse("vertices", double(vertices), gpcMaximumVertices);
+        if (vertices <= neverTooMuch || edgePairBound(listsOf(a, b), vertices, SweepAxis::Y) <= cheap)
+            run(a, b, SweepAxis::Y);
+        else
+            executeInClusters(a, b);
+        return toPolygon(mContours, mHoles, mGrid);
+    }
+
+private:
+    using Lists = std::vector<const gpc_vertex_list*>;
+
+    static constexpr std::size_t neverTooMuch = 2048; ///< vertices, however their edges cross
+    static constexpr double cheap = 1 << 22; ///< edge pairs, all of which may cross
+
+    static Lists listsOf(const ClipOperand& a, const ClipOperand& b)
+    {
+        Lists lists;
+        lists.reserve(a.contours.size() + b.contours.size());
+        for (const ClipOperand* operand : { &a, &b })
+            for (const auto& contour : operand->contours)
+                lists.push_back(contour.list);
+        return lists;
+    }
+
+    /// What lies apart is clipped apart, each cluster along the axis on which fewer edges lie beside each
+    /// other.
+    void executeInClusters(const ClipOperand& a, const ClipOperand& b)
+    {
+        const std::vector<ClipCluster> clusters = clipClusters(a, b);
+        std::vector<SweepAxis> axes;
+        axes.reserve(clusters.size());
+        ClipWork work;
+        for (const ClipCluster& cluster : clusters)
+            axes.push_back(addWork(cluster, work));
+        if (work.pairs > gpcMaximumEdgePairs)
+            refuse("pairs of edges side by side", work.pairs, gpcMaximumEdgePairs);
+        if (work.crossings > gpcMaximumCrossings)
+            refuse("crossings of edges", work.crossings, gpcMaximumCrossings);
+        for (std::size_t i = 0; i < clusters.size(); ++i)
+            run(clusters[i].a, clusters[i].b, axes[i]);
+    }
+
+    static SweepAxis addWork(const ClipCluster& cluster, ClipWork& work)
+    {
+        const std::size_t vertices = cluster.a.vertices + cluster.b.vertices;
+        if (vertices <= neverTooMuch)
+            return SweepAxis::Y;
+        const Lists lists = listsOf(cluster.a, cluster.b);
+        const double alongX = edgePairBound(lists, vertices, SweepAxis::X);
+        const double alongY = edgePairBound(lists, vertices, SweepAxis::Y);
+        const SweepAxis axis = alongX < alongY ? SweepAxis::X : SweepAxis::Y;
+        if (std::min(alongX, alongY) > cheap) {
+            const ClipWork sampled = sampledClipWork(lists, vertices, axis);
+            work.pairs += sampled.pairs;
+            work.crossings += sampled.crossings;
+        }
+        return axis;
+    }
+
+    void run(const ClipOperand& a, const ClipOperand& b, SweepAxis axis)
+    {
+        ClipperLib::Clipper clipper;
+        // Without it Clipper also removes the vertices in the middle of straight sides.
+        clipper.PreserveCollinear(true);
+        addTo(clipper, a, ClipperLib::ptSubject, axis);
+        addTo(clipper, b, ClipperLib::ptClip, axis);
+        ClipperLib::Paths contours;
+        if (!clipper.Execute(mOperation, contours, mRule, mRule))
+            throw GenericException("Polygon clipping failed.");
+        // While few contours lie side by side, and none of another cluster is near.
+        const std::vector<int> holes = holeFlags(contours);
+        mHoles.insert(mHoles.end(), holes.begin(), holes.end());
+        if (axis == SweepAxis::X)
+            for (ClipperLib::Path& contour : contours)
+                transpose(contour);
+        std::move(contours.begin(), contours.end(), std::back_inserter(mContours));
+    }
+
+    void addTo(
+        ClipperLib::Clipper& clipper, const ClipOperand& operand, ClipperLib::PolyType role, SweepAxis axis)
+    {
+        for (const auto& [contour, box] : operand.contours) {
+            mScratch.resize(std::size_t(contour->num_vertices));
+            std::transform(contour->vertex, contour->vertex + contour->num_vertices, mScratch.begin(),
+                [&](const gpc_vertex& v) { return mGrid.toGrid(v); });
+            if (axis == SweepAxis::X)
+                transpose(mScratch);
+            clipper.AddPath(mScratch, role, true);
+        }
+    }
+
+    /// Mirrored at the diagonal, and reversed so that it runs the same way round.
+    static void transpose(ClipperLib::Path& contour)
+    {
+        for (ClipperLib::IntPoint& p : contour)
+            std::swap(p.X, p.Y);
+        std::reverse(contour.begin(), contour.end());
+    }
+
+    ClipperLib::ClipType mOperation;
+    ClipperLib::PolyFillType mRule;
+    Grid mGrid;
+    ClipperLib::Path mScratch;
+    ClipperLib::Paths mContours;
+    std::vector<int> mHoles;
+};
+
+gpc_polygon clipped(gpc_op operation, const gpc_polygon& subject, const gpc_polygon& clip,
+    ClipperLib::PolyFillType rule = ClipperLib::pftEvenOdd)
+{
+    ClipOperand a, b;
     if (!a.read(subject) || !b.read(clip))
         return {};
     if (operation == GPC_INT)
@@ -215,23 +255,15 @@ gpc_polygon clipped(gpc_op operation, const gpc_polygon& subject, const gpc_poly
     if (emptyResult)
         return {};
 
-    Box bounds = a.bounds;
+    ClipBox bounds = a.bounds;
     bounds.add(b.bounds);
-    if (bounds.x0 == bounds.x1 || bounds.y0 == bounds.y1 || !isWithinBounds(a, b))
+    if (bounds.x0 == bounds.x1 || bounds.y0 == bounds.y1)
         return {};
-
-    const Grid grid(bounds);
-    ClipperLib::Clipper clipper;
-    // Without it Clipper also removes the vertices in the middle of straight sides.
-    clipper.PreserveCollinear(true);
-    ClipperLib::Path scratch;
-    scratch.reserve(std::max(a.vertices, b.vertices));
-    addTo(clipper, a, ClipperLib::ptSubject, grid, scratch);
-    addTo(clipper, b, ClipperLib::ptClip, grid, scratch);
-    ClipperLib::Paths contours;
-    if (!clipper.Execute(clipType(operation), contours, ClipperLib::pftEvenOdd, ClipperLib::pftEvenOdd))
-        return {};
-    return toPolygon(contours, grid);
+    try {
+        return Clip(clipType(operation), rule, bounds).execute(a, b);
+    } catch (const ClipperLib::clipperException& failure) {
+        throw GenericException(fmt::format("Polygon clipping failed: {}.", failure.what()));
+    }
 }
 
 } // namespace
@@ -251,11 +283,12 @@ void gpc_add_contour(gpc_polygon* polygon, const gpc_vertex_list* contour, int h
 void gpc_polygon_clip(
     gpc_op operation, const gpc_polygon* subject, const gpc_polygon* clip, gpc_polygon* result)
 {
-    try {
-        *result = clipped(operation, *subject, *clip);
-    } catch (const ClipperLib::clipperException&) {
-        *result = {};
-    }
+    *result = clipped(operation, *subject, *clip);
+}
+
+void gpc_unite_nonzero(const gpc_polygon* polygon, gpc_polygon* result)
+{
+    *result = clipped(GPC_UNION, *polygon, {}, ClipperLib::pftNonZero);
 }
 
 void gpc_free_polygon(gpc_polygon* polygon)

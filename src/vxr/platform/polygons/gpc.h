@@ -30,9 +30,10 @@ struct gpc_polygon {
     gpc_vertex_list* contour;
 };
 
-/// Bounds of the work one clip accepts. Beyond any of them the result is empty, so that hostile input
-/// costs seconds at most: vertices of both operands, edge pairs at the same height, crossings.
-/// The last two are estimated, and only for operands that look tangled.
+/// Limits of the work one clip accepts, so that hostile input costs seconds at most: vertices of both
+/// operands, pairs of edges that lie beside each other on both axes (contours that lie apart don't count
+/// together), crossings. The last two are estimated, and only for operands that look tangled. A clip beyond
+/// them throws a `GenericException` that names the limit.
 constexpr double gpcMaximumVertices = 1 << 22;
 constexpr double gpcMaximumEdgePairs = 1 << 28;
 constexpr double gpcMaximumCrossings = 1 << 20;
@@ -46,10 +47,15 @@ VXR_EXPORT void gpc_add_contour(gpc_polygon* polygon, const gpc_vertex_list* con
 /// Coordinates are rounded to a grid of 2^45 steps across both operands, a power of two wide, so whole
 /// numbers and dyadic fractions come back exactly. The result's area is right under the even-odd rule;
 /// contours may touch. A hole flag says that the contour lies within an odd number of others.
-/// Empty operands, a NaN or infinite vertex in either operand, and work beyond the bounds above give
-/// the empty set (a union with the empty set is the other operand with its crossings resolved).
+/// Empty operands and a NaN or infinite vertex in either operand give the empty set (a union with the empty
+/// set is the other operand with its crossings resolved). Throws for work beyond the limits above and then
+/// leaves `result` as it was.
 VXR_EXPORT void gpc_polygon_clip(
     gpc_op operation, const gpc_polygon* subject, const gpc_polygon* clip, gpc_polygon* result);
+
+/// `result` = the area of `polygon` under the nonzero rule, as contours for the even-odd rule. Otherwise like
+/// `gpc_polygon_clip`.
+VXR_EXPORT void gpc_unite_nonzero(const gpc_polygon* polygon, gpc_polygon* result);
 
 /// Frees the contents and leaves an empty set; the record itself stays the caller's.
 VXR_EXPORT void gpc_free_polygon(gpc_polygon* polygon);

@@ -96,6 +96,20 @@ void Path::appendOvalInRect(const Rect& rect)
     close();
 }
 
+void Path::appendPolygon(std::span<const Point> vertices)
+{
+    if (vertices.empty())
+        return;
+    moveTo(vertices[0]);
+    const std::size_t start = mPoints.size(), first = mKinds.size();
+    mPoints.insert(mPoints.end(), vertices.begin() + 1, vertices.end());
+    mKinds.resize(first + vertices.size() - 1, PathElementKind::LineTo);
+    for (std::size_t i = (first + indexStride - 1) / indexStride * indexStride; i < mKinds.size();
+         i += indexStride)
+        mPointIndex.push_back(start + (i - first));
+    close();
+}
+
 void Path::appendPath(const Path& other)
 {
     if (!other.hasCurrentPoint())

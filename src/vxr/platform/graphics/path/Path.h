@@ -90,6 +90,8 @@ public:
     void close();
     void appendRect(const Rect&); ///< counter-clockwise in y-up terms from the origin, closed
     void appendOvalInRect(const Rect&); ///< four curves from the middle of the right side, closed
+    /// A closed sub-path of straight lines; nothing for no points.
+    void appendPolygon(std::span<const Point> vertices);
     void appendPath(const Path&); ///< the elements only; `*this` is allowed
     void removeAllPoints(); ///< keeps the style
     void reserve(std::size_t elements);

@@ -1,147 +1,112 @@
 #include <vxr/platform/graphics/path/PathDasher.h>
 
+#include <vxr/platform/graphics/path/StrokeSegmenter.h>
+
 namespace vxr {
 
-namespace {
-
-double segmentLength(const StrokeRun& run, std::size_t i)
+void PathDasher::begin(Vec2 p, Vec2 direction)
 {
-    return (run.vertices[(i + 1) % run.vertices.size()].p - run.vertices[i].p).length();
+    const std::size_t run = mRun++;
+    // A dot, which has no direction, is drawn as it is.
+    mPassesThrough = direction == Vec2() || (run < mIsDashed.size() && !mIsDashed[run]);
+    if (mPassesThrough)
+        return mOutliner.begin(p, direction);
+    mStart = mPoint = p;
+    mStartDirection = direction;
+    mInDash = mInFirst = false;
+    mHasSegment = false;
+    mPattern.restart();
+    mStartsOn = mPattern.isOn();
 }
 
-std::size_t segmentCount(const StrokeRun& run) { return run.vertices.size() - (run.closed ? 0 : 1); }
-
-} // namespace
-
-PathDasher::PathDasher(const LineStyle& style)
+/// Along the segment the direction goes over evenly from that of its start to that of its end, which on a
+/// line are the same.
+void PathDasher::segment(Vec2 to, Vec2 out, Vec2 in, bool corner)
 {
-    double total = 0;
-    for (float length : style.dash) {
-        if (!(length >= 0) || !std::isfinite(length))
-            return;
-        total += length;
-    }
-    if (!(total > 0))
-        return;
-    mLengths.assign(style.dash.begin(), style.dash.end());
-    if (mLengths.size() % 2 != 0) {
-        mLengths.insert(mLengths.end(), style.dash.begin(), style.dash.end());
-        total *= 2;
-    }
-    mTotal = total;
-    if (std::isfinite(style.dashPhase)) {
-        mPhase = std::fmod(style.dashPhase, total);
-        if (mPhase < 0)
-            mPhase += total;
-    }
-}
-
-void PathDasher::restart()
-{
-    mIndex = 0;
-    mOn = true;
-    mRemaining = mLengths[0];
-    double phase = mPhase;
-    while (phase > 0 && phase >= mRemaining) {
-        phase -= mRemaining;
-        nextLength();
-    }
-    mRemaining -= phase;
-}
-
-void PathDasher::nextLength()
-{
-    mIndex = (mIndex + 1) % mLengths.size();
-    mRemaining = mLengths[mIndex];
-    mOn = !mOn;
-}
-
-bool PathDasher::allows(const StrokeRun& run)
-{
-    double length = 0;
-    for (std::size_t i = 0; i < segmentCount(run); ++i)
-        length += segmentLength(run, i);
-    const double dashes = (length / mTotal + 1) * static_cast<double>(mLengths.size()) / 2;
-    if (!(dashes <= mAllowance))
-        return false;
-    mAllowance -= dashes;
-    return true;
-}
-
-/// The vertex at a distance along the segment. Its direction goes over evenly from that of one end to that
-/// of the other, which on a line are the same.
-StrokeVertex PathDasher::Segment::at(double distance) const
-{
-    const double t = distance / length;
-    const Vec2 p = from.p * (1 - t) + to.p * t;
-    Vec2 direction = unit(from.out * (1 - t) + to.in * t);
-    if (direction == Vec2())
-        direction = unit(to.p - from.p);
-    return { p, direction, direction, false };
-}
-
-void PathDasher::finishDash(const std::function<void(const StrokeRun&)>& emit)
-{
-    if (mHoldsFirst && mFirst.vertices.empty()) {
-        std::swap(mFirst, mDash);
-    } else {
-        mDash.vertices.back().out = mDash.vertices.back().in;
-        emit(mDash);
-    }
-    mDash.vertices.clear();
-}
-
-void PathDasher::cut(const Segment& segment, const std::function<void(const StrokeRun&)>& emit)
-{
-    double left = segment.length, position = 0;
+    if (mPassesThrough)
+        return mOutliner.segment(to, out, in, corner);
+    const Vec2 from = mPoint, chord = to - from;
+    const double length = chord.length();
+    const auto directionAt = [&](double position) {
+        if (out == in)
+            return out;
+        const double t = position / length;
+        const Vec2 direction = unit(out * (1 - t) + in * t);
+        return direction == Vec2() ? unit(chord) : direction;
+    };
+    double left = length, position = 0;
     while (left > 0) {
-        if (mOn && mDash.vertices.empty())
-            mDash.vertices.push_back(segment.at(position));
+        if (mPattern.isOn() && !mInDash) {
+            mInDash = true;
+            mInFirst = mStartsOn && !mHasSegment && position == 0;
+            mOutliner.begin(from + chord * (position / length), directionAt(position), mInFirst);
+        }
         // Only now that more follows: a dash that ends with its run may go on at the run's start.
-        if (mRemaining <= 0) {
-            if (mOn)
-                finishDash(emit);
-            nextLength();
+        if (mPattern.remaining() <= 0) {
+            if (mPattern.isOn())
+                finishDash();
+            mPattern.next();
             continue;
         }
-        const double step = std::min(mRemaining, left);
+        const double step = std::min(mPattern.remaining(), left), before = position;
         position += step;
         left -= step;
-        mRemaining -= step;
-        if (mOn)
-            mDash.vertices.push_back(left > 0 ? segment.at(position) : segment.to);
+        mPattern.advance(step);
+        if (mPattern.isOn()) {
+            const bool whole = !(left > 0);
+            mOutliner.segment(whole ? to : from + chord * (position / length), directionAt(before),
+                whole ? in : directionAt(position), corner && before == 0);
+        }
     }
+    mHasSegment = true;
+    mPoint = to;
+    mArrival = in;
 }
 
-void PathDasher::dash(const StrokeRun& run, const std::function<void(const StrokeRun&)>& emit)
+void PathDasher::finishDash()
 {
-    if (isSolid() || run.vertices.size() < 2 || !allows(run))
-        return emit(run);
+    mOutliner.end();
+    mInDash = mInFirst = false;
+}
 
-    restart();
-    mDash.vertices.clear();
-    mFirst.vertices.clear();
-    mHoldsFirst = run.closed && mOn;
-    const std::size_t count = run.vertices.size();
-    for (std::size_t i = 0; i < segmentCount(run); ++i)
-        cut({ run.vertices[i], run.vertices[(i + 1) % count], segmentLength(run, i) }, emit);
+/// A dash that would begin where the run ends is a dot, so that dots stand at both ends of a line.
+bool PathDasher::endsInDot() const
+{
+    return !mPattern.isOn() && mPattern.remaining() <= mPattern.total() * 1e-6;
+}
 
-    if (mHoldsFirst && mFirst.vertices.empty())
-        return emit(run); // one dash as long as the whole run
-    mHoldsFirst = false;
-    if (!mOn && mRemaining <= mTotal * 1e-6 && mFirst.vertices.empty()) {
-        // A dash that would begin where the run ends is a dot, so that dots stand at both ends of a line.
-        const StrokeVertex& end = run.closed ? run.vertices.front() : run.vertices.back();
-        mDash.vertices.push_back({ end.p, end.in, end.in, false });
-    }
-    if (mDash.vertices.empty()) {
-        if (!mFirst.vertices.empty())
-            std::swap(mDash, mFirst);
-    } else if (!mFirst.vertices.empty()) {
-        mDash.vertices.insert(mDash.vertices.end(), mFirst.vertices.begin() + 1, mFirst.vertices.end());
-    }
-    if (!mDash.vertices.empty())
-        finishDash(emit);
+void PathDasher::dotAtEnd()
+{
+    mOutliner.begin(mPoint, mArrival);
+    mOutliner.end();
+}
+
+void PathDasher::end()
+{
+    if (mPassesThrough)
+        return mOutliner.end();
+    if (mInDash)
+        mOutliner.end();
+    else if (endsInDot())
+        dotAtEnd();
+    if (mStartsOn)
+        mOutliner.addStartCap(mStart, mStartDirection);
+}
+
+void PathDasher::close()
+{
+    if (mPassesThrough)
+        return mOutliner.close();
+    if (mInFirst)
+        return mOutliner.close(); // one dash as long as the whole run
+    if (mInDash && mStartsOn)
+        return mOutliner.endInto(mStart, mStartDirection);
+    if (mInDash)
+        mOutliner.end();
+    else if (mStartsOn)
+        mOutliner.addStartCap(mStart, mStartDirection);
+    else if (endsInDot())
+        dotAtEnd();
 }
 
 } // namespace vxr

@@ -1,51 +1,48 @@
 #pragma once
 
-#include <vxr/platform/graphics/path/PathStrokeRun.h>
+#include <vxr/platform/graphics/path/DashPattern.h>
+#include <vxr/platform/graphics/path/StrokeOutliner.h>
+
+#include <cstddef>
+#include <vector>
 
 namespace vxr {
 
-/// Cuts runs into dashes by their flattened length. The pattern starts anew with each run.
-///
-/// An odd count of lengths is gone through twice, so that on and off change places. A pattern with a negative
-/// length, with one that is no finite number, or with nothing but zeros is solid. So is a run that would fall
-/// into more dashes than the rest of the path's allowance of 2^18.
+/// Cuts the runs of a stroke into dashes by their flattened length. The pattern starts anew with each run; on
+/// a closed run the last dash goes on into the first when both are on.
 class PathDasher {
 public:
-    explicit PathDasher(const LineStyle&);
+    /// `isDashed` says of each run in turn whether it is; empty for all. Solid runs pass through.
+    PathDasher(DashPattern& pattern, const std::vector<bool>& isDashed, StrokeOutliner& outliner)
+        : mPattern(pattern)
+        , mIsDashed(isDashed)
+        , mOutliner(outliner)
+    {
+    }
 
-    bool isSolid() const { return mLengths.empty(); }
-    /// Calls `emit` with each dash. On a closed run the last dash goes on into the first when both are on.
-    void dash(const StrokeRun& run, const std::function<void(const StrokeRun&)>& emit);
+    // A run, as `StrokeSegmenter` gives it.
+    void begin(Vec2 p, Vec2 direction);
+    void segment(Vec2 to, Vec2 out, Vec2 in, bool corner);
+    void end();
+    void close();
 
 private:
-    /// One segment of the run being cut.
-    struct Segment {
-        const StrokeVertex& from;
-        const StrokeVertex& to;
-        double length;
+    void finishDash();
+    bool endsInDot() const;
+    void dotAtEnd();
 
-        StrokeVertex at(double distance) const;
-    };
+    DashPattern& mPattern;
+    const std::vector<bool>& mIsDashed;
+    StrokeOutliner& mOutliner;
+    std::size_t mRun = 0;
 
-    void restart();
-    void nextLength();
-    void cut(const Segment&, const std::function<void(const StrokeRun&)>& emit);
-    void finishDash(const std::function<void(const StrokeRun&)>& emit);
-    bool allows(const StrokeRun&);
-
-    std::vector<double> mLengths;
-    double mPhase = 0; ///< within one turn of the pattern
-    double mTotal = 0;
-    double mAllowance = 1 << 18;
-
-    // Where the pattern stands.
-    std::size_t mIndex = 0;
-    double mRemaining = 0;
-    bool mOn = true;
-
-    StrokeRun mDash; ///< being built
-    StrokeRun mFirst; ///< of a closed run that starts with a dash: kept until the last one is known
-    bool mHoldsFirst = false;
+    bool mPassesThrough = false;
+    Vec2 mStart, mStartDirection;
+    Vec2 mPoint, mArrival;
+    bool mHasSegment = false;
+    bool mStartsOn = false; ///< the first dash begins where the run does
+    bool mInFirst = false; ///< that dash is still being drawn
+    bool mInDash = false;
 };
 
 } // namespace vxr
