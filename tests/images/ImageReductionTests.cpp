@@ -59,10 +59,10 @@ TEST(ImageReduction, AReducedImageLooksLikeTheImageWhereverItSuffices)
         AffineTransform transform;
         int halvings;
     };
-    for (const Case& c : { Case { "Half", { 3, 4, 50, 40 }, {}, 1 },
-             { "Quarter", { 3.25f, 4.5f, 25, 20 }, {}, 2 }, { "Third", { 0, 0, 33, 27 }, {}, 1 },
-             { "Turned", { 20, 10, 24, 20 }, AffineTransform::makeRotation(0.4f), 2 },
-             { "Zoomed", { 1, 1, 10, 8 }, AffineTransform::makeScale(2, 2), 2 } })
+    for (const Case& c : { Case { "Quarter", { 3, 4, 25, 20 }, {}, 1 },
+             { "Eighth", { 3.25f, 4.5f, 12.5f, 10 }, {}, 2 }, { "Sixth", { 0, 0, 16.5f, 13.5f }, {}, 1 },
+             { "Turned", { 20, 10, 12, 10 }, AffineTransform::makeRotation(0.4f), 2 },
+             { "Zoomed", { 1, 1, 5, 4 }, AffineTransform::makeScale(2, 2), 2 } })
         for (const int width : { 100, 101 }) {
             const auto image = noise(width, 80);
             EXPECT_EQ(pixelsOf(*image, c.rect, c.transform),

@@ -166,7 +166,8 @@ bool DrawingEngine::drawPatternWithAlpha(const Paint& paint, const std::function
     return true;
 }
 
-// By the image that it was halved from, so that a reduced image looks like the image itself.
+// By the image that it was halved from, so that a reduced image looks like the image itself. Two pixels for
+// each of the device's are left to average, since between one and two the means of some would count twice.
 void DrawingEngine::drawImageInDetail(const Rect& rect, const Image& image)
 {
     int halvings = -image.halvings();
@@ -175,7 +176,7 @@ void DrawingEngine::drawImageInDetail(const Rect& rect, const Image& image)
         const Size source = image.sourceSize();
         double scale = std::max(std::hypot(t.m11, t.m12) * std::abs(rect.size.width) / source.width,
             std::hypot(t.m21, t.m22) * std::abs(rect.size.height) / source.height);
-        for (; scale <= 0.5 && scale > 0; scale *= 2)
+        for (; scale <= 0.25 && scale > 0; scale *= 2)
             ++halvings;
     }
     const auto reduced = halvings > 0 ? image.reduced(halvings) : nullptr;
