@@ -1,8 +1,10 @@
 #include <vxr/geometry/curves/MeasuredRun.h>
 
+#include <vxr/platform/graphics/path/StrokeSegmenter.h>
+
 namespace vxr {
 
-MeasuredRun::MeasuredRun(StrokeRun run, double blend)
+MeasuredRun::MeasuredRun(TangentRun run, double blend)
     : mRun(std::move(run))
     , mBlend(blend)
 {
@@ -12,7 +14,7 @@ MeasuredRun::MeasuredRun(StrokeRun run, double blend)
         mLengths.push_back(mLengths.back() + (vertex(i).p - vertex(i - 1).p).length());
     for (std::size_t i = mRun.closed ? 0 : 1; i + !mRun.closed < count; ++i) {
         constexpr double leastCosine = 0.995;
-        const StrokeVertex& v = mRun.vertices[i];
+        const TangentVertex& v = mRun.vertices[i];
         if (v.corner && dot(v.in, v.out) < leastCosine)
             mCorners.push_back(mLengths[i]);
     }
@@ -22,7 +24,7 @@ MeasuredRun::MeasuredRun(StrokeRun run, double blend)
 /// between the directions there.
 Vec2 MeasuredRun::directionWithin(std::size_t segment, double along) const
 {
-    const StrokeVertex &from = vertex(segment), &to = vertex(segment + 1);
+    const TangentVertex &from = vertex(segment), &to = vertex(segment + 1);
     const double length = mLengths[segment + 1] - mLengths[segment];
     const double t = length > 0 ? along / length : 0;
     Vec2 direction = from.out * (1 - t) + to.in * t;
@@ -70,7 +72,7 @@ MeasuredRun::Place MeasuredRun::at(double distance) const
 std::vector<MeasuredRun> measuredRuns(const Path& path, double tolerance, double blend)
 {
     std::vector<MeasuredRun> runs;
-    StrokeRunBuilder builder(tolerance, tolerance / 8, [&](const StrokeRun& run) {
+    TangentRunBuilder builder(tolerance, tolerance / 8, [&](const TangentRun& run) {
         MeasuredRun measured(run, blend);
         if (measured.length() > 0)
             runs.push_back(std::move(measured));

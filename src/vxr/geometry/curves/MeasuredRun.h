@@ -1,6 +1,6 @@
 #pragma once
 
-#include <vxr/platform/graphics/path/PathStrokeRun.h>
+#include <vxr/geometry/curves/TangentRun.h>
 
 namespace vxr {
 
@@ -9,7 +9,7 @@ class MeasuredRun {
 public:
     /// `blend`: how far before and after a corner the direction begins to turn into that beyond it, so that
     /// what is laid along the path leaves no gap on the outer side.
-    MeasuredRun(StrokeRun run, double blend);
+    MeasuredRun(TangentRun run, double blend);
 
     struct Place {
         Vec2 p;
@@ -25,9 +25,9 @@ public:
 
 private:
     Vec2 directionWithin(std::size_t segment, double along) const;
-    const StrokeVertex& vertex(std::size_t i) const { return mRun.vertices[i % mRun.vertices.size()]; }
+    const TangentVertex& vertex(std::size_t i) const { return mRun.vertices[i % mRun.vertices.size()]; }
 
-    StrokeRun mRun;
+    TangentRun mRun;
     double mBlend;
     std::vector<double> mLengths; ///< at each vertex, and at the end of the closing segment
     std::vector<double> mCorners;
