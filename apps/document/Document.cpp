@@ -31,7 +31,7 @@ std::uint32_t checksumOf(const std::string& bytes)
 
 } // namespace
 
-Document::Document() = default;
+Document::Document() { registerModelClasses(); }
 Document::~Document() = default;
 
 std::unique_ptr<Document> Document::open(const std::string& path)
