@@ -147,12 +147,15 @@ void addStrokeContours(const Path& path, ContourSink& sink)
     LineStyle style = path.lineStyle();
     style.cap = LineCap::Butt;
     style.dash.clear();
+    // No finer than a millionth of the path, which bounds what a hostile flatness costs.
+    const Size extent = finite.bounds().size;
+    const float tolerance = std::max(std::max(extent.width, extent.height) * 1e-6f, path.flatness());
     PathStroker stroker;
-    stroker.stroke(finite, style, path.flatness(), sink);
+    stroker.stroke(finite, style, tolerance, sink);
     if (style.join == LineJoin::Round) {
         // Round segments begin with a disc, and end square.
         style.cap = LineCap::Round;
-        stroker.stroke(startsOfOpenRuns(finite), style, path.flatness(), sink);
+        stroker.stroke(startsOfOpenRuns(finite), style, tolerance, sink);
     }
 }
 

@@ -199,8 +199,9 @@ private:
         addTo(clipper, a, ClipperLib::ptSubject, axis);
         addTo(clipper, b, ClipperLib::ptClip, axis);
         ClipperLib::Paths contours;
+        // Clipper gives up on some degenerate contours, which then have no area.
         if (!clipper.Execute(mOperation, contours, mRule, mRule))
-            throw GenericException("Polygon clipping failed.");
+            return;
         // While few contours lie side by side, and none of another cluster is near.
         const std::vector<int> holes = holeFlags(contours);
         mHoles.insert(mHoles.end(), holes.begin(), holes.end());
