@@ -156,10 +156,7 @@ void CairoEngine::drawImage(const Rect& rect, const Image& image)
     } else if (image.layout().smooth) {
         setSmoothSource(cr(), image, toDevice);
     } else {
-        // A reduced image has less than two pixels for one of the device's: its nearest four are all.
-        setSteadySource(cr(), surface, toDevice,
-            image.halvings() > 0 && state.quality != InterpolationQuality::None ? CAIRO_FILTER_BILINEAR
-                                                                                : filterFor(state.quality));
+        setSteadySource(cr(), surface, toDevice, filterFor(state.quality));
     }
     if (!onPaper) {
         // Nothing bleeds in from beside the image.
