@@ -1,5 +1,5 @@
-// What documents cost: pages beside the parsing and serialising of their own bytes, and opening a long document
-// beside opening a short one.
+// What documents cost: pages beside the parsing and serialising of their own bytes, and opening a long
+// document beside opening a short one.
 
 #include <bench/Compare.h>
 
@@ -26,10 +26,12 @@ using namespace vxr::bench;
 std::shared_ptr<VXRRenderable> styledShape(int i)
 {
     const float x = static_cast<float>(i % 100) * 8.37f, y = static_cast<float>(i / 100) * 10.61f;
-    auto shape = VXRShape::shapeWithBezierPath<app::DrawnShape>(Path::pathWithOvalInRect({ x, y, 17.3f, 11.9f }));
+    auto shape
+        = VXRShape::shapeWithBezierPath<app::DrawnShape>(Path::pathWithOvalInRect({ x, y, 17.3f, 11.9f }));
     const auto color = Color::colorWithCalibratedRGB(static_cast<float>(i % 7) / 6, 0.3f, 0.61f);
     if (i % 4 == 0)
-        shape->setFill(VXRTransformGradient::linearGradientWithStartColorEndColor(color, Color::blackColor()));
+        shape->setFill(
+            VXRTransformGradient::linearGradientWithStartColorEndColor(color, Color::blackColor()));
     else
         shape->setFill(color);
     shape->setStroke(VXRStroke::strokeWithColorWidth(color, 0.7f));

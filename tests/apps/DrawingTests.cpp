@@ -302,7 +302,8 @@ TEST(Drawing, SamplesDrawOnEveryRoad)
         ShownPage window(page, true);
         window.display();
         const Picture first = window.picture();
-        EXPECT_LE(compare(direct, first, 0).largest, 1) << name;
+        // Without a layer the paints of one object round one after the other.
+        EXPECT_LE(compare(direct, first, 0).largest, 2) << name;
         window.display();
         EXPECT_EQ(compare(first, window.picture(), 0).largest, 0) << name;
         std::string pdf;

@@ -158,7 +158,8 @@ Command parseCommandLine(int argc, const char* const* argv)
 
     RenderOptions render;
     RenderWords words;
-    CLI::App* renderCommand = program.add_subcommand("render", "Draw SVG files, documents and pictures as PNG or PDF");
+    CLI::App* renderCommand
+        = program.add_subcommand("render", "Draw SVG files, documents and pictures as PNG or PDF");
     addRender(*renderCommand, render, words);
 
     ConvertOptions convert;

@@ -147,9 +147,8 @@ void addStrokeContours(const Path& path, ContourSink& sink)
     LineStyle style = path.lineStyle();
     style.cap = LineCap::Butt;
     style.dash.clear();
-    // No finer than a millionth of the path, which bounds what a hostile flatness costs.
-    const Size extent = finite.bounds().size;
-    const float tolerance = std::max(std::max(extent.width, extent.height) * 1e-6f, path.flatness());
+    finite.setFlatness(path.flatness());
+    const float tolerance = VXRAreaFlatness(finite);
     PathStroker stroker;
     stroker.stroke(finite, style, tolerance, sink);
     if (style.join == LineJoin::Round) {

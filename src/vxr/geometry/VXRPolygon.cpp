@@ -139,14 +139,23 @@ gpc_polygon* emptyPolygon()
     return polygon;
 }
 
+float VXRAreaFlatness(const Path& path)
+{
+    const Size extent = path.bounds().size;
+    return std::max(std::max(extent.width, extent.height) * 1e-6f, path.flatness());
+}
+
 gpc_polygon* polygonFromBezier(const Path& path)
 {
     VXRPolygonOwner polygon(emptyPolygon());
     const auto kinds = path.kinds();
-    if (std::find(kinds.begin(), kinds.end(), PathElementKind::CurveTo) == kinds.end())
+    if (std::find(kinds.begin(), kinds.end(), PathElementKind::CurveTo) == kinds.end()) {
         addFlatPath(path, *polygon);
-    else
-        addFlatPath(*path.bezierPathByFlatteningPath(), *polygon);
+    } else {
+        Path outline(path);
+        outline.setFlatness(VXRAreaFlatness(path));
+        addFlatPath(*outline.bezierPathByFlatteningPath(), *polygon);
+    }
     return polygon.release();
 }
 

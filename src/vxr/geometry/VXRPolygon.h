@@ -27,6 +27,10 @@ VXR_EXPORT void VXRUniteNonZero(const gpc_polygon& polygon, gpc_polygon& result)
 /// A new, empty set from malloc.
 VXR_EXPORT gpc_polygon* emptyPolygon();
 
+/// How finely areas follow the curves of a path: its flatness, but no finer than a millionth of its extent,
+/// which bounds what hostile paths cost.
+VXR_EXPORT float VXRAreaFlatness(const Path& path);
+
 /// The flattened path as contours, open sub-paths closed. A vertex within 0.7 of the last kept one in
 /// both axes is left out; a lone move-to becomes the first vertex of the following sub-path.
 VXR_EXPORT gpc_polygon* polygonFromBezier(const Path& path);

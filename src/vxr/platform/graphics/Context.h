@@ -127,7 +127,8 @@ public:
     /// out a level or two different; a layer that reaches far enough looks the same whatever part is seen.
     /// Part of the state; within a layer there is none.
     virtual void setLayerReach(const Rect&) { }
-    /// Whether outlines are cut like that, so that pixels differ by the clip unless drawn through such layers.
+    /// Whether outlines are cut like that, so that pixels differ by the clip unless drawn through such
+    /// layers.
     virtual bool clipChangesPixels() const { return false; }
 
     // Images and shadings.

@@ -190,7 +190,8 @@ private:
     CairoSurfacePtr recordedPeriod(double columns, double rows) const
     {
         return recordDrawing({ 0, 0, columns, rows }, rows, mOnPaper, [&](Context& context) {
-            drawPatternPeriod(context, mPattern, static_cast<float>(columns / mXStep), static_cast<float>(rows / mYStep));
+            drawPatternPeriod(
+                context, mPattern, static_cast<float>(columns / mXStep), static_cast<float>(rows / mYStep));
         });
     }
 

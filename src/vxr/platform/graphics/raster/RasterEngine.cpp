@@ -13,7 +13,8 @@ namespace {
 /// The part of the flatness by which curves may be off: with edges smoothed over a pixel more can be seen.
 constexpr double shareOfFlatness = 1 / 18.0;
 
-constexpr double farthestReach = 1 << 17; ///< of strokes whose centre lines are cut; those of larger pens cost no more
+constexpr double farthestReach
+    = 1 << 17; ///< of strokes whose centre lines are cut; those of larger pens cost no more
 
 std::array<Point, 4> cornersOf(const Rect& r)
 {
