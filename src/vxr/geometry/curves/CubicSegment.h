@@ -35,7 +35,8 @@ VXR_EXPORT bool isStraight(const Cubic& curve, double tolerance);
 
 // Lengths.
 
-/// Error of `lengthOf` relative to the length; at a cusp up to a thousand times as much.
+/// The fraction of the length within which two orders of quadrature agree. The error of `lengthOf` may be
+/// larger; the tests hold it to 1e-6 of the length.
 inline constexpr double lengthPrecision = 1e-9;
 
 /// Gauss-Legendre quadrature of order 16 on pieces that are halved until two orders agree.

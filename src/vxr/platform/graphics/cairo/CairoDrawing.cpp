@@ -1,8 +1,8 @@
 #include <vxr/platform/graphics/Image.h>
 #include <vxr/platform/graphics/cairo/CairoEngine.h>
 #include <vxr/platform/graphics/cairo/CairoPathClip.h>
+#include <vxr/platform/graphics/path/PointMagnitude.h>
 
-#include <bit>
 #include <cmath>
 
 namespace vxr {
@@ -11,19 +11,6 @@ namespace {
 
 /// cairo keeps 24 bits before the binary point and wraps beyond; this leaves room for its own sums.
 constexpr double engineRange = 1e6;
-
-/// The largest magnitude among the coordinates; infinity or NaN when one is not a finite number. The
-/// bits of floats without their sign order like the numbers, with infinity and NaN above all.
-float largestMagnitude(std::span<const Point> points)
-{
-    std::uint32_t largest = 0;
-    for (const Point p : points) {
-        const std::uint32_t x = std::bit_cast<std::uint32_t>(p.x) & 0x7fffffffu;
-        const std::uint32_t y = std::bit_cast<std::uint32_t>(p.y) & 0x7fffffffu;
-        largest = std::max(largest, std::max(x, y));
-    }
-    return std::bit_cast<float>(largest);
-}
 
 void appendElements(cairo_t* cr, const Path& path)
 {
