@@ -1,7 +1,10 @@
-// The loops of `ImageSampler` for one instruction set, included behind
-// SpanLoops.h.
+#pragma once
+
+// The loops of `ImageSampler` for one instruction set; see SpanLoops.h.
 
 #include <vxr/platform/graphics/pixels/ImageGrid.h>
+#include <vxr/platform/graphics/pixels/SpanKernels.h>
+#include <vxr/platform/graphics/pixels/SpanVectors.h>
 
 namespace vxr {
 
