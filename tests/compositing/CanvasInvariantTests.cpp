@@ -19,8 +19,16 @@ constexpr float zooms[] = { 1, 2, 1.5f, 0.75f, 1.37f };
 std::string edit(PageScene& scene, RandomPage& random)
 {
     auto& page = scene.canvas->page;
-    const std::size_t index = std::size_t(random.below(int(page.size())));
-    auto& shape = static_cast<VXRShape&>(*page[index]);
+    std::size_t index = std::size_t(random.below(int(page.size())));
+    while (!dynamic_cast<VXRShape*>(page[index].get()))
+        index = (index + 1) % page.size();
+    const std::shared_ptr<VXRRenderable> held = page[index];
+    auto& shape = static_cast<VXRShape&>(*held);
+    const struct Following {
+        PageCanvas& canvas;
+        VXRShape& changed;
+        ~Following() { canvas.updateReflectionsOf(changed); }
+    } following { *scene.canvas, shape };
     switch (random.below(14)) {
     case 0:
         shape.offsetBy(float(random.below(41) - 20), float(random.below(41) - 20));
@@ -64,6 +72,8 @@ std::string edit(PageScene& scene, RandomPage& random)
     case 11:
         scene.canvas->add(random.shape());
         scene.canvas->remove(std::size_t(random.below(int(page.size()))));
+        if (random.oneIn(2))
+            scene.canvas->reflect(page.back(), random.between(0.2f, 1));
         return "add and remove";
     case 12:
         scene.canvas->scrollPoint({ random.between(-50, 400), random.between(-50, 300) });
@@ -101,8 +111,11 @@ TEST_P(CanvasRoads, IncrementalEqualsFullAfterAnyEdits)
     scene.window.displayIfNeeded();
     RandomPage random(17, pageSize);
     random.makesPictures = !GetParam().compositor;
-    for (int i = 0; i < 60; ++i)
+    for (int i = 0; i < 60; ++i) {
         scene.canvas->add(random.shape());
+        if (i % 10 == 0)
+            scene.canvas->reflect(scene.canvas->page.back(), random.between(0.2f, 1));
+    }
     scene.canvas->setScale(GetParam().zoom);
     scene.window.displayIfNeeded();
 
@@ -233,8 +246,11 @@ TEST(Canvas, RoadsAgreeAtWholeZooms)
             large->offsetTo({ -450, -450 });
             random.restyle(*large);
             scene.canvas->add(large);
-            for (int i = 0; i < 60; ++i)
+            for (int i = 0; i < 60; ++i) {
                 scene.canvas->add(random.shape());
+                if (i % 15 == 0)
+                    scene.canvas->reflect(scene.canvas->page.back(), random.between(0.2f, 1));
+            }
             std::vector<std::uint32_t> composited, direct;
             drawOnBothRoads(scene, zoom, composited, direct);
             EXPECT_TRUE(samePixels(composited, direct, scene.window.width(), 2)) << zoom << " seed " << seed;

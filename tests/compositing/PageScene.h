@@ -13,6 +13,7 @@
 #include <vxr/platform/views/Window.h>
 #include <vxr/protocols/VXRRenderableLayer.h>
 #include <vxr/renderables/VXRLineEnd.h>
+#include <vxr/renderables/VXRReflectionRenderable.h>
 #include <vxr/renderables/VXRRegularPolygon.h>
 #include <vxr/renderables/VXRShape.h>
 #include <vxr/renderables/VXRStar.h>
@@ -36,6 +37,26 @@ public:
         renderable->setCanvas(this);
         renderable->invalidate();
         page.push_back(std::move(renderable));
+    }
+    /// A reflection of an object of the page, in front of everything.
+    void reflect(const std::shared_ptr<VXRRenderable>& reflected, float opacity)
+    {
+        auto reflection = std::make_shared<VXRReflectionRenderable>();
+        reflection->setStartOpacity(opacity);
+        reflection->setRenderableToReflect(reflected);
+        add(std::move(reflection));
+    }
+    /// Has the reflections of a changed object follow it.
+    void updateReflectionsOf(const VXRRenderable& changed)
+    {
+        for (const auto& object : page) {
+            const auto reflection = std::dynamic_pointer_cast<VXRReflectionRenderable>(object);
+            if (!reflection || reflection->reflectedRenderable().get() != &changed)
+                continue;
+            reflection->invalidate();
+            reflection->updateOffset();
+            updateReflectionsOf(*reflection);
+        }
     }
     void remove(std::size_t index)
     {
