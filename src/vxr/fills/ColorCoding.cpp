@@ -12,7 +12,7 @@ namespace vxr {
 
 namespace {
 
-/// The spaces by the number that stands for them in the stream.
+/// The colour spaces, indexed by their number in the stream.
 constexpr std::string_view spaces[] = { NSCalibratedWhiteColorSpace, NSCalibratedRGBColorSpace,
     NSDeviceWhiteColorSpace, NSDeviceRGBColorSpace, NSDeviceCMYKColorSpace };
 
@@ -21,7 +21,7 @@ void encodeColor(const Object& object, VXACoder& coder)
     const auto& color = static_cast<const Color&>(object);
     const auto space = std::find(std::begin(spaces), std::end(spaces), color.colorSpaceName());
     if (space == std::end(spaces)) {
-        // A named colour has no components: it is coded as it draws.
+        // A named colour has no components: the colour it resolves to is written.
         encodeColor(*Color::colorWithCalibratedWhite(0, color.alphaComponent()), coder);
         return;
     }

@@ -2,7 +2,7 @@
 
 namespace vxr {
 
-/// Teaches the sequential coder to write and read colours. Does nothing after the first call.
+/// Registers the coding of colours with the sequential coder. Does nothing after the first call.
 void registerColorCoding();
 
 } // namespace vxr

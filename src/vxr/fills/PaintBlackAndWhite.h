@@ -4,7 +4,7 @@ namespace vxr {
 
 class VXRPaintedShape;
 
-/// Fills the shape white when its canvas renders black and white, and says whether it did.
+/// Fills the shape white if its canvas renders in black and white. Returns whether it did.
 bool paintedBlackAndWhite(VXRPaintedShape& shape);
 
 } // namespace vxr

@@ -54,8 +54,8 @@ void VXRAngleGradient::setGradientAngleInDegrees(float degrees)
     setGradientAngle(static_cast<float>(degrees * std::numbers::pi / 180));
 }
 
-// The rectangle is turned so that the direction lies along x. Its corners then stand in opposite pairs
-// around the middle, and of one pair's and the other's the one nearer to the axis reaches further along it.
+// The rectangle is rotated so that the direction lies along x. Its corners then form two pairs of opposites
+// about the centre; the member of a pair that lies closer to the axis reaches further along it.
 float VXRAngleGradient::_bestGradientLengthForRectAtAngle(const Rect& rect, float angle) const
 {
     const Point middle { rect.size.width * 0.5f, rect.size.height * 0.5f };
@@ -92,7 +92,7 @@ void VXRAngleGradient::drawShadingAround(Context& context, Point center, float l
     drawShading(context, p2, -_angle, VXRDistance(p2, p1));
 }
 
-/// The ramp over `area` turned about its middle, wide enough to cover it. Nothing without colours.
+/// The ramp over `area`, rotated about its centre and wide enough to cover it. Draws nothing without colours.
 void VXRAngleGradient::drawRamp(Context& context, const Rect& area) const
 {
     const auto start = firstColor(), end = lastColor();

@@ -6,12 +6,12 @@ namespace vxr {
 
 /// A gradient across a shape or rectangle at an angle.
 ///
-/// It draws the ramp of its first and last colour, stretched over the area: stops between them, the type
-/// and the opacity play no part in that. A subclass that answers true from `usesQuartzShadings` draws
-/// the shading of all stops instead, with its opacity.
+/// Draws the ramp from its first to its last colour, stretched over the area; the stops between them, the
+/// type and the opacity are ignored. A subclass that returns true from `usesQuartzShadings` draws the shading
+/// of all stops instead, with its opacity.
 class VXR_EXPORT VXRAngleGradient : public VXRGradient {
 public:
-    VXRAngleGradient(); ///< without stops: for copying and reading
+    VXRAngleGradient(); ///< no stops: for copying and reading
     VXRAngleGradient(std::shared_ptr<Color> startColor, std::shared_ptr<Color> endColor, int type);
     ~VXRAngleGradient() override;
 
@@ -28,16 +28,16 @@ public:
     void paintShape(VXRPaintedShape& shape) override;
     void paintRect(const Rect& rect) override;
 
-    /// Half the extent of a rectangle of that size along the direction `angle`.
+    /// Half the extent of a rectangle of this size along the direction `angle`.
     float _bestGradientLengthForRectAtAngle(const Rect& rect, float angle) const;
-    /// The same for the shape's outline, with the shape's own rotation taken away.
+    /// The same for the shape's outline, with the shape's own rotation removed.
     float _bestGradientLengthForShapeAtAngle(const VXRPaintedShape& shape, float angle) const;
 
     bool isEqual(const Object& other) const override; ///< equal gradients at equal angles
     std::shared_ptr<VXRGradient> copyWithZone() const override;
 
 private:
-    /// The shading across `length` on both sides of `center`, the gradient's opacity applied.
+    /// The shading across `length` on both sides of `center`, with the gradient's opacity.
     void drawShadingAround(Context& context, Point center, float length) const;
     void drawRamp(Context& context, const Rect& area) const;
 

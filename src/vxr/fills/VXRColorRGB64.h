@@ -6,10 +6,10 @@
 
 namespace vxr {
 
-/// A colour of four 16-bit channels, from which ramps are made.
+/// A colour of four 16-bit channels, used to build ramps.
 class VXR_EXPORT VXRColorRGB64 final : public Object {
 public:
-    /// Calibrated RGB components times 65535, truncated; components beyond [0, 1] are taken to its ends.
+    /// Calibrated RGB components times 65535, truncated. Components are clamped to [0, 1].
     explicit VXRColorRGB64(Color& color);
     VXRColorRGB64(std::uint16_t red, std::uint16_t green, std::uint16_t blue, std::uint16_t alpha);
     ~VXRColorRGB64() override;
@@ -18,10 +18,10 @@ public:
 
     void getRedGreenBlueAlpha(
         std::uint16_t* red, std::uint16_t* green, std::uint16_t* blue, std::uint16_t* alpha) const;
-    /// This colour at 0, `other` at 1; each channel mixed in single precision and truncated.
+    /// Interpolates from this colour (0) to `other` (1); channels are mixed in single precision and truncated.
     std::shared_ptr<VXRColorRGB64> blendedColorWithFractionOfColor(
         float fraction, const VXRColorRGB64& other) const;
-    VXRColorRGB64 blended(float fraction, const VXRColorRGB64& other) const; ///< the same as a value
+    VXRColorRGB64 blended(float fraction, const VXRColorRGB64& other) const; ///< the same, returned as a value
 
 private:
     std::uint16_t _red = 0, _green = 0, _blue = 0, _alpha = 0;

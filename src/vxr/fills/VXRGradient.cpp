@@ -13,7 +13,7 @@ namespace vxr {
 
 namespace {
 
-/// The colour between two stops; theirs when they are one. None when one is missing.
+/// The colour between two stops; their own if they are the same stop. Null if one has no colour.
 std::shared_ptr<Color> colorBetween(const std::shared_ptr<VXRGradientStop>& before,
     const std::shared_ptr<VXRGradientStop>& after, float fraction)
 {
@@ -112,7 +112,7 @@ void VXRGradient::insertStopAtFraction(float fraction)
 void VXRGradient::removeStop(const VXRGradientStop& stop)
 {
     requireRemovable(mStops.size());
-    const VXRGradientStop sought(stop.color(), stop.fraction()); // `stop` may go with the first removal
+    const VXRGradientStop sought(stop.color(), stop.fraction()); // `stop` may be destroyed by the first removal
     std::erase_if(mStops, [&](const auto& other) { return sought.isEqual(*other); });
     releaseShadingRef();
 }
@@ -151,14 +151,14 @@ void VXRGradient::evenlyDistributeStops()
     releaseShadingRef();
 }
 
-/// Stops ascend unless a gradient that shares them has moved them, or a list was given in another order.
+/// Stops ascend unless a gradient that shares them has moved them, or an unsorted list was set.
 bool VXRGradient::stopsAscend() const
 {
     if (mOrderKnownAt != VXRGradientStop::moves()) {
         mOrderKnownAt = VXRGradientStop::moves();
         float last = 0;
         mAscends = std::all_of(mStops.begin(), mStops.end(), [&](const auto& stop) {
-            const bool follows = stop->fraction() >= last; // not if it is not a number
+            const bool follows = stop->fraction() >= last; // false for NaN
             last = stop->fraction();
             return follows;
         });
@@ -239,7 +239,7 @@ std::shared_ptr<const Shading> VXRGradient::shadingRef() const
     if (mShadingRef && stops == mSampledStops)
         return mShadingRef;
 
-    // Where stops meet the colour may jump, and elsewhere it bends.
+    // The colour may jump where stops coincide, and its slope changes at every stop.
     std::vector<float> hints;
     for (const SampledStop& stop : stops)
         hints.push_back(stop.fraction);

@@ -6,7 +6,7 @@
 
 namespace vxr {
 
-/// A colour at a place along a gradient. Gradients that were copied from one another share their stops.
+/// A colour at a position along a gradient. Copies of a gradient share their stops.
 class VXR_EXPORT VXRGradientStop : public Object {
 public:
     VXRGradientStop(std::shared_ptr<Color> color, float fraction);
@@ -22,8 +22,8 @@ public:
     std::shared_ptr<VXRGradientStop> cloneWithColor(std::shared_ptr<Color> color) const;
     std::shared_ptr<VXRGradientStop> copyWithZone() const; ///< with the same colour object
 
-    /// For readers that repair damaged gradients: moves the stop without regard to its neighbours. Clamped
-    /// into [0, 1] like every fraction.
+    /// For readers that repair damaged gradients: moves the stop regardless of its neighbours. Clamped to
+    /// [0, 1] like every fraction.
     void p_setFractionForUnarchivingFixup(float fraction) { _setFraction(fraction); }
 
     bool isEqual(const Object& other) const override; ///< equal fractions and colours
@@ -32,9 +32,9 @@ private:
     friend class VXRGradient;
 
     void _setColor(std::shared_ptr<Color> color);
-    void _setFraction(float fraction); ///< clamped into [0, 1]
+    void _setFraction(float fraction); ///< clamped to [0, 1]
 
-    /// How often stops have been moved, any of them: gradients that share a stop don't know of each other.
+    /// Counts the moves of all stops in the process: gradients that share a stop do not know each other.
     static std::uint64_t moves() { return sMoves; }
     static std::uint64_t sMoves;
 

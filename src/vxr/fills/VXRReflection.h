@@ -4,8 +4,8 @@
 
 namespace vxr {
 
-/// Reflection style of a renderable: how opaque the mirrored copy starts. The opacity takes no part in
-/// equality and is not copied.
+/// Reflection style of a renderable: the initial opacity of the mirrored copy. The opacity is ignored by
+/// equality and by copying.
 class VXR_EXPORT VXRReflection : public Object {
 public:
     static std::shared_ptr<VXRReflection> reflection(); ///< opacity 0.5
@@ -21,7 +21,7 @@ public:
     virtual std::shared_ptr<VXRReflection> copyWithZone() const; ///< with opacity 0.5
 
 protected:
-    // A subclass answers for its own class.
+    // Subclasses override this to return their own class.
     virtual bool isOfReceiversClass(const Object& other) const;
 
 private:

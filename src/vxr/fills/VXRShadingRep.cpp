@@ -13,7 +13,7 @@ namespace vxr {
 
 namespace {
 
-/// Where a column stands between the colours. The last one doesn't reach the end colour.
+/// The position of a column between the colours. The last column does not reach the end colour.
 constexpr float fractionOfColumn(int x) { return static_cast<float>(x) * 0.001953125f; }
 
 std::uint8_t byteOf(float component)
@@ -94,7 +94,7 @@ void VXRShadingRep::_buildBitmapRepresentation32()
     makeImage();
 }
 
-/// An image made before keeps the pixels that it was made of.
+/// An image made earlier keeps its own pixels.
 void VXRShadingRep::renewData()
 {
     if (_data.use_count() > 1)

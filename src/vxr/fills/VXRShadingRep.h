@@ -9,21 +9,21 @@ namespace vxr {
 
 class Image;
 
-/// A ramp between two colours as an image, 512 pixels along and 128 across. It is computed in 16 bits a
-/// channel and reduced to 8 by error diffusion, so that it shows no bands however far it is stretched.
+/// A ramp between two colours as an image of 512 x 128 pixels. Computed with 16 bits per channel and
+/// reduced to 8 by error diffusion, so that it shows no banding however far it is stretched.
 class VXR_EXPORT VXRShadingRep : public Object {
 public:
     static constexpr int width = 512;
     static constexpr int height = 128;
-    static constexpr std::size_t bytes = std::size_t { width } * height * 4; ///< of one ramp's pixels
+    static constexpr std::size_t bytes = std::size_t { width } * height * 4; ///< size of one ramp's pixels
 
     VXRShadingRep(); ///< white to black, not updated yet
     ~VXRShadingRep() override;
     VXRShadingRep(const VXRShadingRep&) = delete;
     VXRShadingRep& operator=(const VXRShadingRep&) = delete;
 
-    /// The ramp of that pair, from the cache, from the finished ramps behind it, or made; put in front of the
-    /// cache. Only the cache owns it: use it and let it go.
+    /// The ramp of this pair: from the cache, from the store of finished ramps, or newly built. Becomes the
+    /// most recent in the cache. The cache owns it: do not keep the pointer.
     static std::shared_ptr<VXRShadingRep> shadingWithStartEnd(
         const std::shared_ptr<Color>& start, const std::shared_ptr<Color>& end);
 
@@ -31,10 +31,10 @@ public:
     void setStartColor(std::shared_ptr<Color> color) { _startColor = std::move(color); }
     const std::shared_ptr<Color>& endColor() const { return _endColor; }
     void setEndColor(std::shared_ptr<Color> color) { _endColor = std::move(color); }
-    float angle() const { return _angle; } ///< kept with the ramp, which doesn't depend on it
+    float angle() const { return _angle; } ///< stored with the ramp, which does not depend on it
 
-    void update(); ///< makes the image of the present colours
-    /// Straight alpha, or none where both colours are opaque. None before the first `update`.
+    void update(); ///< builds the image from the present colours
+    /// Straight alpha; no alpha channel if both colours are opaque. Null before the first `update`.
     std::shared_ptr<const Image> imageRef() const { return _imageRef; }
 
 protected:
@@ -43,7 +43,7 @@ protected:
 
     void _buildBitmapRepresentation64();
     void _errorDither();
-    void _buildBitmapRepresentation32(); ///< the same ramp made directly in 8 bits, not dithered
+    void _buildBitmapRepresentation32(); ///< builds the same ramp directly in 8 bits, without dithering
 
 private:
     void renewData();
@@ -53,7 +53,7 @@ private:
     std::shared_ptr<Color> _endColor;
     float _angle = 0;
     std::shared_ptr<std::vector<std::uint8_t>> _data; ///< shared with the image made over it
-    std::vector<std::uint16_t> _bigData; ///< while `update` runs: what every row is before it is dithered
+    std::vector<std::uint16_t> _bigData; ///< used by `update`: the undithered values common to all rows
     std::shared_ptr<const Image> _imageRef;
 };
 

@@ -9,8 +9,8 @@
 
 namespace vxr {
 
-/// The ramps used last, at most 64, the most recent first. Finished ramps that no longer are among them wait
-/// behind, within a limit of bytes, so that a page with many gradients builds none of them twice.
+/// The 64 most recently used ramps, most recent first. Ramps that drop out move to a second store, limited
+/// in bytes, so that a page with many gradients builds none of them twice.
 class VXR_EXPORT VXRShadingRepCache final : public Object {
 public:
     static constexpr std::size_t capacity = 64;
@@ -18,26 +18,26 @@ public:
     VXRShadingRepCache();
     ~VXRShadingRepCache() override;
 
-    static VXRShadingRepCache& instance(); ///< the one of the process
+    static VXRShadingRepCache& instance(); ///< the shared cache of the process
 
-    /// The ramp between colours equal to these, which becomes the most recent. None when there is none.
+    /// The ramp between equal colours, which becomes the most recent. Null if the cache has none.
     std::shared_ptr<VXRShadingRep> shadingWithStartEnd(const Color& start, const Color& end);
-    /// Puts a ramp in front. In a full cache the one that was not used for longest goes, to the finished
-    /// ones.
+    /// Puts a ramp in front. If the cache is full, the least recently used ramp moves to the store of
+    /// finished ramps.
     void addShadingRep(std::shared_ptr<VXRShadingRep> rep);
 
-    /// Takes a ramp between equal colours from the finished ones. None when it is not there.
+    /// Takes a ramp between equal colours out of the store of finished ramps. Null if there is none.
     std::shared_ptr<VXRShadingRep> takeFinished(const Color& start, const Color& end);
-    /// What finished ramps may hold together; those that went first are freed. 0 keeps none.
+    /// Limits the size of the finished ramps; the oldest are freed first. 0 keeps none.
     void setFinishedByteLimit(std::size_t bytes);
     std::size_t finishedBytes() const { return mFinished.size() * VXRShadingRep::bytes; }
 
 private:
     struct Entry {
-        std::size_t hash; ///< of the colours
+        std::size_t hash; ///< hash of the two colours
         std::shared_ptr<VXRShadingRep> rep;
     };
-    using Finished = std::list<Entry>; ///< the one that went last in front
+    using Finished = std::list<Entry>; ///< most recently added in front
 
     void keepFinished(std::shared_ptr<VXRShadingRep> rep);
     void dropFinishedBeyondLimit();
@@ -45,7 +45,7 @@ private:
     std::vector<std::shared_ptr<VXRShadingRep>> _cachedShadings;
     Finished mFinished;
     std::unordered_multimap<std::size_t, Finished::iterator> mFinishedByColors;
-    std::size_t mFinishedByteLimit = std::size_t { 288 } << 20; ///< a little more than 1,000 ramps
+    std::size_t mFinishedByteLimit = std::size_t { 288 } << 20; ///< slightly more than 1,000 ramps
 };
 
 } // namespace vxr

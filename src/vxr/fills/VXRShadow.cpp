@@ -26,7 +26,7 @@ constexpr double radiansPerDegree = 0.017453292519943295;
 std::shared_ptr<VXRShadow> VXRShadow::initWithAngleOffsetRadiusOpacityColor(
     float angle, float offset, int radius, float opacity, std::shared_ptr<Color> color)
 {
-    // Black is recognised by identity: an equal colour of its own makes an ordinary shadow.
+    // Black is recognised by identity: a different object of equal colour makes an ordinary shadow.
     if (angle == 0 && offset == 0 && radius == 0 && opacity == 0 && (!color || color == Color::blackColor()))
         return nullShadow();
     return std::shared_ptr<VXRShadow>(new VXRShadow(angle, offset, radius, opacity, std::move(color)));
@@ -116,7 +116,7 @@ bool VXRShadow::differenceRequiresRebuilding(const VXRShadow* other) const
 
 std::shared_ptr<VXRShadow> VXRShadow::desaturatedShadow() const
 {
-    // The null shadow is shared and has nothing to desaturate.
+    // The null shadow is shared and has no colour to desaturate.
     return makeOfSameClass(mAngle, mOffset, mRadius, mOpacity, mColor ? mColor->grayscaleColor() : nullptr);
 }
 
@@ -125,7 +125,7 @@ std::optional<NSShadow> VXRShadow::nsShadow() const
     if (isNullShadow())
         return std::nullopt;
     const float a = mAngle * static_cast<float>(radiansPerDegree);
-    // The opacity takes the place of the colour's alpha; VXRSetupShadow multiplies the two.
+    // The opacity takes over the colour's alpha; VXRSetupShadow multiplies the two.
     return NSShadow { { mOffset * std::cos(a), -mOffset * std::sin(a) }, static_cast<float>(mRadius),
         mColor ? mColor->colorWithAlphaComponent(mOpacity) : nullptr };
 }
@@ -191,7 +191,7 @@ bool VXRShadow::isOfReceiversClass(const Object& other) const
 void VXRSetupShadow(const VXRShadow& shadow, float scale)
 {
     const double a = shadow.angle() * radiansPerDegree;
-    // The context's shadow offsets are y up, the angle is that of a y-down view.
+    // Context shadow offsets are y up; the angle refers to a y-down view.
     const Size offset { static_cast<float>(scale * (shadow.offset() * std::cos(-a))),
         static_cast<float>(scale * (shadow.offset() * std::sin(-a))) };
     const auto color = shadow.color() ? shadow.color() : Color::blackColor();

@@ -5,12 +5,12 @@
 
 namespace vxr {
 
-/// A gradient from one point to another, placed by a transform of its own. Drawn from its shading, so
-/// that every stop and the radial type count: a radial one has its centre at the start point and reaches
+/// A gradient from one point to another, placed by its own transform. Drawn from its shading, so all stops
+/// and the type count: a radial gradient has its centre at the start point and its radius reaches to
 /// the end point.
 class VXR_EXPORT VXRTransformGradient : public VXRGradient {
 public:
-    VXRTransformGradient(); ///< without stops: for copying and reading
+    VXRTransformGradient(); ///< no stops: for copying and reading
     VXRTransformGradient(std::shared_ptr<Color> startColor, std::shared_ptr<Color> endColor, int type);
     ~VXRTransformGradient() override;
 
@@ -19,7 +19,7 @@ public:
     static std::shared_ptr<VXRTransformGradient> radialGradientWithStartColorEndColor(
         std::shared_ptr<Color> startColor, std::shared_ptr<Color> endColor);
 
-    // The axis. In shapes it is given in their local frame, under the transform.
+    // The axis. For shapes it is given in their local frame and mapped by the transform.
     Point startPoint() const { return _start; }
     void setStartPoint(Point start) { _start = start; }
     Point endPoint() const { return _end; }

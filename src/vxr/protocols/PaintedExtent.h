@@ -4,15 +4,15 @@
 
 namespace vxr {
 
-/// Canvas units by which erased areas are grown: smooth edges may stick out of a renderable's bounds.
+/// Canvas units by which erased areas are grown, because antialiased edges may reach beyond the bounds.
 inline constexpr float erasingSlack = 5;
 
-/// In pixels. A layer lies up to a pixel beside its renderable, since its place is rounded to whole pixels,
-/// and a partly covered pixel at its edge is one more.
+/// In pixels: one because a layer's position is rounded to whole pixels, and one for a partly covered
+/// pixel at its edge.
 inline constexpr float placementSlack = 2;
 
-/// How far beyond its painted bounds a renderable may still paint, in canvas units: the slack of erasing,
-/// less at large scales, where an edge is no wider.
+/// How far a renderable may paint beyond its painted bounds, in canvas units: the erasing slack, or less at
+/// large scales, where an antialiased edge covers fewer canvas units.
 constexpr float paintingSlack(float scale) { return std::min(erasingSlack, 64 / scale); }
 
 } // namespace vxr

@@ -25,9 +25,9 @@ public:
 
     // Damage, in canvas coordinates.
     virtual void setNeedsDisplayInRect(const Rect&) = 0;
-    virtual void invalidateRenderable(VXRRenderable&) { } ///< told of each whole invalidation
-    virtual void renderableBoundsMayChange(const VXRRenderable&) { } ///< told before they are asked for again
-    virtual void invalidateRenderableInRect(VXRRenderable&, const Rect&) { } ///< and of each partial one
+    virtual void invalidateRenderable(VXRRenderable&) { } ///< the whole renderable needs redrawing
+    virtual void renderableBoundsMayChange(const VXRRenderable&) { } ///< called before bounds are next read
+    virtual void invalidateRenderableInRect(VXRRenderable&, const Rect&) { } ///< part of it needs redrawing
 
     // How things are to be drawn.
     virtual float viewScale() const = 0; ///< device pixels per canvas unit
@@ -36,18 +36,18 @@ public:
     virtual bool rendersBlackAndWhite() const = 0;
     virtual bool isStatic() const { return false; }
     virtual bool isAccelerated() const { return false; }
-    /// Applied to shadow offsets in bounds computations; none for no extra transform.
+    /// Applied to shadow offsets when bounds are computed. Empty if there is no extra transform.
     virtual std::optional<AffineTransform> additionalShadowTransform() const { return std::nullopt; }
     virtual bool scaleShadowsWhenZooming() const { return true; }
     virtual VXRBitmapRenderingQualityInfo* bitmapRenderingQualityInfo() const { return nullptr; }
 
     // Geometry, for the layers.
     virtual bool isFlipped() const { return true; }
-    /// What the clip view above shows, in canvas coordinates; the canvas's own visible rectangle when there
-    /// is no clip view.
+    /// The part shown by the enclosing clip view, in canvas coordinates; without a clip view, the canvas's
+    /// own visible rectangle.
     virtual Rect clipViewVisibleRect() const = 0;
     virtual Rect visibleRect() const = 0; ///< canvas coordinates
-    /// What is visible of the canvas's superview, in canvas coordinates.
+    /// The visible part of the canvas's superview, in canvas coordinates.
     virtual Rect superviewVisibleRect() const { return clipViewVisibleRect(); }
     virtual Rect convertRectToWindow(const Rect&) const = 0; ///< canvas to window (y up) coordinates
 

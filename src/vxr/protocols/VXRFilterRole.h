@@ -11,7 +11,7 @@ namespace vxr {
 /// An image filter as an adaptor sees it: values by key.
 class VXR_EXPORT VXRFilterRole {
 public:
-    virtual std::string_view vxrNameFromFilter() const = 0; ///< under which it is registered
+    virtual std::string_view vxrNameFromFilter() const = 0; ///< the name it is registered under
     virtual float valueForKey(std::string_view key) const = 0;
     virtual void setValueForKey(float value, std::string_view key) = 0;
     virtual void setDefaults() = 0;
@@ -24,9 +24,9 @@ protected:
 class VXR_EXPORT VXREffectStackRole {
 public:
     virtual std::size_t layerCount() const = 0;
-    /// None for a layer that isn't a filter.
+    /// Null if the layer is not a filter.
     virtual VXRFilterRole* filterAtIndex(std::size_t index) const = 0;
-    /// Puts a filter between the layers, at an index from 1 to `layerCount`.
+    /// Inserts a filter at an index from 1 to `layerCount`.
     virtual void insertFilterLayerAtIndex(std::shared_ptr<VXRFilterRole> filter, std::size_t index) = 0;
     virtual void removeLayerAtIndex(std::size_t index) = 0;
 

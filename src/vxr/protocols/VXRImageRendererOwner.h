@@ -6,12 +6,12 @@ namespace vxr {
 
 class VXRCanvasRole;
 
-/// Who uses an image renderer, a fill or a renderable, as the renderer sees it.
+/// The fill or renderable that owns an image renderer, as the renderer sees it.
 class VXR_EXPORT VXRImageRendererOwner {
 public:
-    virtual VXRCanvasRole* canvas() const = 0; ///< none while it is on no canvas
-    virtual bool shouldAntialias() const { return true; } ///< whether edges of bitmaps are smoothed
-    virtual bool isRenderable() const { return false; } ///< whether it is a `VXRRenderable` itself
+    virtual VXRCanvasRole* canvas() const = 0; ///< null while it is on no canvas
+    virtual bool shouldAntialias() const { return true; } ///< whether bitmap edges are antialiased
+    virtual bool isRenderable() const { return false; } ///< whether the owner is itself a `VXRRenderable`
 
 protected:
     ~VXRImageRendererOwner() = default;

@@ -6,11 +6,11 @@ namespace vxr {
 
 class VXRRenderable;
 
-/// Somebody who keeps to a renderable's outline: told when it has moved or changed, and when it goes.
+/// An observer of a renderable's outline: notified when it moves or changes, and before it is destroyed.
 class VXR_EXPORT VXRRenderableFollower {
 public:
     virtual void followedRenderableDidChange(VXRRenderable&) = 0;
-    virtual void followedRenderableWillGo(VXRRenderable&) = 0; ///< the pointer is not valid any more after
+    virtual void followedRenderableWillGo(VXRRenderable&) = 0; ///< the reference is invalid afterwards
 
 protected:
     ~VXRRenderableFollower() = default;

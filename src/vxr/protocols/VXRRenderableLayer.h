@@ -12,12 +12,12 @@ class VXRTexture;
 /// Which pass is being rendered. The numbers are part of the contract.
 enum VXRRenderingMode : int {
     VXRRenderingModeNone = 0, ///< not rendering a tile
-    VXRRenderingModeSingle = 1, ///< the whole renderable, its shadow built from this pass
+    VXRRenderingModeSingle = 1, ///< the whole renderable; its shadow is built from this pass
     VXRRenderingModeShadowed = 2, ///< mixed content: the parts that cast the shadow
-    VXRRenderingModeShadowless = 3, ///< mixed content: the parts that do not
+    VXRRenderingModeShadowless = 3, ///< mixed content: the parts that do not cast it
 };
 
-/// The compositor layer as the renderable that owns it sees it.
+/// The compositor layer as its renderable sees it.
 class VXR_EXPORT VXRRenderableLayer {
 public:
     virtual ~VXRRenderableLayer() = default;
@@ -35,7 +35,7 @@ public:
     virtual int renderingMode() const = 0; ///< a `VXRRenderingMode`
     virtual void setRenderingMode(int) = 0;
 
-    // Each appends; the records and textures stay the layer's.
+    // Each of these appends; the layer keeps ownership of the records and textures.
     virtual void addTexturesToArray(std::vector<VXRTexture*>&) = 0;
     virtual void addShadowTexturesToArray(std::vector<VXRTexture*>&) = 0;
     virtual void addShadowlessTexturesToArray(std::vector<VXRTexture*>&) = 0;

@@ -9,10 +9,10 @@ namespace vxr {
 
 class VXRStrokeBundle;
 
-/// Where smart strokes find their drawings: a document's data manager, or a folder of them.
+/// Supplies the drawings of smart strokes: a document's data manager, or a folder of bundles.
 class VXR_EXPORT VXRStrokeBundleSource {
 public:
-    /// None when there is no bundle of that name.
+    /// Null if there is no bundle with this name.
     virtual std::shared_ptr<const VXRStrokeBundle> strokeBundleForName(const std::string& name) = 0;
 
 protected:

@@ -4,7 +4,7 @@
 
 namespace vxr {
 
-/// Pixels of a layer as an accelerated road presents them.
+/// The pixels of a layer, as an accelerated drawing road presents them.
 class VXR_EXPORT VXRTexture {
 public:
     virtual void drawAtOffset(Point offset, float scale, float opacity, bool highDetail) = 0;

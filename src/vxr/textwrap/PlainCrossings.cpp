@@ -29,8 +29,8 @@ bool PlainCrossings::find(const gpc_polygon& polygon, const Rect& line, double c
     return areApart(clearance);
 }
 
-/// Follows the outline from a vertex outside the band. Inside it each step has to go on the way the
-/// outline came in, so that the piece neither turns back nor crosses itself.
+/// Follows the outline from a vertex outside the band. Inside the band every step must keep the vertical
+/// direction in which the outline entered, so that the piece neither turns back nor crosses itself.
 bool PlainCrossings::addContour(const gpc_vertex_list& contour)
 {
     const gpc_vertex* const first = contour.vertex;
@@ -94,7 +94,7 @@ bool PlainCrossings::areApart(double clearance)
 
 void PlainCrossings::appendBoxes(bool inside, std::vector<Rect>& boxes) const
 {
-    // Between the crossings the outside and the inside take turns, beginning with the outside.
+    // The spans between crossings alternate between outside and inside, starting outside.
     constexpr double infinity = std::numeric_limits<double>::infinity();
     for (std::size_t i = inside ? 1 : 0; i <= mCrossings.size(); i += 2) {
         const double from = std::max(mLeft, i == 0 ? -infinity : mCrossings[i - 1].from);

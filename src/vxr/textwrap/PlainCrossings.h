@@ -7,17 +7,17 @@
 
 namespace vxr {
 
-/// Spans of a line inside or outside a polygon without clipping, for the plain case that most lines
-/// beside a shape are: every piece of outline at the line's height runs up or down through it, at a clear
-/// distance from the other pieces and from the line's ends. The answer is then that of the clip.
+/// Finds the spans of a line inside or outside a polygon without clipping, in the simple case that covers
+/// most lines beside a shape: every piece of outline at the line's height runs up or down through it, clear
+/// of the other pieces and of the line's ends. The result then equals that of the clip.
 class PlainCrossings {
 public:
-    /// Finds the crossings of `polygon` with the band of the line. False when the case is not plain.
-    /// `clearance` is the distance below which edges might meet on the clipper's grid.
+    /// Finds the crossings of `polygon` with the band of the line. False if the case is not simple.
+    /// `clearance` is the distance below which edges might touch on the clipper's grid.
     bool find(const gpc_polygon& polygon, const Rect& line, double clearance);
 
-    /// After a successful `find`: the boxes of what is left of the line inside the polygon or outside it,
-    /// from left to right, at the height of the line.
+    /// After a successful `find`: the boxes of the parts of the line inside or outside the polygon, from left
+    /// to right, at the height of the line.
     void appendBoxes(bool inside, std::vector<Rect>& boxes) const;
 
 private:

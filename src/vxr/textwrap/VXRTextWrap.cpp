@@ -12,7 +12,7 @@
 namespace vxr {
 namespace {
 
-/// The last path with its polygon. Lives as long as the process.
+/// The most recent path and its polygon. Never destroyed.
 class WrapCache {
 public:
     WrapPolygon& polygonOf(const std::shared_ptr<const Path>& path)
@@ -32,7 +32,7 @@ private:
     std::optional<WrapPolygon> mPolygon;
 };
 
-/// The polygon of a rectangle as an operand, without an allocation.
+/// The polygon of a rectangle, as an operand that needs no allocation.
 class RectPolygon {
 public:
     explicit RectPolygon(const Rect& r)
@@ -53,7 +53,7 @@ private:
     gpc_polygon mSet { 1, &mHole, &mContour };
 };
 
-/// The result of a clip on the stack.
+/// Owns the result of a clip.
 class Clipped {
 public:
     Clipped(gpc_op operation, const gpc_polygon& subject, const gpc_polygon& clip)
@@ -71,14 +71,14 @@ private:
     gpc_polygon mSet {};
 };
 
-/// What the cached polygon has at the heights of `rect`.
+/// The part of the cached polygon at the heights of `rect`.
 const gpc_polygon& near(WrapPolygon& polygon, const Rect& rect)
 {
     const double y = rect.origin.y, end = y + rect.size.height;
     return polygon.near(std::min(y, end), std::max(y, end));
 }
 
-/// The gaps between the boxes, which are sorted here.
+/// The gaps between the boxes. Sorts the boxes.
 std::vector<Rect> piecesBetween(std::vector<Rect>& boxes, const Rect& line)
 {
     std::sort(
@@ -101,7 +101,7 @@ std::vector<Rect> piecesBetween(std::vector<Rect>& boxes, const Rect& line)
     return pieces;
 }
 
-/// Distance within which edges may meet on the clipper's grid, with much to spare.
+/// Distance within which edges may touch on the clipper's grid, with a wide margin.
 double clearanceOf(const WrapPolygon& polygon, const Rect& line)
 {
     const double reach = std::max({ std::abs(line.minX()), std::abs(line.maxX()), std::abs(line.minY()),
@@ -129,8 +129,8 @@ int skipBelowLine(const Rect& line, const Rect& bounds, const gpc_polygon& polyg
     const float remaining = bounds.origin.y + bounds.size.height - line.origin.y;
     if (!(remaining > 0))
         return 1;
-    // The column united with the shape, less the shape, is the column less the shape; computed at
-    // once it leaves no slivers along the shape's outline.
+    // Column minus shape equals (column united with shape) minus shape, but a single clip leaves no
+    // slivers along the shape's outline.
     const RectPolygon column({ line.origin.x, line.origin.y, line.size.width, remaining });
     const RectPolygon linePolygon(line);
     const Clipped outside(GPC_DIFF, *column, polygon);
@@ -157,7 +157,7 @@ std::vector<double> vertexHeights(const gpc_polygon& polygon)
     return heights;
 }
 
-/// Bounds of what the obstacles cover of a rectangle; the zero rectangle where it is free.
+/// Bounds of the part of a rectangle that obstacles cover; the zero rectangle if it is free.
 Rect occupiedWithin(WrapPolygon& obstacles, const Rect& rect)
 {
     const RectPolygon rectPolygon(rect);
@@ -168,7 +168,7 @@ Rect occupiedWithin(WrapPolygon& obstacles, const Rect& rect)
     return occupied;
 }
 
-/// Spans both, also when one is flat.
+/// The smallest rectangle around both, even if one has no height.
 Rect spanning(const Rect& a, const Rect& b)
 {
     const float x = std::min(a.minX(), b.minX()), y = std::min(a.minY(), b.minY());
@@ -213,8 +213,8 @@ float VXRTextWrap::unobstructedSpanForPathStartingSpanContainerBounds(
         if (occupied.size.height < 1.0f)
             return y;
         float below = occupied.origin.y + occupied.size.height + 1.0f;
-        // Between vertices the obstacles look the same at every height: if this place is obstructed, so is
-        // the whole of each one up to the next vertex.
+        // Between vertex heights the obstacles do not change: if this position is obstructed, so is every
+        // position up to the next vertex.
         const auto next = std::lower_bound(heights.begin(), heights.end(), double(y));
         const double vertex = next == heights.end() ? y : *next;
         if (place.maxY() < vertex) {
@@ -237,7 +237,7 @@ std::vector<Rect> wrappedSubrectsFromPolygon(const gpc_polygon* polygon, const R
     boxes.reserve(std::size_t(polygon->num_contours));
     for (int i = 0; i < polygon->num_contours; ++i) {
         const Rect box = boundsForVertexList(polygon->contour[i]);
-        if (!std::isnan(box.origin.x)) // could not be put in order
+        if (!std::isnan(box.origin.x)) // NaN cannot be sorted
             boxes.push_back(box);
     }
     return piecesBetween(boxes, line);

@@ -6,7 +6,7 @@
 
 namespace vxr {
 
-/// Copies a contour's vertices, of each run beyond the band its first and last only.
+/// Copies a contour's vertices. Of each run outside the band only the first and last are kept.
 class WrapPolygon::RunShortener {
 public:
     RunShortener(std::vector<gpc_vertex>& kept)
@@ -35,7 +35,7 @@ public:
 private:
     std::vector<gpc_vertex>& mKept;
     Side mSide = Side::Across;
-    const gpc_vertex* mLast = nullptr; ///< the current run's last vertex, when it isn't its first
+    const gpc_vertex* mLast = nullptr; ///< the last vertex of the current run, unless it is also the first
 };
 
 WrapPolygon::WrapPolygon(const Path& path)
@@ -67,14 +67,14 @@ void WrapPolygon::indexBlocks()
             mBlocks.push_back(block);
         }
     }
-    mNearVertices.reserve(vertices); // so that the contours' pointers into it stay valid
+    mNearVertices.reserve(vertices); // the contours point into it, so it must not reallocate
     mNearContours.reserve(std::size_t(mPolygon->num_contours));
     mNearHoles.assign(std::size_t(mPolygon->num_contours), 0);
 }
 
 const gpc_polygon& WrapPolygon::near(double low, double high)
 {
-    // Clipping refuses a set with a coordinate that is not finite, wherever it lies.
+    // The clipper rejects a polygon with any non-finite coordinate, wherever it is.
     if (!mIsFinite)
         return *mPolygon;
     mNearVertices.clear();

@@ -7,8 +7,8 @@
 
 namespace vxr {
 
-/// The polygon of a path around which many lines wrap, kept so that a line is clipped against the few
-/// edges at its height only.
+/// The polygon of a path that many lines wrap around, organised so that a line is clipped only against the
+/// few edges at its height.
 class WrapPolygon {
 public:
     explicit WrapPolygon(const Path& path);
@@ -17,15 +17,15 @@ public:
     const gpc_polygon& whole() const { return *mPolygon; }
 
     bool isFinite() const { return mIsFinite; }
-    double extent() const { return mExtent; } ///< the largest coordinate, without its sign
+    double extent() const { return mExtent; } ///< the largest absolute coordinate
 
-    /// A set with the same inside as the whole for heights from `low` to `high`, and the same edges there.
-    /// A run of vertices that stays beyond one of the two heights is replaced by its ends: the shortcut
-    /// stays beyond it too. Valid until the next call.
+    /// A polygon with the same interior and edges as the whole between the heights `low` and `high`. A run of
+    /// vertices that stays beyond one of the heights is replaced by its end points, whose connection stays
+    /// beyond it too. Valid until the next call.
     const gpc_polygon& near(double low, double high);
 
 private:
-    /// Where a vertex or a block of vertices lies with respect to the band.
+    /// The position of a vertex or block of vertices relative to the band.
     enum class Side : std::int8_t { Below = -1, Across = 0, Above = 1 };
 
     struct Block {
@@ -42,7 +42,7 @@ private:
     VXRPolygonOwner mPolygon;
     bool mIsFinite = true;
     double mExtent = 0;
-    std::vector<Block> mBlocks; ///< height ranges of `blockSize` vertices each, contour after contour
+    std::vector<Block> mBlocks; ///< height ranges of `blockSize` vertices each, contour by contour
     std::vector<gpc_vertex> mNearVertices;
     std::vector<int> mNearHoles;
     std::vector<gpc_vertex_list> mNearContours;

@@ -1,2 +1,2 @@
-// The session is header-only; this shows that it stands on its own includes.
+// The class is header-only; this file checks that the header is self-contained.
 #include <vxr/host/animation/VXXTextureSession.h>

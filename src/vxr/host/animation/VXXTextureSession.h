@@ -4,8 +4,8 @@
 
 namespace vxr {
 
-/// The animation framework's session for which textures are built. The library only tells one session
-/// from another and never owns one.
+/// The animation framework's session that textures are built for. The library only compares sessions by
+/// identity and never owns one.
 class VXR_EXPORT VXXTextureSession {
 public:
     virtual ~VXXTextureSession() = default;

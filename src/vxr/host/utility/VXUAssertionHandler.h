@@ -7,8 +7,8 @@
 
 namespace vxr {
 
-/// The utility framework's assertion handler: keeps what failed and lets the caller go on. (The
-/// platform's own, `raiseAssertion`, throws.)
+/// The utility framework's assertion handler: records the failure and lets the caller continue. (The
+/// platform's own handler, `raiseAssertion`, throws.)
 class VXR_EXPORT VXUAssertionHandler {
 public:
     struct Failure {
@@ -19,7 +19,7 @@ public:
         friend bool operator==(const Failure&, const Failure&) = default;
     };
 
-    /// Failures beyond this many push out the oldest.
+    /// Once this many failures are stored, each new one replaces the oldest.
     static constexpr std::size_t capacity = 256;
 
     static VXUAssertionHandler& currentHandler();

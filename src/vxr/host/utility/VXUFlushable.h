@@ -6,14 +6,14 @@
 
 namespace vxr {
 
-/// An object with memory that it can give back and build again. Whoever dies leaves the flusher.
+/// An object with memory that it can release and rebuild. Leaves the flusher when destroyed.
 class VXR_EXPORT VXUFlushable {
 public:
     virtual bool isFlushable() const = 0;
     virtual std::size_t bytesUsed() const = 0;
-    virtual void flushLocalData() = 0; ///< gives back one level of what it holds
-    /// Objects of a higher rank give back when none of a lower one has anything left: what is small and
-    /// costs much to build again.
+    virtual void flushLocalData() = 0; ///< releases one level of its data
+    /// Objects of a higher rank are flushed only when those of lower ranks have nothing left. Meant for
+    /// data that is small but expensive to rebuild.
     virtual int flushRank() const { return 0; }
 
 protected:

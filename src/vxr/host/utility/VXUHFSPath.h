@@ -6,8 +6,8 @@
 
 namespace vxr {
 
-/// The path of what an alias (a symbolic link) stands for, through any number of them; the path itself when
-/// it is no alias or leads nowhere.
+/// Resolves an alias (a symbolic link), through any number of links. Returns the path itself if it is not
+/// an alias or the link is broken.
 VXR_EXPORT std::string VXUHFSPathByResolvingAlias(const std::string& path);
 
 } // namespace vxr

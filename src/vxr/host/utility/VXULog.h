@@ -7,17 +7,17 @@
 
 namespace vxr {
 
-/// Level at which recoverable oddities in documents and paths are logged.
+/// Level for recoverable problems in documents and paths.
 inline constexpr int VXULogLevelWarning = 10;
 
-/// Where log lines go. Must not throw.
+/// Receives log lines. Must not throw.
 using VXULogSink = std::function<void(int level, std::string_view file, std::string_view message)>;
 
-/// Hands one message to the sink; `file` is the source file that speaks.
+/// Passes one message to the sink; `file` is the name of the source file that logs it.
 VXR_EXPORT void VXULog_Fn(int level, std::string_view file, std::string_view message);
 
-/// Replaces the sink and returns the one before. An empty sink stands for the first one, which writes
-/// `file: message` lines to the standard error stream.
+/// Replaces the sink and returns the previous one. An empty sink restores the default, which writes
+/// `file: message` lines to standard error.
 VXR_EXPORT VXULogSink VXUSetLogSink(VXULogSink sink);
 
 } // namespace vxr

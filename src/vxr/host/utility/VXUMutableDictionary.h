@@ -6,15 +6,15 @@
 
 namespace vxr {
 
-/// Dictionary whose keys are objects told apart by identity. Keys are neither owned nor looked into;
-/// whoever lets a key die removes it first.
+/// Dictionary keyed by object identity. Keys are neither owned nor dereferenced. Remove a key before its
+/// object is destroyed.
 template <class Key, class Value> class VXUMutableDictionary {
 public:
     void setObjectForKey(Value value, const Key& key) { mValues.insert_or_assign(&key, std::move(value)); }
     void removeObjectForKey(const Key& key) { mValues.erase(&key); }
     void removeAllObjects() { mValues.clear(); }
 
-    /// None for an unknown key. Valid until the entry is removed.
+    /// Null for an unknown key. Valid until the entry is removed.
     const Value* objectForKey(const Key& key) const
     {
         const auto found = mValues.find(&key);

@@ -6,11 +6,11 @@
 
 namespace vxr {
 
-/// Set of objects by identity, in the order in which they were added. Does not own its members; whoever
-/// lets a member die removes it first. Adding, removing and asking take constant time.
+/// Set of objects by identity, in insertion order. Does not own its members: remove a member before it is
+/// destroyed. Insertion, removal and lookup take constant time.
 template <class T> class VXUMutablePointerSet {
 public:
-    /// False when `object` is in the set already; its place then stays.
+    /// False if `object` is already in the set; its position does not change.
     bool addObject(T& object)
     {
         if (!mPlaces.emplace(&object, mMembers.size()).second)
@@ -19,7 +19,7 @@ public:
         return true;
     }
 
-    /// False when `object` is not in the set.
+    /// False if `object` is not in the set.
     bool removeObject(const T& object)
     {
         const auto found = mPlaces.find(&object);
@@ -41,7 +41,7 @@ public:
     bool containsObject(const T& object) const { return mPlaces.contains(&object); }
     std::size_t count() const { return mPlaces.size(); }
 
-    /// A copy of the members, so that a walk survives changes of the set.
+    /// A copy of the members, so that iteration survives changes to the set.
     std::vector<T*> allObjects() const
     {
         std::vector<T*> members;
@@ -61,7 +61,7 @@ private:
             mPlaces[mMembers[i]] = i;
     }
 
-    std::vector<T*> mMembers; ///< a removed one leaves a gap until gaps prevail
+    std::vector<T*> mMembers; ///< removal leaves a gap; gaps are closed once they outnumber members
     std::unordered_map<const T*, std::size_t> mPlaces;
 };
 

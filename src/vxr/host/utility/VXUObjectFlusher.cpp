@@ -61,8 +61,8 @@ void VXUObjectFlusher::flushToBudget()
     mIsFlushing = false;
 }
 
-// Whoever is told of a flush may touch, add and remove objects, so every round looks anew. An object that
-// gives nothing back is passed over.
+// A flushed object may touch, add and remove objects, so every round searches again. An object that
+// releases nothing is skipped.
 void VXUObjectFlusher::flushToBudgetWithinRank(int rank)
 {
     std::size_t passedOver = 0;

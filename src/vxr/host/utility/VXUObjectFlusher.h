@@ -7,8 +7,8 @@
 
 namespace vxr {
 
-/// Keeps the memory of flushable objects within a budget: whenever there is more, the one that was touched
-/// least recently gives back a level, and so on. The object touched last is spared.
+/// Keeps the memory of flushable objects within a budget: while it is exceeded, the least recently touched
+/// object releases one level at a time. The most recently touched object is spared.
 class VXR_EXPORT VXUObjectFlusher {
 public:
     static constexpr std::size_t defaultBudget = std::size_t { 256 } << 20;
@@ -16,9 +16,9 @@ public:
 
     static VXUObjectFlusher& instance();
 
-    /// Has become larger. Registers it on the first call; counts as a touch.
+    /// The object has grown. Registers it on the first call; counts as a touch.
     void objectAddedData(VXUFlushable&);
-    void objectTouched(VXUFlushable&); ///< is in use; does nothing for an object that never added data
+    void objectTouched(VXUFlushable&); ///< the object is in use; ignored if it never added data
     void removeObject(const VXUFlushable&);
 
     std::size_t budget() const { return mBudget; }
@@ -30,7 +30,7 @@ private:
         VXUFlushable* object;
         std::size_t bytes;
     };
-    using Entries = std::list<Entry>; ///< touched last at the end
+    using Entries = std::list<Entry>; ///< most recently touched at the end
 
     void recount(Entry&);
     void flushToBudget();

@@ -4,11 +4,11 @@
 
 namespace vxr {
 
-/// The platform's version code. Code that has two versions of a branch takes the newer one from the
-/// code that it names on.
+/// The platform's version code. A branch that depends on the version uses its newer form from the code
+/// that it names onwards.
 VXR_EXPORT int GetSystemVersion();
 
-/// Lets a host ask for the behaviour of another platform version. Returns the code before.
+/// Lets a host request the behaviour of another platform version. Returns the previous code.
 VXR_EXPORT int VXUSetSystemVersion(int code);
 
 } // namespace vxr

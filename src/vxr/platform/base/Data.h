@@ -8,7 +8,7 @@
 
 namespace vxr {
 
-/// Bytes in memory. Immutable, except for a `MutableData`.
+/// Bytes in memory. Immutable, except for `MutableData`.
 class VXR_EXPORT Data : public Object {
 public:
     Data() = default;
@@ -24,7 +24,7 @@ public:
         return dataWithBytes(bytes.data(), bytes.size());
     }
     static std::shared_ptr<const Data> dataWithContentsOfFile(
-        const std::string& path); ///< none if unreadable
+        const std::string& path); ///< null if unreadable
 
     std::span<const std::byte> bytes() const { return mBytes; }
     std::size_t length() const { return mBytes.size(); }

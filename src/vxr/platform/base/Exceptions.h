@@ -7,7 +7,7 @@
 
 namespace vxr {
 
-/// A programming error met at run time, such as calling an abstract operation.
+/// A programming error detected at run time, such as calling an abstract operation.
 /// `what()` is the exact message.
 class VXR_EXPORT GenericException : public std::runtime_error {
 public:
@@ -15,20 +15,20 @@ public:
     ~GenericException() override;
 };
 
-/// An argument that the callee can't accept. `what()` is the exact message.
+/// An argument that the callee cannot accept. `what()` is the exact message.
 class VXR_EXPORT InvalidArgumentException : public std::invalid_argument {
 public:
     using std::invalid_argument::invalid_argument;
     ~InvalidArgumentException() override;
 };
 
-/// A failed assertion, with the place that stated it.
+/// A failed assertion, with the place where it was stated.
 class VXR_EXPORT AssertionFailure : public std::logic_error {
 public:
     AssertionFailure(std::string subject, int line, const std::string& description);
     ~AssertionFailure() override;
 
-    const std::string& subject() const { return mSubject; } ///< class or source file that asserted
+    const std::string& subject() const { return mSubject; } ///< the class or source file that asserted
     int line() const { return mLine; }
 
 private:

@@ -1,4 +1,4 @@
 #pragma once
 
-/// Marks what the shared library shows to its hosts; everything else stays hidden.
+/// Marks what the shared library exports; everything else stays hidden.
 #define VXR_EXPORT __attribute__((visibility("default")))

@@ -49,7 +49,7 @@ FileReplacement::FileReplacement(const std::string& path)
     if (descriptor < 0)
         throwErrno();
     if (exists)
-        static_cast<void>(::fchmod(descriptor, old.st_mode & 07777)); // its owner may still be somebody else
+        static_cast<void>(::fchmod(descriptor, old.st_mode & 07777)); // best effort: another user may own it
     mStream = ::fdopen(descriptor, "wb");
     if (!mStream) {
         const int code = errno;
@@ -84,7 +84,7 @@ void FileReplacement::write(const void* bytes, std::size_t size)
         throwErrno();
 }
 
-/// Gives the nameless content a name. False when the name is taken.
+/// Links the nameless content to a name. False if the name is taken.
 bool FileReplacement::linkTo(const std::string& name) const
 {
     const std::string content = "/proc/self/fd/" + std::to_string(::fileno(mStream));
@@ -100,8 +100,8 @@ void FileReplacement::commit(Durability durability)
     const bool synced = durability == Durability::SyncedRename;
     if (std::fflush(mStream) != 0 || (synced && ::fsync(::fileno(mStream)) != 0))
         throwErrno();
-    // A name can be given to the content but not taken over, so an old file is replaced by way of another
-    // name.
+    // A link cannot replace an existing name, so an old file is replaced by linking the content to a
+    // temporary name and renaming that.
     const bool wasNameless = mBeside.empty();
     bool isInPlace = wasNameless && linkTo(mPath);
     if (wasNameless && !isInPlace) {
@@ -126,7 +126,7 @@ void FileReplacement::commit(Durability durability)
         return;
     const int folder = ::open(folderOf(mPath).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (folder >= 0) {
-        ::fsync(folder); // the name, too; file systems that can't do it do without
+        ::fsync(folder); // the directory entry, too; not every file system supports it
         ::close(folder);
     }
 }

@@ -8,14 +8,14 @@
 
 namespace vxr {
 
-/// A file that appears under its name only when it is complete. Until `commit` the old file, if there is one,
-/// stays as it is. Where the file system can do it the new content has no name before that, so nothing
-/// remains of a process that is killed; elsewhere it stands beside the old file and goes with this object.
+/// A file that appears under its name only once it is complete. Until `commit` an existing file stays as it
+/// is. Where the file system supports it, the new content has no name before that, so a killed process
+/// leaves nothing behind; elsewhere it is a temporary file beside the old one, removed with this object.
 ///
-/// Operations throw `GenericException` with the reason, without the path.
+/// Operations throw `GenericException` with the reason; the path is not part of the message.
 class VXR_EXPORT FileReplacement {
 public:
-    /// Refuses what exists and is no regular file. A symbolic link stays, and what it leads to is replaced.
+    /// Refuses an existing path that is not a regular file. A symbolic link is kept and its target replaced.
     explicit FileReplacement(const std::string& path);
     ~FileReplacement();
     FileReplacement(const FileReplacement&) = delete;
@@ -25,7 +25,7 @@ public:
     void write(const void* bytes, std::size_t size);
 
     enum class Durability { Rename, SyncedRename };
-    /// Puts the content in place. A synced one outlasts a failure of the power right after.
+    /// Puts the content in place. Synced content survives a power failure right after the call.
     void commit(Durability = Durability::Rename);
 
 private:
@@ -33,7 +33,7 @@ private:
     std::string unusedNameBeside() const;
 
     std::string mPath;
-    std::string mBeside; ///< where the content stands while it is not in place; empty while it has no name
+    std::string mBeside; ///< path of the temporary file; empty while the content has no name
     std::FILE* mStream = nullptr;
 };
 

@@ -4,10 +4,10 @@
 
 namespace vxr {
 
-/// Pieces of work that are all to be tried: keeps the first failure, to be passed on when all are done.
+/// Runs several pieces of work that must all be tried, and keeps the first failure to rethrow at the end.
 class FirstFailure {
 public:
-    /// Whether the work came to its end.
+    /// Whether the work completed.
     template <class Work> bool attempt(Work&& work)
     {
         try {

@@ -36,7 +36,7 @@ void NotificationCenter::post(std::string_view name, void* object)
             mEntries.begin(), mEntries.end(), [&](const Entry& e) { return e.serial == serial; });
         if (entry == mEntries.end())
             continue;
-        const Handler handler = entry->handler; // the entry may go while it runs
+        const Handler handler = entry->handler; // the entry may be removed while it runs
         handler({ name, object });
     }
 }

@@ -10,24 +10,24 @@
 
 namespace vxr {
 
-/// What happened, and to whom.
+/// What happened, and to which object.
 struct Notification {
     std::string_view name;
-    void* object = nullptr; ///< whoever posts it
+    void* object = nullptr; ///< the poster
 };
 
-/// Passes notifications to whoever asked for them, at once and in the order of asking.
+/// Delivers notifications to observers, immediately and in the order in which they were added.
 class VXR_EXPORT NotificationCenter {
 public:
     using Handler = std::function<void(const Notification&)>;
 
     static NotificationCenter& defaultCenter();
 
-    /// `observer` only names who asks. No `object` means any poster.
+    /// `observer` only identifies the registration. A null `object` means any poster.
     void addObserver(const void* observer, std::string_view name, const void* object, Handler);
-    /// Takes back what the observer asked for; no name means every name, no object every object.
+    /// Removes the observer's registrations; an empty name means every name, a null object every object.
     void removeObserver(const void* observer, std::string_view name = {}, const void* object = nullptr);
-    /// Handlers may add and remove observers; one removed meanwhile is not called.
+    /// Handlers may add and remove observers. An observer removed during delivery is not called.
     void post(std::string_view name, void* object);
 
 private:

@@ -26,7 +26,7 @@ protected:
     Object& operator=(const Object&) = default;
 };
 
-/// `a` and `b` are both absent, or both present and equal.
+/// `a` and `b` are both null, or both present and equal.
 template <class A, class B> bool bothAbsentOrEqual(const std::shared_ptr<A>& a, const std::shared_ptr<B>& b)
 {
     return a && b ? a->isEqual(*b) : !a && !b;

@@ -7,16 +7,16 @@
 
 namespace vxr {
 
-/// A platform operation that may be missing, held without its type.
+/// A platform operation that may be missing, without its type.
 using OptionalOperation = void (*)();
 
-/// Makes `operation` known under `name`, in place of what the name stood for; null takes it away.
+/// Registers `operation` under `name`, replacing any former one; null removes it.
 VXR_EXPORT void registerOptionalOperation(std::string_view name, OptionalOperation operation);
 
-/// What `name` stands for now; null when the platform has no such operation.
+/// The operation registered under `name`; null if the platform has none.
 VXR_EXPORT OptionalOperation lookUpOptionalOperation(std::string_view name);
 
-/// The same with the type under which the operation was registered. The caller vouches for the type.
+/// The same, cast to the type it was registered with. The caller is responsible for the type.
 template <class Function> Function* lookUpOptionalOperationOfType(std::string_view name)
 {
     return reinterpret_cast<Function*>(lookUpOptionalOperation(name));
