@@ -7,8 +7,8 @@ namespace vxr {
 
 namespace {
 
-/// How finely a stroked outline follows its curves, as a part of the flatness. The flatness bounds the
-/// error; edges that are smoothed over a pixel want less.
+/// Accuracy of a stroked outline as a fraction of the flatness. The flatness bounds the error; antialiased
+/// edges need less.
 constexpr float outlineShareOfFlatness = 1 / 6.0f;
 constexpr float finestOutline = 0.01f; ///< device pixels
 
@@ -17,8 +17,8 @@ constexpr float finestOutline = 0.01f; ///< device pixels
 Context::Context() = default;
 Context::~Context() = default;
 
-// A point is mapped into the space of the path's first points when the transform of the moment has no
-// inverse, and the path into the space of the moment otherwise.
+// If the current transform has no inverse, a point is mapped to the space of the path's first points;
+// otherwise the path is mapped to the current space.
 void Context::alignPathToTransform()
 {
     const AffineTransform current = currentTransform();

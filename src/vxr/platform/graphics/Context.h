@@ -17,12 +17,12 @@ class Shading;
 enum class CompositeOperation : int { Clear = 0, Copy = 1, SourceOver = 2 };
 enum class InterpolationQuality : int { Default = 0, None = 1, Low = 2, High = 3 };
 
-/// Direct access to the pixels under a context, between `lock` and `unlock`.
+/// Direct access to the pixels of a context, between `lock` and `unlock`.
 class VXR_EXPORT PixelAccess {
 public:
-    virtual bool lock() = 0; ///< false when the pixels can't be reached now
+    virtual bool lock() = 0; ///< false if the pixels are not accessible now
     virtual void unlock() = 0;
-    /// Maps the context's base space to the space of the surface that the pixels are part of, y up.
+    /// Maps the context's base space to the space of the surface that holds the pixels, y up.
     virtual AffineTransform transform() const = 0;
     virtual std::uint8_t* pixels() const = 0; ///< top row first; valid while locked
     virtual std::size_t bytesPerRow() const = 0;
@@ -33,15 +33,15 @@ protected:
     ~PixelAccess() = default;
 };
 
-/// The library's whole view of a 2D engine.
+/// The library's interface to a 2D engine.
 ///
 /// Default user space has its origin at the lower left, y up, one unit one pixel (one point on paper).
 /// `drawImage` puts an image's first row at the rectangle's largest y. Saved and restored state:
 /// transform, clip, fill and stroke colour or pattern, line style, flatness, alpha, compositing
 /// operation, antialiasing, interpolation quality range and shadow. The current path is not part of it.
 ///
-/// What can't be drawn (a singular transform, coordinates that are not numbers) draws nothing and leaves
-/// the context usable. Coordinates beyond the engine's range are clipped to what can be seen first.
+/// What cannot be drawn (a singular transform, coordinates that are NaN) draws nothing and leaves the
+/// context usable. Coordinates beyond the engine's range are first clipped to the visible area.
 class VXR_EXPORT Context {
 public:
     using PagePixels = std::function<std::shared_ptr<const Image>()>;
@@ -53,24 +53,24 @@ public:
     // State.
     virtual void saveState() = 0;
     virtual void restoreState() = 0; ///< does nothing without a matching save
-    /// Saves and begun transparency layers that are still open; 0 where nobody counts.
+    /// open saves and transparency layers; 0 if not tracked
     virtual std::size_t stateDepth() const { return 0; }
-    /// Restores states, and drops unfinished layers with what is in them, until no more than `depth` are
-    /// open: for whoever goes on after drawing that failed.
+    /// Restores states and discards unfinished layers until no more than `depth` are open. For recovery
+    /// after drawing has thrown.
     virtual void unwindToDepth(std::size_t) { }
 
-    // Transform. The base transform maps default user space to device space and is kept apart; the
+    // Transform. The base transform maps default user space to device space and is kept separately; the
     // current one maps user space to device space, base included.
     virtual AffineTransform currentTransform() const = 0;
     virtual AffineTransform baseTransform() const = 0;
-    /// Replaces the base and starts the current transform from it. For whoever sets a context up.
+    /// Replaces the base and resets the current transform to it. For the code that sets up a context.
     virtual void setBaseTransform(const AffineTransform&) = 0;
     virtual void concatTransform(const AffineTransform&) = 0; ///< applies before the current transform
     void translate(float dx, float dy) { concatTransform(AffineTransform::makeTranslation(dx, dy)); }
     void scale(float sx, float sy) { concatTransform(AffineTransform::makeScale(sx, sy)); }
     void rotate(float radians) { concatTransform(AffineTransform::makeRotation(radians)); }
 
-    // Current path, in the user space in force while each point is added.
+    // Current path. Points are in the user space in force when they are added.
     void beginPath();
     void moveTo(Point);
     void lineTo(Point);
@@ -78,20 +78,20 @@ public:
     void closePath();
     void addRect(const Rect&);
     void addPath(const Path&); ///< elements only
-    /// The outline of the stroked current path takes its place, with the context's line style.
+    /// Replaces the current path by the outline of its stroke in the context's line style.
     void replacePathWithStrokedPath();
     void clip(WindingRule); ///< intersects the clip with the current path and empties it
     void fillPath(WindingRule); ///< fills the current path and empties it
     void strokePath(); ///< strokes the current path with the context's line style and empties it
 
-    // Whole paths. Neither uses the current path.
+    // Whole paths. These do not use the current path.
     virtual void clipToPath(const Path&, WindingRule) = 0;
     virtual void clipToRect(const Rect&) = 0;
-    virtual Rect clipBounds() const = 0; ///< in user space; the zero rectangle when nothing can be seen
+    virtual Rect clipBounds() const = 0; ///< in user space; the zero rectangle if nothing is visible
     virtual void fillPath(const Path&, WindingRule) = 0;
     virtual void strokePath(const Path&, const LineStyle&) = 0;
     virtual void fillRect(const Rect&) = 0;
-    virtual void clearRect(const Rect&) = 0; ///< makes the pixels transparent, whatever the operation
+    virtual void clearRect(const Rect&) = 0; ///< makes pixels transparent, ignoring the operation
 
     // Style.
     virtual void setFillColor(const ColorValue&) = 0;
@@ -102,7 +102,7 @@ public:
     virtual void setLineStyle(const LineStyle&) = 0;
     virtual float flatness() const = 0;
     virtual void setFlatness(float devicePixels) = 0;
-    virtual void setAlpha(float alpha) = 0; ///< multiplies every drawing operation's own alpha
+    virtual void setAlpha(float alpha) = 0; ///< multiplied with the alpha of every drawing operation
     virtual void setCompositeOperation(CompositeOperation) = 0;
     virtual void setShouldAntialias(bool) = 0;
     virtual void setInterpolationQualityRange(InterpolationQuality least, InterpolationQuality most) = 0;
@@ -111,9 +111,9 @@ public:
         setInterpolationQualityRange(quality, quality);
     }
 
-    /// Every following operation, or transparency layer as a whole, casts a shadow. Offset and blur are
-    /// in base space, neither turned nor scaled by the current transform. The blur ends `blur` away from
-    /// what casts it: a Gaussian of standard deviation blur / 3.
+    /// Every following operation, or transparency layer as a whole, casts a shadow. Offset and blur are in
+    /// base space: the current transform neither rotates nor scales them. The blur extends `blur` beyond the
+    /// casting shape: a Gaussian of standard deviation blur / 3.
     virtual void setShadow(Size offset, float blur, const ColorValue&) = 0;
     virtual void clearShadow() = 0;
 
@@ -135,15 +135,15 @@ public:
     virtual void drawImage(const Rect&, const Image&) = 0;
     virtual void drawShading(const Shading&) = 0; ///< fills the clip
 
-    /// Draws page 1 of a PDF file, its media box into the rectangle, as vectors. `pixels` makes an image of
-    /// the page for what needs one, such as a shadow. False where the context keeps no vectors: then nothing
-    /// is drawn.
+    /// Draws page 1 of a PDF file as vectors, its media box mapped to the rectangle. `pixels` renders the page
+    /// as an image where pixels are needed, such as for a shadow. Returns false, and draws nothing, if the
+    /// context keeps no vectors.
     virtual bool placePage(const Rect&, const std::shared_ptr<const Data>&, const PagePixels&)
     {
         return false;
     }
 
-    virtual PixelAccess* pixelAccess() { return nullptr; } ///< none when the context has no pixels
+    virtual PixelAccess* pixelAccess() { return nullptr; } ///< null if the context has no pixels
 
 protected:
     Context();
@@ -151,15 +151,15 @@ protected:
     const Path& currentPath() const { return mPath; }
 
 private:
-    void alignPathToTransform(); ///< re-expresses the path's points in the present user space
-    Point alignedPoint(Point p); ///< a point of the present user space in that of the path
+    void alignPathToTransform(); ///< re-expresses the path's points in the current user space
+    Point alignedPoint(Point p); ///< maps a point from the current user space to that of the path
 
     Path mPath;
     AffineTransform mPathTransform; ///< current transform in which mPath's points are given
 };
 
-/// Saves a context's state and restores it at the end of the scope. What drawing that failed has left open is
-/// closed, and what it has drawn into layers is lost.
+/// Saves a context's state and restores it at the end of the scope. If drawing threw, states and layers
+/// left open are closed and the layers' content is discarded.
 class StateSaver {
 public:
     explicit StateSaver(Context& context)

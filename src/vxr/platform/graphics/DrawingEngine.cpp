@@ -101,7 +101,7 @@ void DrawingEngine::beginLayer()
     mLayerDepths.push_back(mStack.size());
     try {
         pushLayer();
-    } catch (...) { // there was no memory for it
+    } catch (...) { // out of memory
         mLayerDepths.pop_back();
         restoreState();
         throw;
@@ -129,7 +129,7 @@ void DrawingEngine::endLayer()
         leaveLayer(LayerEnd::Compose);
 }
 
-// A copy replaces nothing but what it covers, so it comes on top of the shadow that its layer has cast.
+// A copy replaces only what it covers, so it is drawn over the shadow that its layer has cast.
 void DrawingEngine::drawWithShadow(const std::function<void()>& draw)
 {
     const bool copies = state.operation == CompositeOperation::Copy;
@@ -143,7 +143,7 @@ void DrawingEngine::drawWithShadow(const std::function<void()>& draw)
     state.shadow = shadow;
 }
 
-// A copy clears first, so that what follows lies on nothing.
+// A copy clears first, so that following drawing has nothing below it.
 bool DrawingEngine::drawPatternWithAlpha(const Paint& paint, const std::function<void()>& draw)
 {
     const float alpha = paint.rgba[3];
@@ -166,8 +166,8 @@ bool DrawingEngine::drawPatternWithAlpha(const Paint& paint, const std::function
     return true;
 }
 
-// By the image that it was halved from, so that a reduced image looks like the image itself. Two pixels for
-// each of the device's are left to average, since between one and two the means of some would count twice.
+// The choice depends on the image at the start of the chain, so that a reduced image looks like the image
+// itself. Two pixels per device pixel remain to be averaged: with between one and two, some count twice.
 void DrawingEngine::drawImageInDetail(const Rect& rect, const Image& image)
 {
     int halvings = -image.halvings();

@@ -7,8 +7,8 @@
 
 namespace vxr {
 
-/// What draws for a context. Transform, style and the stack of states and layers are the same in every
-/// engine and stand here; an engine adds drawing, its own form of the clip and the memory of layers.
+/// The drawing back end of a context. Transform, style and the stack of states and layers are the same in
+/// every engine and live here; an engine adds drawing, its own form of the clip and the memory of layers.
 class DrawingEngine {
 public:
     virtual ~DrawingEngine();
@@ -18,9 +18,9 @@ public:
     // State.
     GraphicsState state;
     void saveState();
-    void restoreState(); ///< does nothing without a save within the innermost layer
+    void restoreState(); ///< does nothing if there is no save within the innermost layer
     std::size_t stateDepth() const { return mStack.size(); }
-    void unwindToDepth(std::size_t); ///< drops layers that are open
+    void unwindToDepth(std::size_t); ///< discards layers that are open
     const AffineTransform& baseTransform() const { return mBase; }
     void setBaseTransform(const AffineTransform&);
     void concatTransform(const AffineTransform& t) { setTransform(concat(t, state.transform)); }
@@ -28,7 +28,7 @@ public:
     void setLayerReach(const Rect&);
     virtual bool clipChangesPixels() const { return false; } ///< inside of it
 
-    // Drawing; the operations of the context.
+    // Drawing: the operations of the context.
     virtual void clipToPath(const Path&, WindingRule) = 0;
     virtual void clipToRect(const Rect&) = 0;
     virtual void fillPath(const Path&, WindingRule) = 0;
@@ -42,37 +42,37 @@ public:
     }
     virtual void drawShading(const Shading&) = 0;
     virtual PixelAccess* pixelAccess() { return nullptr; }
-    /// Draws a reduced image where several pixels of the image fall into one of the device's along both
-    /// sides.
+    /// Draws a reduced copy of the image if several of its pixels fall into one device pixel along both
+    /// axes.
     void drawImageInDetail(const Rect&, const Image&);
     void beginLayer();
-    void endLayer(); ///< does nothing without a layer
+    void endLayer(); ///< does nothing if there is no layer
 
 protected:
     enum class LayerEnd { Compose, ShadowOnly, Drop };
 
     DrawingEngine();
 
-    /// A fresh state in which `extents` can be seen. The line y = 0 of default user space is `height` down.
+    /// A fresh state in which `extents` is visible. The line y = 0 of default user space is `height` down.
     void startSurface(const DeviceBox& extents, double height);
-    void stopSurface(); ///< open layers are ended; nothing is drawn any more
+    void stopSurface(); ///< ends open layers; nothing is drawn afterwards
 
     bool canDraw() const { return mIsOpen && state.drawable && !state.clip.isEmpty(); }
-    virtual bool hasPixels() const { return true; } ///< and so has no use for more detail than they show
+    virtual bool hasPixels() const { return true; } ///< false: more detail than the pixels show is useful
     bool isInLayer() const { return !mLayerDepths.empty(); }
     double deviceHeight() const { return mDeviceHeight; }
     /// Draws through a layer that casts the state's shadow.
     void drawWithShadow(const std::function<void()>& draw);
-    /// Composes what `draw` paints with a pattern as one object of the pattern's alpha. False, and nothing is
-    /// drawn, when the engine can paint it in one step.
+    /// Composes what `draw` paints with a pattern as one object with the pattern's alpha. Returns false, and
+    /// draws nothing, if the engine can paint it in one step.
     bool drawPatternWithAlpha(const Paint&, const std::function<void()>& draw);
 
-    // The engine's part, called after the state itself was kept or came back.
+    // Implemented by engines; called after the state itself has been saved or restored.
     virtual void didSaveState() { }
     virtual void didRestoreState() { }
-    /// What follows goes to a layer; `state.clip` becomes what the layer holds.
+    /// Following drawing goes to a layer; `state.clip` becomes the area the layer holds.
     virtual void pushLayer() = 0;
-    /// The innermost layer ends and does to what lies below it what `end` says.
+    /// Ends the innermost layer and composes it with what lies below, as `end` says.
     virtual void popLayer(LayerEnd end) = 0;
 
 private:
@@ -83,7 +83,7 @@ private:
     double mDeviceHeight = 0;
     AffineTransform mBase;
     std::vector<GraphicsState> mStack;
-    std::vector<std::size_t> mLayerDepths; ///< size of the stack within each layer at its begin
+    std::vector<std::size_t> mLayerDepths; ///< for each layer, the size of the state stack at its begin
 };
 
 } // namespace vxr

@@ -7,11 +7,11 @@
 
 namespace vxr {
 
-/// What engines keep for an image, a shading or a pattern. Each engine names a type of its own, so that none
-/// meets another's; an object drawn by two engines has both forms. Dropped with the object.
+/// What engines cache for an image, a shading or a pattern. Each engine uses its own types, so engines cannot
+/// confuse each other's data; an object drawn by two engines holds both. Freed with the object.
 class EngineCaches {
 public:
-    /// The cache of type `T`. Empty until somebody fills it.
+    /// The cache of type `T`. Empty until it has been filled.
     template <class T> std::shared_ptr<T> find() const
     {
         const auto found = std::find_if(mEntries.begin(), mEntries.end(), isFor<T>);
@@ -25,7 +25,7 @@ public:
         else
             found->second = std::move(cache);
     }
-    /// The cache of type `T`, made when there is none.
+    /// The cache of type `T`, created if there is none.
     template <class T> T& findOrMake()
     {
         auto cache = find<T>();
@@ -40,7 +40,7 @@ public:
 private:
     using Entry = std::pair<const char*, std::shared_ptr<void>>;
 
-    template <class T> static constexpr char key = 0; ///< its address stands for the type
+    template <class T> static constexpr char key = 0; ///< its address identifies the type
     template <class T> static bool isFor(const Entry& entry) { return entry.first == &key<T>; }
 
     std::vector<Entry> mEntries;

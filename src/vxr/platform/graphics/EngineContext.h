@@ -6,7 +6,7 @@
 
 namespace vxr {
 
-/// A context, or a kind of contexts, drawn by an engine.
+/// A context, or a family of contexts, drawn by an engine.
 template <class Interface> class EngineContext : public Interface {
 public:
     explicit EngineContext(std::unique_ptr<DrawingEngine> engine)
@@ -54,7 +54,7 @@ public:
     void setAlpha(float alpha) final { state().alpha = unit(alpha); }
     void setCompositeOperation(CompositeOperation operation) final { state().operation = operation; }
     void setShouldAntialias(bool antialias) final { state().antialias = antialias; }
-    // The best that is allowed is always within reach.
+    // The best permitted quality is always available.
     void setInterpolationQualityRange(InterpolationQuality, InterpolationQuality most) final
     {
         state().quality = most;
@@ -84,7 +84,7 @@ protected:
     DrawingEngine& engine() const { return *mEngine; }
 
 private:
-    /// Within [0, 1]; 0 for what is not a number.
+    /// Clamped to [0, 1]; 0 for NaN.
     static float unit(float alpha) { return alpha > 0 ? std::min(alpha, 1.0f) : 0; }
 
     GraphicsState& state() const { return mEngine->state; }

@@ -15,7 +15,7 @@ std::vector<std::shared_ptr<GraphicsContext>>& contextStack()
     return stack;
 }
 
-/// A pointer to what somebody else owns and keeps alive.
+/// Wraps a pointer to an object owned and kept alive elsewhere.
 std::shared_ptr<Context> notOwned(Context& context) { return { std::shared_ptr<void>(), &context }; }
 
 } // namespace

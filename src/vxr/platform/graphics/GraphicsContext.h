@@ -4,8 +4,8 @@
 
 namespace vxr {
 
-/// The drawing environment of the moment: a context, whether it draws to a screen, whether it is flipped.
-/// A stack of them is kept; drawing code that is handed no context draws into the top one.
+/// The current drawing environment: a context, whether it draws to a screen, whether it is flipped.
+/// Environments form a stack; drawing code that is not given a context draws into the top one.
 class VXR_EXPORT GraphicsContext final : public Object {
 public:
     GraphicsContext(std::shared_ptr<Context> context, bool drawsToScreen, bool isFlipped);
@@ -16,11 +16,11 @@ public:
     bool isDrawingToScreen() const { return mDrawsToScreen; }
     bool isFlipped() const { return mFlipped; }
 
-    static GraphicsContext* currentContext(); ///< none when nothing is being drawn
-    static bool currentContextDrawingToScreen(); ///< true when there is no current context
+    static GraphicsContext* currentContext(); ///< null if nothing is being drawn
+    static bool currentContextDrawingToScreen(); ///< true if there is no current context
     static void push(std::shared_ptr<GraphicsContext>);
-    static void pop(); ///< does nothing on an empty stack
-    static void saveGraphicsState(); ///< of the current context's drawing port
+    static void pop(); ///< does nothing if the stack is empty
+    static void saveGraphicsState(); ///< saves the state of the current context
     static void restoreGraphicsState();
 
 private:
@@ -29,18 +29,18 @@ private:
     bool mFlipped;
 };
 
-/// Makes a graphics context current for the length of a scope.
+/// Makes a graphics context current for the duration of a scope.
 class VXR_EXPORT CurrentContextScope {
 public:
     explicit CurrentContextScope(std::shared_ptr<GraphicsContext>);
-    /// Over a caller-owned context that outlives the scope.
+    /// Wraps a context owned by the caller, which must outlive the scope.
     CurrentContextScope(Context&, bool drawsToScreen, bool isFlipped);
     ~CurrentContextScope();
     CurrentContextScope(const CurrentContextScope&) = delete;
     CurrentContextScope& operator=(const CurrentContextScope&) = delete;
 };
 
-/// The current drawing port. Throws `GenericException` when nothing is being drawn.
+/// The current context. Throws `GenericException` if nothing is being drawn.
 VXR_EXPORT Context& currentDrawingPort();
 
 /// Fills with the current context's colour through `operation`.

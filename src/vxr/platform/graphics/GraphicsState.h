@@ -8,13 +8,13 @@
 
 namespace vxr {
 
-/// What fills or strokes: a colour, or a pattern whose alpha is the colour's.
+/// A fill or stroke paint: a colour, or a pattern that uses the colour's alpha.
 struct Paint {
     std::array<float, 4> rgba { 0, 0, 0, 1 };
     std::shared_ptr<const Pattern> pattern;
 };
 
-/// A shadow in base space. Without a colour there is none.
+/// A shadow in base space. Without a colour there is no shadow.
 struct ShadowStyle {
     Size offset;
     float blur = 0;
@@ -23,12 +23,12 @@ struct ShadowStyle {
     bool isVisible() const { return rgba[3] > 0; }
 };
 
-/// Everything that a save keeps and that is the same in every engine. The clip's exact form is the engine's.
+/// The saved state that is the same in every engine. The exact form of the clip belongs to the engine.
 struct GraphicsState {
     AffineTransform transform; ///< user space to device space, y up
-    bool drawable = true; ///< the transform has an inverse
-    DeviceBox clip; ///< encloses the clip
-    bool clipIsPixels = true; ///< the clip is all of the box, and that has whole coordinates
+    bool drawable = true; ///< whether the transform is invertible
+    DeviceBox clip; ///< bounds of the clip
+    bool clipIsPixels = true; ///< the clip is the whole box, which has integer edges
     DeviceBox layerReach; ///< that layers extend to at the sides
     Paint fill, stroke;
     LineStyle line;

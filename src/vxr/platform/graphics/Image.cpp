@@ -30,7 +30,7 @@ bool isPossibleLayout(const ImageLayout& layout, std::size_t size)
     const std::size_t row = static_cast<std::size_t>(layout.width) * layout.bytesPerPixel();
     if (layout.bytesPerRow < row || size < row)
         return false;
-    // The last row may end with its last pixel.
+    // The last row may end right after its last pixel.
     return (size - row) / layout.bytesPerRow >= static_cast<std::size_t>(layout.height) - 1;
 }
 

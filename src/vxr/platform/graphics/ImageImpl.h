@@ -7,16 +7,16 @@
 
 namespace vxr {
 
-/// An image as it is drawn: premultiplied ARGB in native byte order.
+/// An image in the form in which it is drawn: premultiplied ARGB in native byte order.
 struct NativePixels {
     const std::uint32_t* pixels = nullptr;
     int width = 0, height = 0;
-    std::ptrdiff_t stride = 0; ///< pixels from row to row
-    bool opaque = false; ///< every alpha is 255
-    std::shared_ptr<const void> owner; ///< of the memory
+    std::ptrdiff_t stride = 0; ///< pixels from one row to the next
+    bool opaque = false; ///< whether every alpha is 255
+    std::shared_ptr<const void> owner; ///< keeps the memory alive
 };
 
-/// An image's memory, its form for drawing and what engines keep for it.
+/// An image's memory, its form for drawing and the engines' caches for it.
 struct Image::Impl {
     Impl(const ImageLayout& imageLayout, const std::uint8_t* imagePixels,
         std::shared_ptr<const void> pixelOwner);
@@ -27,26 +27,26 @@ struct Image::Impl {
     const std::uint8_t* pixels;
     std::shared_ptr<const void> owner;
     EngineCaches caches;
-    std::shared_ptr<const Data> jpeg; ///< that stands for the pixels in documents; or none
-    std::shared_ptr<const Image> half; ///< made when it is first needed
+    std::shared_ptr<const Data> jpeg; ///< embedded in documents in place of the pixels; may be null
+    std::shared_ptr<const Image> half; ///< created when first needed
     int halvings = 0;
-    int sourceWidth, sourceHeight; ///< before them
+    int sourceWidth, sourceHeight; ///< before halving
 
-    /// Made on the first call and kept; pixels that already are in that form are used where they lie. Null
-    /// when memory is short, then there is nothing to draw.
+    /// Converted on the first call and kept; pixels already in that form are used in place. Null if memory
+    /// runs out: then nothing is drawn.
     const NativePixels* native();
 
 private:
     NativePixels mNative;
 };
 
-/// Row `y` as straight r, g, b, a bytes of the output, for any layout.
+/// Row `y` as straight r, g, b, a bytes in the output's colour space, for any layout.
 void readStraightRow(const ImageLayout&, const std::uint8_t* pixels, int y, std::uint8_t* rgba);
 
-/// Whether such pixels can exist within `size` bytes.
+/// Whether pixels of this layout fit into `size` bytes.
 bool isPossibleLayout(const ImageLayout&, std::size_t size);
 
-/// Limit for either side of an image.
+/// Limit for each side of an image.
 inline constexpr int maxImageSide = 32767;
 
 } // namespace vxr

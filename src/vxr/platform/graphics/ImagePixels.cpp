@@ -5,8 +5,8 @@
 #include <cstring>
 #include <new>
 
-// Conversion of any layout to the two forms the output knows: straight RGBA bytes for files and
-// premultiplied native ARGB for drawing.
+// Conversion of any layout to the two output forms: straight RGBA bytes for files and premultiplied
+// native ARGB for drawing.
 
 namespace vxr {
 
@@ -36,7 +36,7 @@ constexpr std::uint32_t premultiplied(std::uint32_t value, std::uint32_t alpha)
     return (t + (t >> 8)) >> 8;
 }
 
-/// round(value * 255 / alpha), at most 255; 0 where alpha is 0. Undoes `premultiplied` and is undone by it.
+/// round(value * 255 / alpha), at most 255; 0 if alpha is 0. The inverse of `premultiplied`.
 constexpr std::uint8_t unpremultiplied(std::uint32_t value, std::uint32_t alpha)
 {
     if (alpha == 0)
@@ -50,7 +50,7 @@ const std::uint8_t* rowOf(const ImageLayout& layout, const std::uint8_t* pixels,
     return pixels + static_cast<std::size_t>(y) * layout.bytesPerRow;
 }
 
-/// Splits a row into its colour components, straight, and its alpha.
+/// Splits a row into straight colour components and alpha.
 void splitRow(
     const ImageLayout& layout, const std::uint8_t* row, std::uint8_t* components, std::uint8_t* alpha)
 {
@@ -70,7 +70,7 @@ void splitRow(
     }
 }
 
-/// Rows of any layout one after the other, with the memory that converting them takes.
+/// Reads rows of any layout in order, with the buffers that the conversion needs.
 class RowReader {
 public:
     explicit RowReader(const ImageLayout& layout)
@@ -118,7 +118,7 @@ void convertToNative(const ImageLayout& layout, const std::uint8_t* pixels, std:
     }
 }
 
-/// RGB pixels of four bytes whose colours need no conversion: the common case, without a detour.
+/// RGB pixels of four bytes whose colours need no conversion: the common case, handled directly.
 template <bool straight>
 void convertRGBA(const ImageLayout& layout, const std::uint8_t* pixels, std::uint8_t* target, int stride)
 {
@@ -142,7 +142,7 @@ bool isPlainRGB(const ImageLayout& layout)
         || (layout.space->model() == ColorModel::RGB && layout.space->convertsToOutputUnchanged());
 }
 
-/// Pixels that can be drawn from where they lie.
+/// Whether the pixels can be drawn in place.
 bool isNativeForm(const ImageLayout& layout, const std::uint8_t* pixels)
 {
     const bool hasAlphaBytes = layout.alpha == AlphaFormat::PremultipliedFirst

@@ -9,7 +9,7 @@ namespace vxr {
 
 namespace {
 
-/// The pixels along one axis that one pixel of half the length covers, and how much of each.
+/// The pixels along one axis that a pixel at half the resolution covers, with their weights.
 struct Cover {
     int first = 0;
     std::array<float, 3> weights {}; ///< sum 1
@@ -41,7 +41,7 @@ struct Pixels {
     std::uint8_t* row(int y) const { return bytes + y * stride; }
 };
 
-/// Both sides are even: means of four.
+/// Both sides are even: each pixel is the mean of four.
 void halveEven(const Pixels& source, const Pixels& half)
 {
     for (int y = 0; y < half.height; ++y) {

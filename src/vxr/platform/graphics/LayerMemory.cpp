@@ -28,7 +28,7 @@ LayerMemory::Block LayerMemory::take(std::size_t size)
     return { static_cast<std::uint8_t*>(bytes), size };
 }
 
-// The smallest goes when there are too many: a large one serves every layer.
+// With too many blocks the smallest is freed: a large one can serve any layer.
 void LayerMemory::giveBack(Block block)
 {
     if (!block.bytes)

@@ -6,11 +6,11 @@
 
 namespace vxr {
 
-/// Zeroed pixel memory for transparency layers, kept for the next one.
+/// Zeroed pixel memory for transparency layers, kept for reuse.
 ///
-/// A layer is as large as the clip, what is drawn into it mostly is not: fresh memory comes from the
-/// system as pages that cost nothing until they are touched, and whoever gives a block back has cleared
-/// what was drawn. So neither the page nor the pixels are paid for that a layer never uses.
+/// A layer is as large as the clip, but most drawing in it is not. Fresh memory comes from the system as
+/// pages that cost nothing until touched, and a block is returned with the drawn area cleared again. So a
+/// layer pays for neither the pages nor the pixels that it never uses.
 class LayerMemory {
 public:
     struct Block {

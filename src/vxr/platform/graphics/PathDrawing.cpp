@@ -4,8 +4,8 @@ namespace vxr {
 
 namespace {
 
-/// Gives a context a path's flatness for the length of a scope. Not a saved state, which would take back a
-/// clip as well.
+/// Sets a path's flatness in a context for the duration of a scope. Not a saved state, which would also
+/// restore the clip.
 class FlatnessScope {
 public:
     FlatnessScope(Context& context, float flatness)

@@ -12,12 +12,12 @@ class Context;
 
 /// A coloured cell drawn by a callback and repeated at exact, possibly fractional steps.
 ///
-/// The cell's space is mapped by `matrix` into the context's base space, not its current space.
+/// `matrix` maps the cell's space to the context's base space, not to its current space.
 class VXR_EXPORT Pattern final : public Object {
 public:
     using Draw = std::function<void(Context&)>;
 
-    /// `cell` is what the callback may paint; steps are in cell space and not zero.
+    /// `cell` is the area the callback may paint. Steps are in cell space and must not be zero.
     Pattern(const Rect& cell, const AffineTransform& matrix, float xStep, float yStep, Draw draw);
     ~Pattern() override;
 

@@ -28,7 +28,7 @@ void drawPatternCell(Context& context, const Pattern& pattern, Point offset)
 
 void drawPatternPeriod(Context& context, const Pattern& pattern, float xScale, float yScale)
 {
-    constexpr int maxOverlap = 8; // cells that may lie over one another along an axis
+    constexpr int maxOverlap = 8; // cells that may overlap along one axis
     const Rect& cell = pattern.cell();
     const double xStep = usablePatternStep(pattern.xStep(), cell.size.width);
     const double yStep = usablePatternStep(pattern.yStep(), cell.size.height);
@@ -37,7 +37,7 @@ void drawPatternPeriod(Context& context, const Pattern& pattern, float xScale, f
     const auto reach = [](double side, double step) {
         return static_cast<int>(std::min<double>(std::ceil(side / step) - 1, maxOverlap));
     };
-    // A cell larger than its step reaches over from the neighbours before it.
+    // A cell larger than its step extends into the following cells.
     for (int j = -reach(cell.size.height, yStep); j <= 0; ++j)
         for (int i = -reach(cell.size.width, xStep); i <= 0; ++i)
             drawPatternCell(

@@ -4,14 +4,14 @@
 
 namespace vxr {
 
-/// A pattern's step as a length; that of the cell's side in place of an impossible one.
+/// A pattern's step as a length; the side of the cell if the step is impossible.
 double usablePatternStep(float step, float cellSide);
 
-/// Draws one cell, `offset` away from the one at the origin. Where cells touch, their edges are not smoothed:
-/// each has pixels of its own, and no seam shows.
+/// Draws one cell, offset from the origin by `offset`. Edges where cells touch are not antialiased: each
+/// cell covers pixels of its own, so no seams show.
 void drawPatternCell(Context&, const Pattern&, Point offset);
 
-/// Draws one period, scaled, its lower left corner at the origin of a context's default space.
+/// Draws one period, scaled, with its lower left corner at the origin of a context's default space.
 void drawPatternPeriod(Context&, const Pattern&, float xScale, float yScale);
 
 } // namespace vxr

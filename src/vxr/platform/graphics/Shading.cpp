@@ -15,10 +15,10 @@ float unit(float value)
 using RGBA = std::array<float, 4>;
 
 constexpr float level = 1.0f / 255;
-/// Together half an 8-bit level: what sampling and then dropping needless stops may be off.
+/// Together half an 8-bit level: the error allowed to sampling and to dropping redundant stops.
 constexpr float sampleTolerance = 0.4f * level;
 constexpr float dropTolerance = 0.1f * level;
-/// What a jump has at least; anything smaller can't be seen as one.
+/// The smallest change treated as a jump; anything less is invisible.
 constexpr float jumpStep = 1.5f * level;
 
 float distance(const RGBA& a, const RGBA& b)
@@ -37,8 +37,8 @@ RGBA mix(const RGBA& a, const RGBA& b, float t)
     return mixed;
 }
 
-/// Samples a function into linear pieces. Each stretch between two hints is halved until its pieces are
-/// linear within the tolerance; the number of halvings is bounded, and so is the number of stops.
+/// Samples a function into linear pieces. Each interval between hints is bisected until its pieces are
+/// linear within the tolerance. The number of bisections is bounded, and so is the number of stops.
 class Sampler {
 public:
     Sampler(const ShadingFunction& function, const ColorSpace* space)
@@ -94,8 +94,8 @@ private:
             mStops.push_back({ position, rgba });
     }
 
-    /// The value at a hint belongs to one of its sides only, so both ends are taken a hair inside and
-    /// placed on the hints.
+    /// The value at a hint belongs to one side only, so both ends are sampled slightly inside the interval
+    /// and placed at the hints.
     void sampleStretch(float begin, float end)
     {
         const Sample first = sample(std::nextafter(begin, end));
@@ -105,7 +105,7 @@ private:
         add(end, last.value);
     }
 
-    /// Adds what lies strictly between two samples.
+    /// Adds the stops strictly between two samples.
     void refine(const Sample& a, const Sample& b, int depth)
     {
         const float middle = a.at + (b.at - a.at) * 0.5f;
@@ -134,8 +134,8 @@ private:
         return true;
     }
 
-    /// The function changes within a piece that is too short to be halved further: narrows the change
-    /// down and puts two stops there.
+    /// The function changes within a piece too short to bisect further: narrows the change down and places
+    /// two stops there.
     void addJump(Sample a, Sample b)
     {
         for (;;) {
@@ -150,13 +150,13 @@ private:
     }
 
     const ShadingFunction& mFunction;
-    const ColorSpace* mSpace; ///< none where the values are the output's own
-    int mDepthLimit = 0; ///< halvings of a stretch, at most
-    int mCoarseDepth = 0; ///< and at least, so that a wave isn't taken for a line
+    const ColorSpace* mSpace; ///< null if the values are already in the output's space
+    int mDepthLimit = 0; ///< maximum number of bisections of an interval
+    int mCoarseDepth = 0; ///< minimum number, so that a wave is not mistaken for a line
     std::vector<ShadingStop> mStops;
 };
 
-/// Whether the stops strictly between `first` and `last` lie on the line through those two.
+/// Whether all stops strictly between `first` and `last` lie on the line through those two.
 bool isLine(const std::vector<ShadingStop>& stops, std::size_t first, std::size_t last)
 {
     const float begin = stops[first].position, length = stops[last].position - begin;
@@ -168,14 +168,14 @@ bool isLine(const std::vector<ShadingStop>& stops, std::size_t first, std::size_
     return true;
 }
 
-/// Fewer stops draw faster: leaves out those that lie on a line between others.
+/// Fewer stops draw faster: drops those on a line between their neighbours.
 std::vector<ShadingStop> withoutNeedlessStops(const std::vector<ShadingStop>& stops)
 {
     std::vector<ShadingStop> kept { stops.front() };
     std::size_t from = 0;
     while (from + 1 < stops.size()) {
         std::size_t to = from + 1;
-        // Both stops of a jump stay.
+        // Both stops of a jump are kept.
         while (to + 1 < stops.size() && stops[to].position != stops[to + 1].position
             && stops[to].position != stops[to - 1].position && isLine(stops, from, to + 1))
             ++to;

@@ -11,13 +11,13 @@
 namespace vxr {
 
 /// A function of one input in [0, 1] and four outputs (red, green, blue, alpha, not premultiplied), each
-/// clamped into [0, 1] (NaN gives 0).
+/// clamped to [0, 1] (NaN gives 0).
 class VXR_EXPORT ShadingFunction final : public Object {
 public:
     using Evaluate = void (*)(void* info, const float* input, float* output);
     using Release = void (*)(void* info);
 
-    /// `release` runs when the function goes; it may be null.
+    /// `release` is called when the function is destroyed; it may be null.
     ShadingFunction(void* info, Evaluate evaluate, Release release);
     ~ShadingFunction() override;
     ShadingFunction(const ShadingFunction&) = delete;
@@ -31,19 +31,19 @@ private:
     Release mRelease;
 };
 
-/// A colour at a place along a shading, as back ends take it.
+/// A colour at a position along a shading, in the form that back ends use.
 struct ShadingStop {
     float position;
     std::array<float, 4> rgba;
 };
 
-/// An axial or radial blend of colours, placed by the context's transform. Immutable but for `resample`.
+/// An axial or radial blend of colours, placed by the context's transform. Immutable except for `resample`.
 class VXR_EXPORT Shading final : public Object {
 public:
     enum class Kind { Axial, Radial };
 
-    /// `hints` are inputs at which the function may jump (ascending, in [0, 1]); both sides of a jump
-    /// are kept. Without them jumps are found by bisection.
+    /// `hints` are inputs where the function may jump (ascending, in [0, 1]); the values on both sides of a
+    /// jump are kept. Without hints jumps are found by bisection.
     static std::shared_ptr<Shading> createAxial(std::shared_ptr<const ColorSpace>, Point start, Point end,
         std::shared_ptr<const ShadingFunction>, bool extendStart, bool extendEnd,
         std::span<const float> hints = {});
@@ -61,18 +61,18 @@ public:
     bool extendsStart() const { return mExtendStart; }
     bool extendsEnd() const { return mExtendEnd; }
 
-    /// The function sampled once into linear pieces, ascending, first at 0 and last at 1, two stops at
-    /// one position where it jumps: within half an 8-bit level of the function.
+    /// The function as linear pieces, sampled once: ascending stops, the first at 0 and the last at 1, two at
+    /// the same position where it jumps. Within half an 8-bit level of the function.
     const std::vector<ShadingStop>& stops() const { return mStops; }
 
-    /// Samples the function again, for whoever changes what it answers. Engines make their forms anew.
+    /// Samples the function again after its results have changed. Engines rebuild their own forms.
     void resample(std::span<const float> hints);
 
     struct Geometry; ///< for the factories
     Shading(const Geometry&, std::shared_ptr<const ColorSpace>, std::shared_ptr<const ShadingFunction>,
         std::span<const float> hints);
 
-    EngineCaches& engineCaches() const { return mEngineCaches; } ///< engines' own forms of the shading
+    EngineCaches& engineCaches() const { return mEngineCaches; } ///< the engines' own forms of the shading
 
 private:
     Kind mKind;

@@ -18,7 +18,7 @@ struct FileCloser {
 };
 using File = std::unique_ptr<std::FILE, FileCloser>;
 
-/// libpng's whole-image reader and writer: it reports errors as a message and never jumps.
+/// libpng's simplified API: it reports errors as a message and never jumps.
 struct PNGSession {
     png_image image {};
 
@@ -36,8 +36,8 @@ void report(std::string* error, const std::string& path, const std::string& reas
         *error = path + ": " + reason;
 }
 
-/// Deflate can't shrink further than 1032 to 1, so a header that promises more pixels than the file could
-/// hold is refused before memory is taken for them. One bit per pixel is the least.
+/// Deflate cannot compress by more than 1032 to 1, so a header that promises more pixels than the file could
+/// hold is rejected before memory is allocated. A pixel has at least one bit.
 bool isPlausibleSize(png_uint_32 width, png_uint_32 height, std::size_t fileSize)
 {
     constexpr std::size_t pixelLimit = std::size_t { 1 } << 28;
@@ -70,7 +70,7 @@ std::shared_ptr<const Image> Image::createWithPNGFile(const std::string& path, s
     }
     session.image.format = PNG_FORMAT_RGBA;
     session.image.flags
-        |= PNG_IMAGE_FLAG_16BIT_sRGB; // 16-bit files without a gamma are taken like 8-bit ones
+        |= PNG_IMAGE_FLAG_16BIT_sRGB; // treats 16-bit files without gamma like 8-bit ones
     ImageLayout layout;
     layout.width = static_cast<int>(session.image.width);
     layout.height = static_cast<int>(session.image.height);

@@ -9,7 +9,7 @@ namespace {
 
 enum FieldType : std::uint16_t { Short = 3, Long = 4 };
 
-/// A little-endian file of one directory behind its pixels.
+/// A little-endian file with one directory after the pixels.
 class Writer {
 public:
     void put16(std::uint32_t value) { put(value, 2); }
@@ -68,11 +68,11 @@ std::vector<std::byte> tiffOfImage(const Image& image)
     file.putField(258, Short, 4, headerBytes); // bits per sample
     file.putField(259, Short, 1, 1); // not compressed
     file.putField(262, Short, 1, 2); // RGB
-    file.putField(273, Long, 1, headerBytes + bitsBytes); // the one strip
+    file.putField(273, Long, 1, headerBytes + bitsBytes); // the only strip
     file.putField(277, Short, 1, 4);
     file.putField(278, Long, 1, height);
     file.putField(279, Long, 1, pixelBytes);
-    file.putField(284, Short, 1, 1); // samples side by side
+    file.putField(284, Short, 1, 1); // samples interleaved
     file.putField(338, Short, 1, 2); // the fourth is straight alpha
     file.put32(0);
     return file.take();

@@ -7,7 +7,7 @@
 
 namespace vxr {
 
-/// The pixels as r, g, b, a bytes, colours not multiplied by alpha, row after row.
+/// The pixels as r, g, b, a bytes with straight alpha, row after row.
 std::vector<std::uint8_t> straightPixelsOfImage(const Image&);
 
 /// An uncompressed TIFF file of these pixels.

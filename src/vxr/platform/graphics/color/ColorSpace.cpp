@@ -49,9 +49,9 @@ ProfileBytes savedProfile(cmsHPROFILE profile)
     ProfileBytes bytes(size);
     if (!cmsSaveProfileToMem(profile, bytes.data(), &size))
         return {};
-    // The header's date of creation would make the same space differ from one run to the next.
+    // The creation date in the header would make equal spaces differ from one run to the next.
     constexpr std::size_t dateOffset = 24, dateSize = 12;
-    constexpr unsigned char date[dateSize] = { 0x07, 0xd0, 0, 1, 0, 1 }; // first of January 2000
+    constexpr unsigned char date[dateSize] = { 0x07, 0xd0, 0, 1, 0, 1 }; // 1 January 2000
     if (bytes.size() >= dateOffset + dateSize)
         std::memcpy(bytes.data() + dateOffset, date, dateSize);
     return bytes;
@@ -60,7 +60,7 @@ ProfileBytes savedProfile(cmsHPROFILE profile)
 const ProfileBytes& genericGrayProfile()
 {
     static const ProfileBytes bytes = [] {
-        // The piecewise curve of sRGB: power, slope and offset above 0.04045, a straight line below.
+        // The sRGB curve in pieces: a power with slope and offset above 0.04045, a straight line below.
         const cmsFloat64Number srgb[] = { 2.4, 1 / 1.055, 0.055 / 1.055, 1 / 12.92, 0.04045 };
         std::unique_ptr<cmsToneCurve, CurveDeleter> curve(cmsBuildParametricToneCurve(nullptr, 4, srgb));
         return savedProfile(Profile(cmsCreateGrayProfile(cmsD50_xyY(), curve.get())).get());
@@ -79,7 +79,7 @@ struct DefaultCMYK {
     ProfileBytes bytes;
 };
 
-/// The first usable CMYK profile among the places where systems install one.
+/// The first usable CMYK profile in the folders where systems install them.
 const DefaultCMYK& defaultCMYK()
 {
     static const DefaultCMYK found = [] {
@@ -104,7 +104,7 @@ const DefaultCMYK& defaultCMYK()
 struct ColorSpace::Impl {
     ColorModel model;
     ProfileBytes profile; ///< empty for device spaces
-    Transforms transforms; ///< none where values reach the output unchanged
+    Transforms transforms; ///< null if values reach the output unchanged
 };
 
 namespace {
@@ -171,7 +171,7 @@ std::shared_ptr<const ColorSpace> ColorSpace::createWithICCProfile(
         : components == 3                    ? ColorModel::RGB
                                              : ColorModel::CMYK;
     ProfileBytes bytes(profile.begin(), profile.end());
-    // The generic profiles are the output's own: their values stay as they are.
+    // The generic profiles equal the output's: values are used as they are.
     if ((model == ColorModel::Gray && bytes == genericGrayProfile())
         || (model == ColorModel::RGB && bytes == genericRGBProfile()))
         return makeSpace(model, std::move(bytes));
@@ -195,7 +195,7 @@ std::span<const std::byte> ColorSpace::profileData() const { return mImpl->profi
 std::array<float, 3> ColorSpace::toSRGB(const float* components) const
 {
     if (mImpl->transforms) {
-        // lcms2 counts float inks in percent.
+        // lcms2 expects float inks in percent.
         const float scale = mImpl->model == ColorModel::CMYK ? 100.0f : 1.0f;
         std::array<float, 4> in {};
         for (int i = 0; i < componentCount(); ++i)

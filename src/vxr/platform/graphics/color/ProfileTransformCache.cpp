@@ -26,7 +26,7 @@ std::array<unsigned char, 16> digestOf(std::span<const std::byte> bytes)
 
 ProfileTransformCache& ProfileTransformCache::shared()
 {
-    constexpr std::size_t capacity = 32; // profiles; a transform of four inks takes about 200 KB
+    constexpr std::size_t capacity = 32; // profiles; a CMYK transform takes about 200 KB
     static auto& cache = *new ProfileTransformCache(capacity);
     return cache;
 }

@@ -9,8 +9,8 @@
 
 namespace vxr {
 
-/// Keeps the transforms of the profiles used last, by the MD5 digest of their bytes. Transforms that are
-/// dropped live on in the colour spaces that hold them.
+/// Caches the transforms of the most recently used profiles, keyed by the MD5 digest of their bytes. Colour
+/// spaces that hold an evicted transform keep it alive.
 class ProfileTransformCache {
 public:
     explicit ProfileTransformCache(std::size_t capacity)
@@ -18,9 +18,9 @@ public:
     {
     }
 
-    static ProfileTransformCache& shared(); ///< of the process
+    static ProfileTransformCache& shared(); ///< the shared cache of the process
 
-    /// None for a profile that can't be used, which is not remembered.
+    /// Null for an unusable profile; such failures are not cached.
     std::shared_ptr<const ProfileTransforms> transformsFor(
         std::span<const std::byte> profile, ColorModel model);
 
@@ -34,7 +34,7 @@ private:
     };
 
     std::size_t mCapacity;
-    std::list<Entry> mEntries; ///< the one used last in front
+    std::list<Entry> mEntries; ///< most recently used in front
     std::map<Key, std::list<Entry>::iterator> mByKey;
 };
 

@@ -17,7 +17,7 @@ struct Formats {
     cmsUInt32Number bytes, floats;
     std::size_t components;
 };
-/// By colour model.
+/// Indexed by colour model.
 constexpr Formats formats[] = {
     { cmsSigGrayData, TYPE_GRAY_8, TYPE_GRAY_FLT, 1 },
     { cmsSigRgbData, TYPE_RGB_8, TYPE_RGB_FLT, 3 },
@@ -63,7 +63,7 @@ std::shared_ptr<const ProfileTransforms> ProfileTransforms::make(
 
 void ProfileTransforms::convertBytes(const std::uint8_t* source, std::uint8_t* rgb, std::size_t count) const
 {
-    constexpr std::size_t chunk = std::size_t { 1 } << 24; // lcms2 counts in 32 bits
+    constexpr std::size_t chunk = std::size_t { 1 } << 24; // lcms2 counts pixels in 32 bits
     for (std::size_t done = 0; done < count; done += chunk) {
         const std::size_t n = std::min(chunk, count - done);
         cmsDoTransform(

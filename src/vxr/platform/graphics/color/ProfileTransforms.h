@@ -12,14 +12,14 @@ namespace vxr {
 /// Conversion of a profile's colours to sRGB, for bytes and for floats. Immutable.
 class ProfileTransforms {
 public:
-    /// None when lcms2 can't use the profile as a source of `model` colours. Takes milliseconds; see
+    /// Null if lcms2 cannot use the profile as a source of `model` colours. Takes milliseconds; see
     /// `ProfileTransformCache`.
     static std::shared_ptr<const ProfileTransforms> make(
         std::span<const std::byte> profile, ColorModel model);
 
-    /// `count` pixels of 8-bit components to 8-bit r, g, b.
+    /// Converts `count` pixels of 8-bit components to 8-bit r, g, b.
     void convertBytes(const std::uint8_t* source, std::uint8_t* rgb, std::size_t count) const;
-    /// One colour. Inks are in percent, as lcms2 takes them.
+    /// Converts one colour. Inks are in percent, as lcms2 expects.
     void convertFloats(const float* components, float* rgb) const;
 
 private:

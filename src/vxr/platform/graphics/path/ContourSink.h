@@ -6,11 +6,11 @@
 
 namespace vxr {
 
-/// Takes the contours of an outline one at a time.
+/// Receives the contours of an outline one at a time.
 class ContourSink {
 public:
-    /// A closed polygon, the last vertex joined to the first; vertices may repeat. The span is valid during
-    /// the call only.
+    /// A closed polygon: the last vertex is joined to the first; vertices may repeat. The span is valid only
+    /// during the call.
     virtual void addContour(std::span<const Vec2> vertices) = 0;
 
 protected:

@@ -7,8 +7,8 @@
 
 namespace vxr {
 
-/// Counts the dashes of each run. Runs that would fall into more of them than the path's allowance of 2^18
-/// has left are to be drawn solid.
+/// Counts the dashes of each run. Once the 2^18 dashes allowed per path are used up, further runs are drawn
+/// solid.
 class DashCounter {
 public:
     explicit DashCounter(const DashPattern& pattern)
@@ -17,7 +17,7 @@ public:
     }
 
     static constexpr double allowance = 1 << 18;
-    std::vector<bool> isDashed; ///< by run
+    std::vector<bool> isDashed; ///< one per run
 
     void begin(Vec2 p, Vec2 direction)
     {

@@ -16,29 +16,29 @@ enum class WindingRule : std::uint8_t { NonZero = 0, EvenOdd = 1 };
 enum class LineCap : std::uint8_t { Butt = 0, Round = 1, Square = 2 };
 enum class LineJoin : std::uint8_t { Miter = 0, Round = 1, Bevel = 2 };
 
-/// How an outline is stroked. Lengths are in the path's own units.
+/// How an outline is stroked. Lengths are in the path's units.
 struct LineStyle {
     float width = 1;
     LineCap cap = LineCap::Butt;
     LineJoin join = LineJoin::Miter;
     float miterLimit = 10;
-    std::vector<float> dash {}; ///< on and off lengths in turn; empty is solid
+    std::vector<float> dash {}; ///< alternating on and off lengths; empty means solid
     float dashPhase = 0;
 
     friend bool operator==(const LineStyle&, const LineStyle&) = default;
 };
 
-/// One element of a path: its kind and its points (1, 1, 3 or none).
+/// One element of a path: its kind and its points (1 for a move or line, 3 for a curve, 0 for a close).
 struct PathElement {
     PathElementKind kind = PathElementKind::Close;
     std::array<Point, 3> points {};
 
-    /// Where the pen stands after the element. Meaningless for a close.
+    /// The current point after the element. Meaningless for a close.
     Point endPoint() const { return points[kind == PathElementKind::CurveTo ? 2 : 0]; }
 };
 
-/// Hands elements to `visitor` in order, by its operations `moveTo(p)`, `lineTo(p)`,
-/// `curveTo(control1, control2, end)` and `close()`. `points` are the points of all of them.
+/// Passes elements in order to `visitor`, by its operations `moveTo(p)`, `lineTo(p)`,
+/// `curveTo(control1, control2, end)` and `close()`. `points` holds the points of all elements.
 template <class Visitor>
 void visitElements(std::span<const PathElementKind> kinds, const Point* points, Visitor&& visitor)
 {
@@ -61,11 +61,11 @@ void visitElements(std::span<const PathElementKind> kinds, const Point* points, 
     }
 }
 
-/// Mutable outline of move, line, cubic curve and close elements, with the style in which it is stroked
-/// and filled. An object with identity: whoever holds it sees changes made by others.
+/// Mutable outline of move, line, cubic curve and close elements, with the style used to stroke and fill
+/// it. An object with identity: all holders see its changes.
 ///
-/// Verbs and points are contiguous. NaN and infinite coordinates are stored as they are; a sub-path that has
-/// some holds nothing and draws nothing.
+/// Verbs and points are contiguous. NaN and infinite coordinates are stored as they are; a sub-path that
+/// has any encloses nothing and draws nothing.
 class VXR_EXPORT Path final : public Object {
 public:
     static constexpr float defaultFlatness = 0.6f;
@@ -80,51 +80,51 @@ public:
     static std::shared_ptr<Path> pathWithOvalInRect(const Rect&);
     std::shared_ptr<Path> copy() const; ///< a new path with the same elements and style
 
-    // Building. A line or curve without a current point starts a sub-path at its own first point; of the line
-    // that move is all there is.
+    // Building. Without a current point, lineTo acts as moveTo, and a curve starts a sub-path at its first
+    // control point.
     void moveTo(Point);
     void lineTo(Point);
     void curveTo(Point control1, Point control2, Point end);
-    /// A line or curve that follows continues from the start. On an empty path the close draws nothing and
-    /// is kept until something else comes.
+    /// A following line or curve continues from the start. On an empty path the close draws nothing; it is
+    /// kept as the only element until another is added.
     void close();
-    void appendRect(const Rect&); ///< counter-clockwise in y-up terms from the origin, closed
-    void appendOvalInRect(const Rect&); ///< four curves from the middle of the right side, closed
-    /// A closed sub-path of straight lines; nothing for no points.
+    void appendRect(const Rect&); ///< counter-clockwise with y up, starting at the origin corner; closed
+    void appendOvalInRect(const Rect&); ///< four curves, starting at the middle of the right side; closed
+    /// A closed sub-path of straight lines. Adds nothing if there are no points.
     void appendPolygon(std::span<const Point> vertices);
-    void appendPath(const Path&); ///< the elements only; `*this` is allowed
-    void removeAllPoints(); ///< keeps the style
+    void appendPath(const Path&); ///< elements only; the path may be appended to itself
+    void removeAllPoints(); ///< the style stays
     void reserve(std::size_t elements);
 
     // Elements.
     bool isEmpty() const { return mKinds.empty(); }
     std::size_t elementCount() const { return mKinds.size(); }
-    /// In constant time. The first element is always a move, or a close that stands alone.
+    /// In constant time. The first element is always a move, or a close that is the only element.
     PathElement elementAtIndex(std::size_t index) const;
     std::span<const PathElementKind> kinds() const { return mKinds; }
     std::span<const Point> points() const { return mPoints; } ///< all points in element order
-    /// Walks all elements; see `visitElements`.
+    /// Visits all elements; see `visitElements`.
     template <class Visitor> void visit(Visitor&& visitor) const
     {
         visitElements(mKinds, mPoints.data(), visitor);
     }
-    /// Where the pen stands; the sub-path's start after a close. None without any point.
+    /// After a close, the start of the sub-path. Empty if the path has no points.
     bool hasCurrentPoint() const { return !mPoints.empty(); }
     Point currentPoint() const;
 
     // Geometry.
-    /// Bounds of all finite points, control points included; the zero rectangle when there are none. Cached.
+    /// Bounds of all finite points, control points included; the zero rectangle if there are none. Cached.
     Rect bounds() const;
-    /// A copy whose curves are lines that stay within `flatness` of them, as far as single precision can
-    /// say it. Of the curves after 16 million lines each gives 8 at most.
+    /// A copy whose curves are replaced by lines within `flatness`, as far as single precision allows. After
+    /// 16 million lines each remaining curve becomes 8 lines at most.
     std::shared_ptr<Path> bezierPathByFlatteningPath() const;
-    /// Whether `p` lies inside by the path's winding rule, open sub-paths closed. Points on the outline
-    /// may go either way; NaN is outside.
+    /// Whether `p` is inside by the path's winding rule; open sub-paths count as closed. Points on the outline
+    /// may be either; NaN is outside.
     bool containsPoint(Point p) const;
     void transformUsingAffineTransform(const AffineTransform&); ///< in place; line style unchanged
     std::shared_ptr<Path> transformedBy(const AffineTransform&) const; ///< a transformed copy
-    /// The area that stroking covers, as an outline for the nonzero rule: dashes, caps, joins and the
-    /// miter limit taken from `style`, tangents from the curves themselves. `tolerance` is in path units.
+    /// The area covered by stroking, as an outline for the nonzero rule. Dashes, caps, joins and the miter
+    /// limit come from `style`, tangents from the exact curves. `tolerance` is in path units.
     std::shared_ptr<Path> strokedOutline(const LineStyle& style, float tolerance) const;
 
     // Style.
@@ -138,17 +138,17 @@ public:
     void setLineJoin(LineJoin join) { mStyle.join = join; }
     float miterLimit() const { return mStyle.miterLimit; }
     void setMiterLimit(float limit) { mStyle.miterLimit = limit; }
-    /// `count` on and off lengths; a count of 0 is solid.
+    /// `count` alternating on and off lengths; 0 means solid.
     void setLineDash(const float* lengths, int count, float phase);
     float flatness() const { return mFlatness; }
     void setFlatness(float flatness) { mFlatness = flatness; }
     WindingRule windingRule() const { return mWindingRule; }
     void setWindingRule(WindingRule rule) { mWindingRule = rule; }
 
-    // Drawing into the current graphics context (see GraphicsContext), with the path's own style.
+    // Drawing into the current graphics context (see GraphicsContext) in the path's own style.
     void fill() const;
     void stroke() const;
-    void addClip() const; ///< intersects the clip with the path's inside
+    void addClip() const; ///< intersects the clip with the path's interior
 
     std::string description() const override;
 
@@ -161,11 +161,11 @@ private:
     void append(PathElementKind, std::initializer_list<Point>);
 
     static constexpr std::size_t indexStride = 16;
-    std::vector<std::size_t> mPointIndex; ///< where the points of every 16th element start in mPoints
-    std::size_t mSubpathStart = 0; ///< index in mPoints of the current sub-path's first point
+    std::vector<std::size_t> mPointIndex; ///< index in mPoints of the points of every 16th element
+    std::size_t mSubpathStart = 0; ///< index in mPoints of the first point of the current sub-path
 
-    // Bounds of the finite points among the first mMeasured ones; what was appended since is added when
-    // asked.
+    // Bounds of the finite points among the first mMeasured points; points appended later are added on
+    // demand.
     mutable std::size_t mMeasured = 0;
     mutable Point mLeast, mMost;
 };

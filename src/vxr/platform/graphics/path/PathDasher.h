@@ -8,11 +8,11 @@
 
 namespace vxr {
 
-/// Cuts the runs of a stroke into dashes by their flattened length. The pattern starts anew with each run; on
-/// a closed run the last dash goes on into the first when both are on.
+/// Cuts the runs of a stroke into dashes by their flattened length. The pattern restarts with each run. On a
+/// closed run the last dash is joined to the first if both are on.
 class PathDasher {
 public:
-    /// `isDashed` says of each run in turn whether it is; empty for all. Solid runs pass through.
+    /// For each run, whether it is dashed; empty means all are. Solid runs pass through.
     PathDasher(DashPattern& pattern, const std::vector<bool>& isDashed, StrokeOutliner& outliner)
         : mPattern(pattern)
         , mIsDashed(isDashed)
@@ -20,7 +20,7 @@ public:
     {
     }
 
-    // A run, as `StrokeSegmenter` gives it.
+    // A run, in the form produced by `StrokeSegmenter`.
     void begin(Vec2 p, Vec2 direction);
     void segment(Vec2 to, Vec2 out, Vec2 in, bool corner);
     void end();
@@ -40,8 +40,8 @@ private:
     Vec2 mStart, mStartDirection;
     Vec2 mPoint, mArrival;
     bool mHasSegment = false;
-    bool mStartsOn = false; ///< the first dash begins where the run does
-    bool mInFirst = false; ///< that dash is still being drawn
+    bool mStartsOn = false; ///< the first dash begins at the start of the run
+    bool mInFirst = false; ///< the first dash is not finished yet
     bool mInDash = false;
 };
 

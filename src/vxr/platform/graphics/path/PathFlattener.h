@@ -7,9 +7,9 @@
 
 namespace vxr {
 
-/// Replaces curves by lines that stay within a tolerance, by halving whatever is not flat yet. Never more
-/// than 2^13 lines a curve; once `mostLines` are made, hostile coordinates or tolerances being the reason,
-/// the curves that follow get 8 at most.
+/// Replaces curves by lines within a tolerance, by bisecting whatever is not yet flat. At most 2^13 lines per
+/// curve. Once `mostLines` lines exist, which takes hostile coordinates or tolerances, the remaining curves
+/// become 8 lines at most.
 class CurveFlattener {
 public:
     CurveFlattener(double tolerance, std::size_t mostLines)
@@ -18,8 +18,8 @@ public:
     {
     }
 
-    /// Calls `emit(piece)` with each flat piece in turn; its end is the next vertex. The control points
-    /// must be finite.
+    /// Calls `emit(piece)` for each flat piece in order; its end is the next vertex. The control points must
+    /// be finite.
     template <class Emit> void flatten(const Cubic& curve, Emit emit)
     {
         struct Pending {
@@ -47,23 +47,23 @@ public:
 private:
     static constexpr int mostDepth = 13;
 
-    /// What `isFlat` compares with: the square of four times the tolerance, or of what single precision can
-    /// tell apart at the curve's coordinates when that is more.
+    /// The value `isFlat` compares with: the square of four times the tolerance, or of the spacing of single
+    /// precision at the curve's coordinates if that is larger.
     double limitFor(const Cubic& curve) const;
 
-    /// Whether every point of the piece is within the tolerance of its chord, and of the chord only.
+    /// Whether every point of the piece is within the tolerance of its chord.
     static bool isFlat(const Cubic& c, double limit)
     {
-        // Between its ends a cubic departs from its chord by at most 3/4 of what its control points do, as
-        // long as these stand beside the chord and not beyond its ends.
+        // Between its ends a cubic deviates from its chord by at most 3/4 of its control points' distance, if
+        // these project onto the chord and not beyond its ends.
         const Vec2 chord = c.end - c.start, a = c.control1 - c.start, b = c.control2 - c.start;
         const double squared = dot(chord, chord), alongA = dot(a, chord), alongB = dot(b, chord);
         if (squared > 0 && alongA >= 0 && alongA <= squared && alongB >= 0 && alongB <= squared) {
             const double offset = 3 * std::max(std::abs(cross(a, chord)), std::abs(cross(b, chord)));
             return offset * offset <= limit * squared;
         }
-        // Otherwise compare with the chord run through evenly: no point is further from it than a quarter
-        // of these.
+        // Otherwise compare with the chord traversed uniformly: the deviation is at most a quarter of these
+        // distances.
         const Vec2 u = c.control1 * 3 - c.start * 2 - c.end, v = c.control2 * 3 - c.end * 2 - c.start;
         return std::max(u.x * u.x, v.x * v.x) + std::max(u.y * u.y, v.y * v.y) <= limit;
     }

@@ -8,7 +8,7 @@
 
 namespace vxr {
 
-/// Point, offset or direction in double precision, for work inside a path operation.
+/// Point, offset or direction in double precision, for use inside path operations.
 struct Vec2 {
     double x = 0;
     double y = 0;
@@ -25,7 +25,7 @@ struct Vec2 {
     {
     }
 
-    /// Narrowed; what single precision can't hold becomes its largest value.
+    /// Narrowed to single precision; values out of range become the largest finite value.
     Point point() const
     {
         constexpr double most = 3.4e38;
@@ -35,7 +35,7 @@ struct Vec2 {
     double length() const
     {
         return std::sqrt(x * x + y * y);
-    } ///< finite input of single precision can't overflow
+    } ///< finite single-precision input cannot overflow
 
     friend constexpr bool operator==(const Vec2&, const Vec2&) = default;
     friend constexpr Vec2 operator+(Vec2 a, Vec2 b) { return { a.x + b.x, a.y + b.y }; }
@@ -45,14 +45,14 @@ struct Vec2 {
 };
 
 constexpr double dot(Vec2 a, Vec2 b) { return a.x * b.x + a.y * b.y; }
-/// Positive when `b` lies counter-clockwise of `a`, y up.
+/// Positive if `b` lies counter-clockwise of `a`, y up.
 constexpr double cross(Vec2 a, Vec2 b) { return a.x * b.y - a.y * b.x; }
 constexpr Vec2 midpoint(Vec2 a, Vec2 b) { return { (a.x + b.x) * 0.5, (a.y + b.y) * 0.5 }; }
 constexpr Vec2 leftNormal(Vec2 direction) { return { -direction.y, direction.x }; }
 
 inline bool isFinite(Point p) { return std::isfinite(p.x) && std::isfinite(p.y); }
 
-/// How many points an element has.
+/// The number of points of an element.
 constexpr std::size_t pathPointCount(PathElementKind kind)
 {
     constexpr std::size_t counts[] = { 1, 1, 3, 0 };
@@ -62,7 +62,7 @@ constexpr std::size_t pathPointCount(PathElementKind kind)
 struct Cubic {
     Vec2 start, control1, control2, end;
 
-    /// Both halves at t = 1/2.
+    /// Splits the curve at t = 1/2.
     std::pair<Cubic, Cubic> halves() const
     {
         const Vec2 ab = midpoint(start, control1), bc = midpoint(control1, control2),
@@ -72,7 +72,7 @@ struct Cubic {
     }
 };
 
-/// Hands pieces, each with its start, to a sink; for `walkFinite`.
+/// Passes pieces to a sink, each with its start point; used by `walkFinite`.
 template <class Sink> class PieceFeeder {
 public:
     explicit PieceFeeder(Sink& sink)
@@ -80,7 +80,7 @@ public:
     {
     }
 
-    /// What follows a close goes on from the start of the sub-path before it.
+    /// After a close, drawing continues from the start of the closed sub-path.
     void resume() { mSink.move(mStart); }
 
     void moveTo(Point p) { mSink.move(mStart = mPen = p); }
@@ -105,9 +105,9 @@ private:
     Vec2 mStart, mPen;
 };
 
-/// Hands a path's finite geometry to `sink` piece by piece: `move(p)`, `line(from, to)`, `curve(cubic)`,
-/// `close(from, start)`. What follows a close is preceded by a move to the start. A sub-path with a
-/// coordinate that is not finite is left out, with all that goes on from it up to the next move.
+/// Passes a path's finite geometry to `sink` piece by piece: `move(p)`, `line(from, to)`, `curve(cubic)`,
+/// `close(from, start)`. A piece after a close is preceded by a move to the start. A sub-path with a
+/// non-finite coordinate is skipped, with everything that continues from it up to the next move.
 template <class Sink> void walkFinite(const Path& path, Sink&& sink)
 {
     PieceFeeder feeder(sink);

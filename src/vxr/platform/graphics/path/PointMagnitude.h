@@ -9,8 +9,8 @@
 
 namespace vxr {
 
-/// The largest magnitude among the coordinates; infinity or NaN when one is not a finite number. The bits of
-/// floats without their sign order like the numbers, with infinity and NaN above all.
+/// The largest absolute coordinate; infinity or NaN if one is not finite. Without its sign bit, a float's bit
+/// pattern orders like its value, with infinity and NaN above all numbers.
 inline float largestMagnitude(std::span<const Point> points)
 {
     std::uint32_t largest = 0;

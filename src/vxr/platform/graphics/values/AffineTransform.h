@@ -8,8 +8,8 @@ namespace vxr {
 
 /// Affine map x' = m11 x + m21 y + tX, y' = m12 x + m22 y + tY, in single precision. A value.
 ///
-/// `prepend` makes a map apply before this one, `append` after it; `translate`, `rotate` and `scale`
-/// prepend, so that a chain reads like the same calls on a drawing context.
+/// `prepend` adds a map that applies before this one, `append` one that applies after it. `translate`,
+/// `rotate` and `scale` prepend, so a chain reads like the same calls on a drawing context.
 struct VXR_EXPORT AffineTransform {
     float m11 = 1, m12 = 0, m21 = 0, m22 = 1, tX = 0, tY = 0;
 
@@ -26,11 +26,11 @@ struct VXR_EXPORT AffineTransform {
 
     /// m11 m22 - m12 m21, in double.
     double determinant() const;
-    /// None when a component is not finite or the determinant is zero.
+    /// Empty if a component is not finite or the determinant is zero.
     std::optional<AffineTransform> inverted() const;
 
     constexpr Point map(Point p) const { return { m11 * p.x + m21 * p.y + tX, m12 * p.x + m22 * p.y + tY }; }
-    /// The linear part alone.
+    /// The linear part only.
     constexpr Size map(Size s) const
     {
         return { m11 * s.width + m21 * s.height, m12 * s.width + m22 * s.height };

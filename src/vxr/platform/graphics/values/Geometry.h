@@ -14,7 +14,7 @@ struct Point {
     friend constexpr bool operator==(const Point&, const Point&) = default;
 };
 
-/// Extent in user space. May be negative: nothing here normalises.
+/// Extent in user space. May be negative: nothing here normalises it.
 struct Size {
     float width = 0;
     float height = 0;
@@ -23,7 +23,7 @@ struct Size {
 };
 
 /// Axis-aligned rectangle in user space. Nothing here normalises negative sizes.
-/// Empty when either side is not positive (NaN included).
+/// Empty if either side is not positive (NaN included).
 struct Rect {
     Point origin;
     Size size;
@@ -51,10 +51,10 @@ struct Rect {
     friend constexpr bool operator==(const Rect&, const Rect&) = default;
 };
 
-/// The smallest rectangle of whole numbers around `r`; the zero rectangle when `r` is empty.
+/// The smallest rectangle with integer edges around `r`; the zero rectangle if `r` is empty.
 VXR_EXPORT Rect integralRect(const Rect& r);
 
-/// The smallest rectangle around both. An empty operand contributes nothing; two empty ones give the
+/// The smallest rectangle around both. An empty operand contributes nothing; two empty operands give the
 /// zero rectangle.
 constexpr Rect unionRect(const Rect& a, const Rect& b)
 {
@@ -68,7 +68,7 @@ constexpr Rect unionRect(const Rect& a, const Rect& b)
         (a.maxY() < b.maxY() ? b.maxY() : a.maxY()) - y };
 }
 
-/// The common part; the zero rectangle when the two do not overlap with positive area.
+/// The intersection; the zero rectangle if the two do not overlap with positive area.
 VXR_EXPORT Rect intersectionRect(const Rect& a, const Rect& b);
 
 /// Moves each edge inwards by `dx` and `dy`; negative values grow the rectangle.

@@ -26,7 +26,7 @@ constexpr IntRect intersection(const IntRect& a, const IntRect& b)
     return { std::max(a.x0, b.x0), std::max(a.y0, b.y0), std::min(a.x1, b.x1), std::min(a.y1, b.y1) };
 }
 
-/// The smallest one around both; an empty one contributes nothing.
+/// The smallest rectangle around both; an empty operand contributes nothing.
 constexpr IntRect unionOf(const IntRect& a, const IntRect& b)
 {
     if (a.isEmpty() || b.isEmpty())
@@ -34,14 +34,14 @@ constexpr IntRect unionOf(const IntRect& a, const IntRect& b)
     return { std::min(a.x0, b.x0), std::min(a.y0, b.y0), std::max(a.x1, b.x1), std::max(a.y1, b.y1) };
 }
 
-/// As an integer, cut to a range in which sums and products of a few don't overflow. NaN gives 0.
+/// Converts to an integer, clamped to a range in which sums and products of a few values cannot overflow.
 inline int pixelCoordinate(double v)
 {
     constexpr double farthest = 1 << 24;
     return std::isnan(v) ? 0 : int(std::clamp(v, -farthest, farthest));
 }
 
-/// Whether single precision may have made this of a whole number.
+/// Whether `value` is an integer up to the rounding of single precision.
 inline bool isNearlyWhole(float v) { return std::abs(v - std::round(v)) < 1e-3f; }
 
 } // namespace vxr
