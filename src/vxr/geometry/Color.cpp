@@ -20,7 +20,7 @@ std::shared_ptr<Color> makeColor(std::string_view spaceName, Components componen
     return std::make_shared<Color>(Color::Key {}, spaceName, components, alpha);
 }
 
-/// None for spaces without components.
+/// Null for spaces without components.
 std::optional<ColorModel> modelOfSpace(std::string_view name)
 {
     if (name == NSCalibratedWhiteColorSpace || name == NSDeviceWhiteColorSpace)
@@ -32,7 +32,7 @@ std::optional<ColorModel> modelOfSpace(std::string_view name)
     return std::nullopt;
 }
 
-/// The given name as one of the constants, whose characters never go away.
+/// The given name as one of the constants, which live forever.
 std::string_view constantName(std::string_view name)
 {
     for (std::string_view constant : { NSCalibratedWhiteColorSpace, NSCalibratedRGBColorSpace,
@@ -67,7 +67,7 @@ Components componentsFromRGB(ColorModel model, const Components& rgb)
     const auto [r, g, b, unused] = rgb;
     switch (model) {
     case ColorModel::Gray:
-        return { luminance(rgb) }; // of a grey this is the grey: single precision hides what the sum loses
+        return { luminance(rgb) }; // exact for greys: single precision hides the rounding of the sum
     case ColorModel::RGB:
         return { r, g, b };
     case ColorModel::CMYK:
@@ -150,7 +150,7 @@ std::shared_ptr<Color> Color::randomColor()
 
 std::shared_ptr<Color> Color::colorUsingColorSpaceName(std::string_view name) const
 {
-    // Colours are always made non-const; what is handed out can't be changed either.
+    // Colours are created non-const, but are never modified after creation.
     if (name == mSpaceName)
         return std::const_pointer_cast<Color>(shared_from_this());
     const auto from = modelOfSpace(mSpaceName), to = modelOfSpace(name);

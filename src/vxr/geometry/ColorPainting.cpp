@@ -5,13 +5,13 @@
 #include <vxr/protocols/VXRCanvasRole.h>
 #include <vxr/protocols/VXRPaintedShape.h>
 
-// Colours on their way into the current drawing port.
+// Setting colours in the current drawing port.
 
 namespace vxr {
 
 namespace {
 
-/// The port's own form of a colour. The platform's spaces, whatever the library substitutes for them.
+/// A colour in the port's own form. Uses the platform's colour spaces regardless of the substitution switch.
 ColorValue valueOfColor(const Color& color)
 {
     static const auto genericGray = ColorSpace::createWithDefaultProfile(ColorModel::Gray);

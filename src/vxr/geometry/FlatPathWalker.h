@@ -4,10 +4,10 @@
 
 namespace vxr {
 
-/// Logs that a path holds a curve where only lines are expected. `file` is the source file's name.
+/// Logs that a path contains a curve where only lines are expected. `file` is the source file's name.
 void logCurveInFlatPath(const char* file);
 
-/// Hands the segments of a flat path to `Segment(start, end)` until it returns true.
+/// Passes the segments of a flat path to `Segment(start, end)` until it returns true.
 template <class Segment> class FlatPathWalker {
 public:
     FlatPathWalker(const char* file, Segment& segment)
@@ -34,8 +34,8 @@ private:
     bool mFound = false;
 };
 
-/// Calls `segment(start, end)` for every line and every closing line of a flat path until it returns true,
-/// and says whether it did. Curves are logged and skipped.
+/// Calls `segment(start, end)` for every line and closing line of a flat path until it returns true, and
+/// returns whether it did. Curves are logged and skipped.
 template <class Segment> bool walkFlatPath(const Path& flat, const char* file, Segment segment)
 {
     FlatPathWalker walker(file, segment);

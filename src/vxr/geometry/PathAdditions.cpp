@@ -81,7 +81,7 @@ bool isRectangular(const Path& path)
     const auto kinds = path.kinds();
     std::size_t elements = kinds.size();
     if (kinds.back() == PathElementKind::MoveTo)
-        --elements; // drawing programs leave the pen somewhere after a close
+        --elements; // drawing programs often add a move after a close
     std::vector<Point> corners;
     for (std::size_t i = 0; i < elements; ++i) {
         const bool closes = kinds[i] == PathElementKind::Close;
@@ -121,7 +121,7 @@ bool pointOnPathTolerance(const Path& path, Point point, float tolerance)
     if (!(tolerance >= 0 && point.x >= bounds.minX() && point.x <= bounds.maxX() && point.y >= bounds.minY()
             && point.y <= bounds.maxY()))
         return false;
-    // The flat path must follow the curves more closely than what is asked.
+    // Flatten more finely than the tolerance being tested.
     constexpr float finest = 0.01f;
     Path fine(path);
     fine.setFlatness(std::clamp(tolerance * 0.1f, finest, Path::defaultFlatness));

@@ -7,44 +7,44 @@
 #include <memory>
 #include <vector>
 
-// Additions to Path: questions, segments, outlines and areas.
+// Additions to Path: queries, segments, outlines and areas.
 
 namespace vxr {
 
 class Context;
 
-// Questions.
+// Queries.
 
 /// Whether any element after the first is a close.
 VXR_EXPORT bool containsClosePathElement(const Path& path);
-/// Whether the path has a close or ends exactly where it began.
+/// Whether the path has a close or ends exactly where it started.
 VXR_EXPORT bool effectivelyClosed(const Path& path);
-/// Whether the path is one sub-path without a close whose end differs from its start. A path of several
-/// sub-paths is never open.
+/// Whether the path is a single sub-path without a close whose end differs from its start. A path with
+/// several sub-paths is never open.
 VXR_EXPORT bool isOpen(const Path& path);
-/// Whether `other` is a path with the same elements, points within 0.01 per coordinate. Styles are not
-/// looked at.
+/// Whether `other` is a path with the same elements and points within 0.01 per coordinate. Styles are
+/// ignored.
 VXR_EXPORT bool isEqual(const Path& path, const Object& other);
-/// By the sign of the area under the flat path, >= 0 being clockwise: an empty path is, and so is what
-/// runs counter-clockwise where y points up.
+/// By the sign of the area under the flattened path: >= 0 is clockwise. True for an empty path, and for
+/// counter-clockwise outlines where y points up.
 VXR_EXPORT bool isClockwise(const Path& path);
-/// Whether the path is one closed rectangle of lines along the axes, within 0.01.
+/// Whether the path is a single closed rectangle with axis-aligned sides, within 0.01.
 VXR_EXPORT bool isRectangular(const Path& path);
-/// Whether the outline comes as near to `point` as `tolerance`. Open sub-paths stay open here; nothing is
-/// on an empty path, and nothing within a negative tolerance.
+/// Whether the outline comes within `tolerance` of `point`. Open sub-paths stay open. False for an empty
+/// path and for a negative tolerance.
 VXR_EXPORT bool pointOnPathTolerance(const Path& path, Point point, float tolerance);
-/// The point at a fraction of the flattened path's length, moves left out; fractions beyond [0, 1] are
-/// clamped. The zero point when there is no segment.
+/// The point at a fraction of the flattened path's length, ignoring moves; the fraction is clamped to
+/// [0, 1]. The zero point if the path has no segment.
 VXR_EXPORT Point pointAlongPathAtPercentage(const Path& path, float percentage);
-/// Bounds (control points included) grown by half the line width and, where joins are mitred, by the tips
-/// of the mitres.
+/// Bounds (control points included) grown by half the line width and, with mitre joins, by the mitre
+/// tips.
 VXR_EXPORT Rect boundsIncludingStroke(const Path& path);
 
 // Drawing.
 
-/// Emits every element into the context's current path.
+/// Appends every element to the context's current path.
 VXR_EXPORT void addPathToContext(const Path& path, Context& context);
-/// Erases to transparent what the path's stroke covers in the current context.
+/// Makes the area covered by the path's stroke transparent in the current context.
 VXR_EXPORT void clearStroke(const Path& path);
 
 // Segments.

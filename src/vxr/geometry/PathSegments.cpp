@@ -5,26 +5,26 @@
 #include <cmath>
 #include <optional>
 
-// A path's segments and what the joins between them add to its stroke.
+// The segments of a path, and what the joins between them add to its stroke.
 
 namespace vxr {
 
 namespace {
 
-/// Whether `to - from` is long enough for `VXRAngleFromDelta` to see its direction.
+/// Whether `to - from` is long enough for `VXRAngleFromDelta` to give its direction.
 bool hasDirection(Point from, Point to)
 {
     const Point d = VXRSubtractPoints(to, from);
     return d.x * d.x >= 1e-6f || d.y * d.y >= 1e-6f;
 }
 
-/// The first of the candidates that shows a direction seen from `from`, else the last one.
+/// The first candidate that gives a direction from `from`, otherwise the last one.
 Point firstDistinct(Point from, Point a, Point b, Point c)
 {
     return hasDirection(from, a) ? a : hasDirection(from, b) ? b : c;
 }
 
-/// Gathers segments into runs.
+/// Collects segments into runs.
 class RunCollector {
 public:
     void moveTo(Point p)
@@ -78,7 +78,7 @@ private:
 
     std::vector<VXRSegmentRun> mRuns;
     VXRSegmentRun mRun;
-    std::optional<VXRPathSegment> mPoint; ///< stands for the run if nothing longer comes
+    std::optional<VXRPathSegment> mPoint; ///< the run if no segment with a length follows
     Point mStart, mCurrent;
 };
 
@@ -103,10 +103,10 @@ struct Join {
     Point corner;
     Vector before, after; ///< outward normals of the two segments
     Vector tip; ///< unit vector to the tip of the mitre
-    double tipRatio = 0; ///< distance of the tip in half line widths; infinite when the pen turns back
+    double tipRatio = 0; ///< distance to the tip in half line widths; infinite if the path turns back
 };
 
-/// None where the pen goes straight on or has no direction.
+/// Empty if the path continues straight or has no direction.
 std::optional<Join> joinBetween(const VXRPathSegment& first, const VXRPathSegment& second)
 {
     const Vector arriving = unitVector(first.in, first.end), leaving = unitVector(second.start, second.out);
@@ -115,7 +115,7 @@ std::optional<Join> joinBetween(const VXRPathSegment& first, const VXRPathSegmen
     constexpr double straight = 1e-9;
     if (!(std::fabs(cross) > straight))
         return std::nullopt;
-    // The outside is to the right of a left turn.
+    // The outside of a left turn is on the right.
     const double side = cross > 0 ? 1 : -1;
     Join join { second.start, { arriving.y * side, -arriving.x * side },
         { leaving.y * side, -leaving.x * side }, {}, 0 };
@@ -173,9 +173,9 @@ std::vector<std::shared_ptr<Path>> _beziersFromSegmentIntersections(
     constexpr double overlap = 0.25;
     std::vector<std::shared_ptr<Path>> wedges;
     forEachJoin(run, [&](const Join& join) {
-        // The inner vertex lies within both segments: wedges that only touched them would leave cracks.
-        // Neighbouring vertices stay a half width apart for as long as possible, because the conversion
-        // to a polygon drops those that are close to the one before.
+        // The inner vertex lies within both segments: wedges that only touched them would leave gaps.
+        // Neighbouring vertices stay half a width apart for as long as possible, because the conversion to a
+        // polygon drops vertices close to the previous one.
         const auto wedge = Path::path();
         wedge->moveTo(displaced(join.corner, join.before, half));
         wedge->lineTo(displaced(join.corner, join.tip, half * -overlap));

@@ -15,7 +15,7 @@ Point between(Point a, Point b, float t) { return { a.x + (b.x - a.x) * t, a.y +
 
 using Cubic = std::array<Point, 4>;
 
-/// The part of a cubic from 0 to `t`, which is taken off it.
+/// The part of a cubic from 0 to `t`, which is removed from it.
 Cubic takeOff(Cubic& curve, float t)
 {
     const auto [a, b, c, d] = curve;
@@ -25,7 +25,7 @@ Cubic takeOff(Cubic& curve, float t)
     return { a, ab, abc, middle };
 }
 
-/// Draws the displaced copy element by element.
+/// Writes the displaced copy element by element.
 class Wobbler {
 public:
     Wobbler(Path& target, float distance, int subdivisions, std::uint32_t seed)
@@ -59,12 +59,12 @@ public:
     }
 
 private:
-    /// Control points move with the end that they belong to: what lies between moves by a mean of both
-    /// ends' shifts, and stays smooth where it was.
+    /// Control points move with the end they belong to, so points in between move by a mean of both ends'
+    /// displacements, and smooth curves stay smooth.
     void add(Cubic curve, Point endShift)
     {
         if (curve[3] == mStart)
-            endShift = mStartShift; // so that what was closed stays closed
+            endShift = mStartShift; // keeps closed outlines closed
         const Point end = curve[3];
         for (int left = mSubdivisions; left > 0; --left) {
             const Cubic part = left > 1 ? takeOff(curve, 1 / static_cast<float>(left)) : curve;
@@ -76,7 +76,7 @@ private:
         mCurrent = end;
     }
 
-    /// Anywhere in the disc, evenly.
+    /// Uniformly distributed in the disc.
     Point nextShift()
     {
         const float radius = mDistance * std::sqrt(nextUnit()) * (1 - 1e-5f);
@@ -85,7 +85,7 @@ private:
         return shift;
     }
 
-    /// In [0, 1); the standard distributions differ between libraries.
+    /// In [0, 1). The standard distributions differ between libraries.
     float nextUnit() { return static_cast<float>(mRandom() >> 8) * 0x1p-24f; }
 
     Path& mTarget;

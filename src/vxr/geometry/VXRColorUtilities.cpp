@@ -14,7 +14,7 @@ bool substitutesDevice = false;
 
 using Space = std::shared_ptr<const ColorSpace>;
 
-/// A provider of profile bytes as colour spaces are made from: the bytes stay until `release` is called.
+/// A provider of profile bytes for colour spaces: the bytes are kept until `release` is called.
 class ProfileDataProvider {
 public:
     using Release = void (*)(void* info, const void* data, std::size_t size);
@@ -107,7 +107,7 @@ ColorValue VXRCGColorWithNSColor(const Color& color)
 
 namespace {
 
-/// Before this version, colours set themselves in a space of the platform's choice.
+/// Before this version colours chose the colour space themselves.
 constexpr int colorsSetThemselvesSince = 0x1031;
 
 void setInPort(const ColorValue& value)

@@ -8,7 +8,7 @@ namespace vxr {
 
 namespace {
 
-/// An operation that may be missing, looked up on first use.
+/// An optional operation, looked up on first use.
 template <class Function> struct CachedOperation {
     const char* name;
     bool lookedUp = false;

@@ -52,7 +52,7 @@ float VXRDistance(Point a, Point b)
 
 namespace {
 
-/// Against the double 0.01, which is a little less than the float nearest to it.
+/// Compares with the double 0.01, which is slightly less than the nearest float.
 bool isWithinTolerance(float difference) { return static_cast<double>(std::fabs(difference)) < 0.01; }
 
 } // namespace
@@ -147,7 +147,7 @@ bool VXRContainsOrMatchesRect(const Rect& outer, const Rect& inner)
 
 float VXRRandom()
 {
-    // The 64 largest numbers would round to one.
+    // The 64 largest values would round to one.
     constexpr float largest = 1 - 0x1p-24f;
     return std::min(static_cast<float>(static_cast<double>(random()) * 0x1p-31), largest);
 }

@@ -32,8 +32,8 @@ Rect ClipView::documentVisibleRect() const
     return mDocumentView ? convertRectToView(bounds(), mDocumentView.get()) : Rect {};
 }
 
-// Whole units keep the document's pixels where they are on the pixel grid, so that what is moved and what
-// is drawn anew agree.
+// Whole units keep the document on the pixel grid, so that moved pixels and newly drawn ones
+// agree.
 Point ClipView::constrainScrollPoint(Point p) const
 {
     const Rect document = documentRect();
@@ -46,8 +46,8 @@ Point ClipView::constrainScrollPoint(Point p) const
         constrain(p.y, document.minY(), document.size.height, shown.height) };
 }
 
-// Pixels that an ancestor has yet to draw are stale wherever they are moved to, and those of a view in front
-// stay where they are.
+// Pixels that an ancestor has not drawn yet are stale wherever they are moved to, and those of a view in
+// front must not move.
 bool ClipView::canMovePixels() const
 {
     if (!window() || visibleRect() != bounds())
@@ -74,7 +74,7 @@ void ClipView::scrollToPoint(Point p)
     const Rect seenBefore = documentVisibleRect();
     const std::vector<Rect> stale = dirtyRects();
     const Point from = convertPointToView(before.origin, nullptr);
-    setBoundsOrigin(p); // leaves all of it dirty
+    setBoundsOrigin(p); // marks the whole view dirty
     const Point to = convertPointToView(before.origin, nullptr);
     const bool moves
         = canMove && (mCopiesOnScroll || (mDocumentView && mDocumentView->keepsPixelsOnScroll(seenBefore)));
@@ -84,7 +84,7 @@ void ClipView::scrollToPoint(Point p)
     setNeedsDisplay(false);
     for (const Rect& dirty : stale)
         setNeedsDisplayInRect(dirty);
-    // What comes into sight lies beside the part that was seen before.
+    // The newly visible area is what lies outside the part visible before.
     const Rect now = bounds();
     const float dx = p.x - before.origin.x, dy = p.y - before.origin.y;
     const float width = std::min(std::abs(dx), now.size.width);

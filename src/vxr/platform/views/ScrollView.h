@@ -4,7 +4,7 @@
 
 namespace vxr {
 
-/// A clip view that fills the whole view, and the document in it. Whoever wants scrollers draws them.
+/// A clip view that fills the whole view, and the document in it. Hosts draw their own scrollers.
 class VXR_EXPORT ScrollView : public View {
 public:
     explicit ScrollView(const Rect& frame = {});

@@ -15,7 +15,7 @@ namespace {
 
 int postingDisabled = 0;
 
-/// More dirty rectangles than this are joined: finding what each touches would cost more than drawing.
+/// More dirty rectangles than this are merged: finding what each touches would cost more than drawing.
 constexpr std::size_t mostDirtyRects = 48;
 
 } // namespace
@@ -56,7 +56,7 @@ void View::removeFromSuperview()
     from.willRemoveSubview(*this);
     const auto place = std::find_if(from.mSubviews.begin(), from.mSubviews.end(),
         [this](const auto& view) { return view.get() == this; });
-    const std::shared_ptr<View> self = *place; // the superview may be the last to hold it
+    const std::shared_ptr<View> self = *place; // the superview may hold the last reference
     from.mSubviews.erase(place);
     mSuperview = nullptr;
     moveToWindow(nullptr);
@@ -162,7 +162,7 @@ Rect View::Mapping::map(const Rect& r) const
         float(std::abs(height)) };
 }
 
-// The window's coordinates grow upwards, and so do those of a superview that isn't there.
+// Window coordinates grow upwards, and so do those of a missing superview.
 View::Mapping View::mappingToSuperview() const
 {
     const bool superFlipped = mSuperview && mSuperview->isFlipped();

@@ -11,19 +11,19 @@ class Context;
 class ScrollView;
 class Window;
 
-/// What a view is asked to draw, from the window on to all that takes part in it.
+/// What a view is asked to draw; passed from the window to everything that draws.
 struct DrawRequest {
     Rect dirty; ///< in the view's coordinates
-    Context& context; ///< in the view's coordinates, and clipped to what is to be drawn
-    Window* window = nullptr; ///< whose pixels are drawn; none on paper and in pictures
-    IntRect pixels {}; ///< of the window, from its upper left corner; no others may change
+    Context& context; ///< in the view's coordinates, clipped to the area to draw
+    Window* window = nullptr; ///< the window whose pixels are drawn; null on paper and in images
+    IntRect pixels {}; ///< window pixels, from the upper left corner; no others may change
 };
 
-/// A rectangle of a window that draws itself and holds other views.
+/// A rectangle of a window that draws itself and contains other views.
 ///
-/// The frame is given in the superview's bounds coordinates. The view's own coordinates (bounds) have an
-/// origin and a scale of their own and grow downwards in a flipped view, upwards in others. Window
-/// coordinates grow upwards from the window's lower left corner, one unit one pixel.
+/// The frame is given in the superview's bounds coordinates. The view's own coordinates (bounds) have their
+/// own origin and scale; y grows downwards in a flipped view, upwards otherwise. Window coordinates grow
+/// upwards from the window's lower left corner, one unit per pixel.
 class VXR_EXPORT View : public Object {
 public:
     explicit View(const Rect& frame = {});
@@ -31,88 +31,88 @@ public:
     View(const View&) = delete;
     View& operator=(const View&) = delete;
 
-    // The tree. A view keeps its subviews alive.
+    // Hierarchy. A view keeps its subviews alive.
     View* superview() const { return mSuperview; }
     const std::vector<std::shared_ptr<View>>& subviews() const { return mSubviews; } ///< back to front
-    void addSubview(std::shared_ptr<View>); ///< in front of the others; leaves its former superview
-    void removeFromSuperview(); ///< does nothing without a superview; may end the view's life
+    void addSubview(std::shared_ptr<View>); ///< in front of the others; removed from its former superview
+    void removeFromSuperview(); ///< does nothing without a superview; may destroy the view
     Window* window() const { return mWindow; }
-    bool isDescendantOf(const View& ancestor) const; ///< a view descends from itself
+    bool isDescendantOf(const View& ancestor) const; ///< a view is a descendant of itself
     virtual ScrollView* enclosingScrollView() const; ///< the nearest one above
 
-    // Geometry. Nothing here draws; a changed frame or bounds needs display, before and after.
+    // Geometry. Nothing here draws; changing frame or bounds marks the old and new areas for display.
     const Rect& frame() const { return mFrame; }
     virtual void setFrame(const Rect&);
     void setFrameOrigin(Point origin) { setFrame({ origin, mFrame.size }); }
     void setFrameSize(Size size) { setFrame({ mFrame.origin, size }); }
     Rect bounds() const; ///< the frame in the view's own coordinates
     virtual void setBoundsOrigin(Point);
-    /// Multiplies the size of a unit of this view, measured in the superview. Subviews scale with it.
+    /// Multiplies the size of this view's unit, measured in the superview. Subviews scale with it.
     void scaleUnitSquareToSize(Size);
     virtual bool isFlipped() const { return false; }
-    virtual bool isOpaque() const { return false; } ///< covers its whole frame with each redraw
-    bool isHidden() const { return mHidden; } ///< of this view alone
+    virtual bool isOpaque() const { return false; } ///< whether each redraw covers the whole frame
+    bool isHidden() const { return mHidden; } ///< the view's own flag only
     void setHidden(bool);
-    /// The part of the bounds that no ancestor's bounds cut off; the zero rectangle when one is hidden.
+    /// The part of the bounds not clipped by ancestors; the zero rectangle if the view or one of them is hidden.
     virtual Rect visibleRect() const;
 
-    // Conversion; no view stands for the window.
+    // Conversion; a null view stands for the window.
     Point convertPointToView(Point, const View* to) const;
     Point convertPointFromView(Point p, const View* from) const;
-    Rect convertRectToView(const Rect&, const View* to) const; ///< not negative in size
+    Rect convertRectToView(const Rect&, const View* to) const; ///< with non-negative size
     Rect convertRectFromView(const Rect&, const View* from) const;
 
-    // What has to be drawn again, in the view's own coordinates.
-    virtual void setNeedsDisplay(bool); ///< all of it, or nothing
-    virtual void setNeedsDisplayInRect(const Rect&); ///< what lies outside the bounds is dropped
+    // What needs to be drawn again, in the view's own coordinates.
+    virtual void setNeedsDisplay(bool); ///< the whole view, or nothing
+    virtual void setNeedsDisplayInRect(const Rect&); ///< areas outside the bounds are ignored
     bool needsDisplay() const { return !mDirtyRects.empty(); }
     const std::vector<Rect>& dirtyRects() const { return mDirtyRects; }
-    Rect unionDirtyRects() const; ///< the zero rectangle when there are none
-    void display(); ///< redraws all of the view at once
+    Rect unionDirtyRects() const; ///< the zero rectangle if there are none
+    void display(); ///< redraws the whole view immediately
     void displayIfNeeded();
 
     // Drawing.
-    /// Draws at least what is visible of the rectangle into the current context, which is clipped and in
-    /// the view's coordinates. What a view leaves out keeps what its superview drew.
+    /// Draws at least the visible part of the rectangle into the current context, which is clipped and in the
+    /// view's coordinates. Areas that a view leaves out keep what its superview drew.
     virtual void drawRect(const Rect&) { }
-    /// Asked by a window, and for paper. A view that wants to know more than the rectangle overrides this.
+    /// Called by windows and for paper. Override it to learn more than the rectangle.
     virtual void draw(const DrawRequest& request) { drawRect(request.dirty); }
-    /// Makes the window's pixels the current context, in this view's coordinates and clipped to its
-    /// visible rectangle, until the matching `unlockFocus`. Throws `GenericException` without a window.
+    /// Makes the window's pixels the current context, in this view's coordinates and clipped to its visible
+    /// rectangle, until the matching `unlockFocus`. Throws `GenericException` without a window.
     void lockFocus();
-    void unlockFocus(); ///< of the view focused last, which is this one
-    static View* focusView(); ///< the view focused last; none outside
-    /// Draws the view and its subviews into a context that is in this view's coordinates, as for paper.
+    void unlockFocus(); ///< ends the last lockFocus, which must be this view's
+    static View* focusView(); ///< the view focused last; null if none is
+    /// Draws the view and its subviews, as for paper, into a context that is in this view's coordinates.
     void drawTreeIntoContext(Context&, const Rect& area, bool drawsToScreen);
 
-    void scrollPoint(Point); ///< brings the point to the upper left of the clip view above, if there is one
-    bool scrollRectToVisible(const Rect&); ///< whether anything moved
+    void scrollPoint(Point); ///< makes it the upper left of the clip view, if any
+    bool scrollRectToVisible(const Rect&); ///< returns whether anything moved
 
-    // Changes of frame and bounds are posted as notifications unless that is switched off.
+    // Changes of frame and bounds post notifications unless that is switched off.
     static void disablePosting();
     static void enablePosting();
     static bool isPostingEnabled();
 
 protected:
-    virtual void viewWillMoveToWindow(Window*) { } ///< none when the view leaves its window
+    virtual void viewWillMoveToWindow(Window*) { } ///< null when the view leaves its window
     virtual void viewDidMoveToWindow() { }
     virtual void didAddSubview(View&) { }
     virtual void willRemoveSubview(View&) { }
-    /// Called before a redraw. A view that is not opaque makes its dirty areas those of its superviews,
-    /// up to the first opaque one, since they draw what shows through.
+    /// Called before a redraw. A view that is not opaque passes its dirty areas to its superviews, up to the
+    /// first opaque one, because they draw what shows through.
     virtual void _propagateDirtyRectsToOpaqueAncestors();
-    /// Whether the window draws the subviews after this view; a view that draws them itself says no.
+    /// Whether the window draws the subviews after this view; false if the view draws them itself.
     virtual bool drawsSubviewsSeparately() const { return true; }
-    /// Called after a scroll by a clip view that doesn't copy, with what was seen before in this view's
-    /// coordinates. A view that can use its pixels all the same marks what would look different once they
-    /// are moved, and says yes: then they are moved, and of the rest only what came into sight is redrawn.
+    /// Called after a scroll by a clip view that does not copy, with the previously visible area in this
+    /// view's coordinates. A view whose pixels can be reused marks what would look different after moving them
+    /// and returns true: the pixels are moved, and of the rest only the newly visible part is redrawn.
     virtual bool keepsPixelsOnScroll(const Rect&) { return false; }
 
 private:
     friend class ClipView;
     friend class Window;
 
-    /// Own coordinates to those of an ancestor: x' = sx x + tx, y' = sy y + ty.
+    /// Maps own coordinates to those of an ancestor: x' = sx x + tx, y' = sy y + ty.
     struct Mapping {
         double sx = 1, sy = 1, tx = 0, ty = 0;
         void then(const Mapping& outer);
@@ -131,12 +131,12 @@ private:
     std::vector<std::shared_ptr<View>> mSubviews;
     Rect mFrame;
     Point mBoundsOrigin;
-    double mUnitX = 1, mUnitY = 1; ///< size of an own unit in the superview
+    double mUnitX = 1, mUnitY = 1; ///< size of this view's unit in the superview
     bool mHidden = false;
     std::vector<Rect> mDirtyRects;
 };
 
-/// Focuses a view for the length of a scope.
+/// Focuses a view for the duration of a scope.
 class FocusLock {
 public:
     explicit FocusLock(View& view)

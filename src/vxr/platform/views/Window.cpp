@@ -14,8 +14,8 @@ namespace vxr {
 
 namespace {
 
-/// Pixels that a rectangle of window coordinates touches. What single precision leaves of a coordinate
-/// that is meant to be whole counts as whole.
+/// The pixels touched by a rectangle in window coordinates. Coordinates that are whole up to the rounding of
+/// single precision count as whole.
 IntRect touchedPixels(const Rect& r, int height)
 {
     if (r.isEmpty())
@@ -32,7 +32,7 @@ Rect inWindow(const IntRect& box, int height)
     return { float(box.x0), float(height - box.y1), float(box.x1 - box.x0), float(box.y1 - box.y0) };
 }
 
-/// Boxes that fill most of the area around them are drawn faster as one.
+/// Boxes that fill most of the area around them are drawn faster as a single box.
 void joinBoxes(PixelRegion& region)
 {
     double area = 0;
@@ -42,7 +42,7 @@ void joinBoxes(PixelRegion& region)
         region = PixelRegion(region.extents());
 }
 
-/// Keeps a view alive while it is drawn. None when nothing owns it but its creator.
+/// Keeps a view alive while it is drawn. Null if only its creator owns it.
 std::shared_ptr<View> ownerOf(const View& view)
 {
     if (View* above = view.superview())
@@ -60,11 +60,11 @@ int newWindowNumber()
 
 struct FocusedView {
     View* view;
-    std::shared_ptr<Context> context; ///< the window's; the view may leave the window while it is focused
+    std::shared_ptr<Context> context; ///< the window's context; the view may leave the window while focused
     std::size_t depth; ///< states saved in the context before
 };
 
-/// The focused views of all windows, in the order of focusing.
+/// The focused views of all windows, in order of focusing.
 std::vector<FocusedView>& focusStack()
 {
     static std::vector<FocusedView> stack;
@@ -132,7 +132,7 @@ void Window::orderFront()
 
 void Window::orderOut() { mVisible = false; }
 
-// The backing store.
+// Backing store.
 
 std::optional<WindowBits> Window::lockBits(const Rect& area)
 {
@@ -199,7 +199,7 @@ void Window::focus(View& view)
     focusStack().push_back({ &view, mContext, mContext->stateDepth() });
     mContext->saveState();
     mContext->setBaseTransform({});
-    // Whole pixels: a smooth edge would let what lies below show through a little less with each redraw.
+    // Whole pixels: an antialiased edge would let less of what lies below show through with each redraw.
     mContext->clipToRect(inWindow(touchedPixels(m.map(view.visibleRect()), mHeight), mHeight));
     mContext->concatTransform({ float(m.sx), 0, 0, float(m.sy), float(m.tx), float(m.ty) });
     GraphicsContext::push(std::make_shared<GraphicsContext>(mContext, true, view.isFlipped()));
@@ -229,9 +229,9 @@ void Window::displayIfNeeded() { displayViewIfNeeded(*mContentView); }
 
 void Window::displayViewIfNeeded(View& view)
 {
-    const std::shared_ptr<View> contentView = mContentView; // drawing may put another in its place
+    const std::shared_ptr<View> contentView = mContentView; // drawing may replace it
     propagate(view);
-    // What shows through a view that isn't opaque is drawn by those above it, which then draw it too.
+    // What shows through a view that is not opaque is drawn by the views above, which then draw it as well.
     View* top = &view;
     for (View* above = &view; above; above = above->superview())
         if (above->needsDisplay())
@@ -239,7 +239,7 @@ void Window::displayViewIfNeeded(View& view)
     FirstFailure failure;
     const std::shared_ptr<View> owner = ownerOf(*top);
     PixelRegion drawn = drawView(*top, {}, failure);
-    // The views in front of it, and of those above it, lie over what was drawn.
+    // The views in front of it, and in front of its superviews, cover what was drawn.
     for (View* behind = top; !drawn.isEmpty() && behind->window() == this && behind->superview();
          behind = behind->superview())
         drawSubviews(*behind->superview(), drawn, behind, failure);
@@ -264,14 +264,14 @@ PixelRegion Window::drawView(View& view, const PixelRegion& beneath, FirstFailur
     const IntRect visible
         = intersection(touchedPixels(toWindow.map(view.visibleRect()), mHeight), { 0, 0, mWidth, mHeight });
     const bool covers = view.isOpaque() || !view.superview();
-    const std::vector<Rect> dirtyRects = std::exchange(view.mDirtyRects, {}); // drawing may ask for more
+    const std::vector<Rect> dirtyRects = std::exchange(view.mDirtyRects, {}); // drawing may add new ones
     PixelRegion drawn = beneath;
     for (const Rect& dirty : dirtyRects) {
         const IntRect box = intersection(touchedPixels(toWindow.map(dirty), mHeight), visible);
         if (covers)
             drawn.add(box);
         else if (!beneath.contains(box))
-            view.mDirtyRects.push_back(dirty); // until what shows through is drawn too
+            view.mDirtyRects.push_back(dirty); // until what shows through has been drawn, too
     }
     drawn.limitTo(visible);
     if (covers)
@@ -286,8 +286,8 @@ PixelRegion Window::drawView(View& view, const PixelRegion& beneath, FirstFailur
     return drawn;
 }
 
-/// Draws those of the subviews that are in front of `behind`, all of them without one. Each is drawn where
-/// the views behind it were.
+/// Draws the subviews in front of `behind`, or all of them if it is null. Each is drawn wherever the views
+/// behind it were drawn.
 void Window::drawSubviews(View& view, PixelRegion& drawn, const View* behind, FirstFailure& failure)
 {
     const std::vector<std::shared_ptr<View>> subviews = view.subviews(); // drawing may remove some
@@ -305,7 +305,7 @@ void Window::drawBoxOfView(View& view, const IntRect& box, FirstFailure& failure
     const Rect dirty = view.mappingToWindow().inverse().map(area);
     failure.attempt([&] {
         const FocusLock focused(view);
-        // The very pixels: a rectangle in the view's own coordinates need not hit them exactly.
+        // Exact pixels: a rectangle in the view's own coordinates need not map to them exactly.
         const AffineTransform current = mContext->currentTransform();
         mContext->setBaseTransform({});
         mContext->clipToRect(area);

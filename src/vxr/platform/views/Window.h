@@ -11,8 +11,8 @@ class FirstFailure;
 class PixelRegion;
 struct IntRect;
 
-/// The pixels of a locked window. A separate alpha plane has one byte per pixel; without one its base is
-/// null.
+/// The pixels of a locked window. A separate alpha plane has one byte per pixel; its base is null if there
+/// is none.
 struct WindowBits {
     int depthCode = 4; ///< 4 for 32-bit pixels, anything else for 16-bit ones
     std::uint8_t* colorBase = nullptr;
@@ -21,10 +21,10 @@ struct WindowBits {
     int alphaBytesPerRow = 0;
 };
 
-/// A window's pixels in memory and the views in it. Whoever has a screen copies the damaged rectangles
-/// there.
+/// A window's pixels in memory, and the views in it. The host copies damaged rectangles to the
+/// screen.
 ///
-/// A window that is deferred gets its number, which the lock needs, when it is first ordered front.
+/// A deferred window gets its number, which locking requires, when it is first ordered front.
 class VXR_EXPORT Window : public Object {
 public:
     explicit Window(const Rect& frame, bool deferred = false);
@@ -32,8 +32,8 @@ public:
     Window(const Window&) = delete;
     Window& operator=(const Window&) = delete;
 
-    const Rect& frame() const { return mFrame; } ///< on the screen, y up; whole numbers
-    void setFrame(const Rect&); ///< a new size needs display
+    const Rect& frame() const { return mFrame; } ///< on the screen, y up; integers
+    void setFrame(const Rect&); ///< a new size marks everything for display
     int windowNumber() const { return mNumber; } ///< positive; 0 before the window has one
     bool isVisible() const { return mVisible && !mMiniaturized; }
     bool isMiniaturized() const { return mMiniaturized; }
@@ -41,37 +41,37 @@ public:
     void orderOut();
 
     View* contentView() const { return mContentView.get(); }
-    void setContentView(std::shared_ptr<View>); ///< resized to the window; none stands for an empty view
+    void setContentView(std::shared_ptr<View>); ///< resized to the window; null stands for an empty view
 
-    // The backing store: premultiplied ARGB32, top row first, transparent black at first.
+    // The backing store: premultiplied ARGB32, top row first, initially transparent black.
     const std::uint32_t* pixels() const { return mPixels.data(); }
     int width() const { return mWidth; }
     int height() const { return mHeight; }
     std::size_t bytesPerRow() const { return std::size_t(mWidth) * 4; }
 
-    /// Hands out the pixels, of which those of an area in window coordinates will change; nothing when the
+    /// Gives access to the pixels, of which those in an area in window coordinates will change; empty if the
     /// window has no number.
     virtual std::optional<WindowBits> lockBits(const Rect& area);
     virtual void unlockBits();
     bool isLocked() const { return mLocks > 0; }
 
-    /// Draws all dirty areas of all views, each once and clipped to it. When drawing throws, the rest is
-    /// drawn all the same and the first exception is passed on at the end; nothing stays dirty, focused or
+    /// Draws all dirty areas of all views, each once and clipped to it. If drawing throws, the rest is still
+    /// drawn and the first exception is rethrown at the end; nothing stays dirty, focused or
     /// locked.
     void displayIfNeeded();
     void display();
-    /// Moves the pixels within an area of window coordinates. False, and nothing done, when the distances
-    /// or the edges aren't whole pixels.
+    /// Moves the pixels within an area in window coordinates. Returns false, and does nothing, if the distance
+    /// or the edges are not whole pixels.
     bool movePixels(const Rect& area, float dx, float dy);
 
-    /// Rectangles of pixels, from the upper left corner, that have changed since the last call. None
-    /// while screen updates are disabled; they are kept for later.
+    /// Rectangles of pixels, from the upper left corner, that have changed since the last call. Empty while
+    /// screen updates are disabled; the changes are kept for later.
     std::vector<Rect> takeDamage();
     void disableScreenUpdates() { ++mUpdatesDisabled; }
     void enableScreenUpdates();
     bool areScreenUpdatesDisabled() const { return mUpdatesDisabled > 0; }
 
-    // Each posts a notification, the closing and the miniaturizing ones before anything happens.
+    // Each posts a notification; closing and miniaturizing post theirs before anything changes.
     void miniaturize();
     void deminiaturize();
     void close();
@@ -81,8 +81,8 @@ private:
 
     void displayViewIfNeeded(View&);
     void propagate(View&);
-    /// Draws what is dirty of the view and of the views in it, and where `beneath` has been drawn anew.
-    /// Answers all that was drawn.
+    /// Draws the dirty parts of the view and its subviews, and everything where `beneath` has been redrawn.
+    /// Returns all that was drawn.
     PixelRegion drawView(View&, const PixelRegion& beneath, FirstFailure&);
     void drawSubviews(View&, PixelRegion& drawn, const View* behind, FirstFailure&);
     void drawBoxOfView(View&, const IntRect&, FirstFailure&);
@@ -110,7 +110,7 @@ inline constexpr char NSWindowDidMiniaturizeNotification[] = "NSWindowDidMiniatu
 inline constexpr char NSWindowDidDeminiaturizeNotification[] = "NSWindowDidDeminiaturizeNotification";
 inline constexpr char NSWindowWillCloseNotification[] = "NSWindowWillCloseNotification";
 
-/// Locks a window's pixels for the length of a scope.
+/// Locks a window's pixels for the duration of a scope.
 class WindowLock {
 public:
     WindowLock(Window& window, const Rect& area)
