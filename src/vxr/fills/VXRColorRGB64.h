@@ -18,10 +18,12 @@ public:
 
     void getRedGreenBlueAlpha(
         std::uint16_t* red, std::uint16_t* green, std::uint16_t* blue, std::uint16_t* alpha) const;
-    /// Interpolates from this colour (0) to `other` (1); channels are mixed in single precision and truncated.
+    /// Interpolates from this colour (0) to `other` (1); channels are mixed in single precision and
+    /// truncated.
     std::shared_ptr<VXRColorRGB64> blendedColorWithFractionOfColor(
         float fraction, const VXRColorRGB64& other) const;
-    VXRColorRGB64 blended(float fraction, const VXRColorRGB64& other) const; ///< the same, returned as a value
+    VXRColorRGB64 blended(
+        float fraction, const VXRColorRGB64& other) const; ///< the same, returned as a value
 
 private:
     std::uint16_t _red = 0, _green = 0, _blue = 0, _alpha = 0;

@@ -112,7 +112,8 @@ void VXRGradient::insertStopAtFraction(float fraction)
 void VXRGradient::removeStop(const VXRGradientStop& stop)
 {
     requireRemovable(mStops.size());
-    const VXRGradientStop sought(stop.color(), stop.fraction()); // `stop` may be destroyed by the first removal
+    const VXRGradientStop sought(
+        stop.color(), stop.fraction()); // `stop` may be destroyed by the first removal
     std::erase_if(mStops, [&](const auto& other) { return sought.isEqual(*other); });
     releaseShadingRef();
 }

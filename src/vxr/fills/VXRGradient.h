@@ -50,7 +50,8 @@ public:
 
     // Colours.
     std::shared_ptr<VXRGradientStop> stopBeforeFraction(float fraction) const; ///< at or before it
-    std::shared_ptr<VXRGradientStop> stopAfterFraction(float fraction) const; ///< strictly after it, or the last stop
+    std::shared_ptr<VXRGradientStop> stopAfterFraction(
+        float fraction) const; ///< strictly after it, or the last stop
     std::shared_ptr<Color> colorAtFraction(float fraction) const;
     std::shared_ptr<Color> firstColor() const;
     std::shared_ptr<Color> lastColor() const;

@@ -44,7 +44,8 @@ public:
     const std::shared_ptr<Color>& color() const { return mColor; } ///< null only in the null shadow
     void setColor(std::shared_ptr<Color>);
 
-    /// The bounds of an object covering `rect` together with its shadow. `angle` is added to the shadow's own.
+    /// The bounds of an object covering `rect` together with its shadow. `angle` is added to the shadow's
+    /// own.
     Rect shadowBoundsForRect(const Rect& rect) const { return shadowBoundsForRectAngle(rect, 0); }
     Rect shadowBoundsForRectAngle(const Rect& rect, float angle) const;
 

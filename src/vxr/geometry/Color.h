@@ -60,10 +60,11 @@ public:
     /// Mixes each component linearly in calibrated RGB, not premultiplied: this colour at 0, `other` at 1.
     /// The fraction is clamped. Null if either colour has no RGB form.
     std::shared_ptr<Color> blendedColorWithFractionOfColor(float fraction, const Color& other) const;
-    /// Calibrated white of 0.3 r + 0.59 g + 0.11 b (in double), with the same alpha. Null without an RGB form.
+    /// Calibrated white of 0.3 r + 0.59 g + 0.11 b (in double), with the same alpha. Null without an RGB
+    /// form.
     std::shared_ptr<Color> grayscaleColor() const;
-    /// 1 minus each component in calibrated RGB, converted back to the colour's own space, with the same alpha.
-    /// Null without an RGB form.
+    /// 1 minus each component in calibrated RGB, converted back to the colour's own space, with the same
+    /// alpha. Null without an RGB form.
     std::shared_ptr<Color> invertedColor() const;
 
     void set() const; ///< as fill and stroke colour of the current context

@@ -135,9 +135,9 @@ public:
     virtual void drawImage(const Rect&, const Image&) = 0;
     virtual void drawShading(const Shading&) = 0; ///< fills the clip
 
-    /// Draws page 1 of a PDF file as vectors, its media box mapped to the rectangle. `pixels` renders the page
-    /// as an image where pixels are needed, such as for a shadow. Returns false, and draws nothing, if the
-    /// context keeps no vectors.
+    /// Draws page 1 of a PDF file as vectors, its media box mapped to the rectangle. `pixels` renders the
+    /// page as an image where pixels are needed, such as for a shadow. Returns false, and draws nothing, if
+    /// the context keeps no vectors.
     virtual bool placePage(const Rect&, const std::shared_ptr<const Data>&, const PagePixels&)
     {
         return false;

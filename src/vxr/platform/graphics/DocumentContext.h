@@ -24,9 +24,9 @@ public:
     static std::shared_ptr<DocumentContext> createWithFile(const std::string& path);
     static std::shared_ptr<DocumentContext> createWithWriter(Write write);
 
-    /// Starts a page with a fresh state. The media box's lower left corner becomes the origin; the other boxes
-    /// keep their position on the media. Nothing is drawn outside of pages. Throws `InvalidArgumentException`
-    /// if the media box is empty.
+    /// Starts a page with a fresh state. The media box's lower left corner becomes the origin; the other
+    /// boxes keep their position on the media. Nothing is drawn outside of pages. Throws
+    /// `InvalidArgumentException` if the media box is empty.
     virtual void beginPage(const PDFPageBoxes&) = 0;
     virtual void endPage() = 0;
     /// Ends the page and writes the document. Throws `GenericException` if writing fails. Later calls do

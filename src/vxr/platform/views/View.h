@@ -53,7 +53,7 @@ public:
     virtual bool isOpaque() const { return false; } ///< whether each redraw covers the whole frame
     bool isHidden() const { return mHidden; } ///< the view's own flag only
     void setHidden(bool);
-    /// The part of the bounds not clipped by ancestors; the zero rectangle if the view or one of them is hidden.
+    /// The part of the bounds not clipped by ancestors; the zero rectangle if any of them is hidden.
     virtual Rect visibleRect() const;
 
     // Conversion; a null view stands for the window.
@@ -104,8 +104,8 @@ protected:
     /// Whether the window draws the subviews after this view; false if the view draws them itself.
     virtual bool drawsSubviewsSeparately() const { return true; }
     /// Called after a scroll by a clip view that does not copy, with the previously visible area in this
-    /// view's coordinates. A view whose pixels can be reused marks what would look different after moving them
-    /// and returns true: the pixels are moved, and of the rest only the newly visible part is redrawn.
+    /// view's coordinates. A view whose pixels can be reused marks what would look different after moving
+    /// them and returns true: the pixels are moved, and of the rest only the newly visible part is redrawn.
     virtual bool keepsPixelsOnScroll(const Rect&) { return false; }
 
 private:

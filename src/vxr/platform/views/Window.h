@@ -60,8 +60,8 @@ public:
     /// locked.
     void displayIfNeeded();
     void display();
-    /// Moves the pixels within an area in window coordinates. Returns false, and does nothing, if the distance
-    /// or the edges are not whole pixels.
+    /// Moves the pixels within an area in window coordinates. Returns false, and does nothing, if the
+    /// distance or the edges are not whole pixels.
     bool movePixels(const Rect& area, float dx, float dy);
 
     /// Rectangles of pixels, from the upper left corner, that have changed since the last call. Empty while

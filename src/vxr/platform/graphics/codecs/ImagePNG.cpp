@@ -69,8 +69,7 @@ std::shared_ptr<const Image> Image::createWithPNGFile(const std::string& path, s
         return nullptr;
     }
     session.image.format = PNG_FORMAT_RGBA;
-    session.image.flags
-        |= PNG_IMAGE_FLAG_16BIT_sRGB; // treats 16-bit files without gamma like 8-bit ones
+    session.image.flags |= PNG_IMAGE_FLAG_16BIT_sRGB; // treats 16-bit files without gamma like 8-bit ones
     ImageLayout layout;
     layout.width = static_cast<int>(session.image.width);
     layout.height = static_cast<int>(session.image.height);

@@ -118,8 +118,8 @@ public:
     /// A copy whose curves are replaced by lines within `flatness`, as far as single precision allows. After
     /// 16 million lines each remaining curve becomes 8 lines at most.
     std::shared_ptr<Path> bezierPathByFlatteningPath() const;
-    /// Whether `p` is inside by the path's winding rule; open sub-paths count as closed. Points on the outline
-    /// may be either; NaN is outside.
+    /// Whether `p` is inside by the path's winding rule; open sub-paths count as closed. Points on the
+    /// outline may be either; NaN is outside.
     bool containsPoint(Point p) const;
     void transformUsingAffineTransform(const AffineTransform&); ///< in place; line style unchanged
     std::shared_ptr<Path> transformedBy(const AffineTransform&) const; ///< a transformed copy
