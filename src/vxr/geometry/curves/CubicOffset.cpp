@@ -137,11 +137,14 @@ private:
     {
         const Vec2 arm1 = a.direction * way, arm2 = b.direction * -way;
         double s11 = 0, s12 = 0, s22 = 0, r1 = 0, r2 = 0;
-        // The arms' lengths were the curve to bend evenly: what the places' parameters are taken from.
-        const double third = (to - from) / 3;
-        const double guess1
-            = std::abs(derivativeAt(mCurve, from).length() * third * (1 - mDistance * bendAt(from))),
-            guess2 = std::abs(derivativeAt(mCurve, to).length() * third * (1 - mDistance * bendAt(to)));
+        // The arms' lengths were the curve to bend evenly: what the places' parameters are taken from. Beside
+        // a cusp, where the bend has no bounds, a third of the way.
+        const double third = (to - from) / 3, chord = (b.p - a.p).length(), most = 4 * chord;
+        const auto guess = [&](double t) {
+            const double arm = derivativeAt(mCurve, t).length() * third * std::abs(1 - mDistance * bendAt(t));
+            return arm <= most ? arm : chord / 3;
+        };
+        const double guess1 = guess(from), guess2 = guess(to);
         Cubic curve { a.p, a.p + arm1 * guess1, b.p + arm2 * guess2, b.p };
         for (int round = 0; round < 2; ++round) {
             s11 = s12 = s22 = r1 = r2 = 0;
@@ -162,7 +165,6 @@ private:
             if (!(std::abs(determinant) > 1e-12 * s11 * s22))
                 break;
             const double x = (r1 * s22 - r2 * s12) / determinant, y = (r2 * s11 - r1 * s12) / determinant;
-            const double most = 4 * (b.p - a.p).length();
             if (!(x >= 0 && y >= 0 && x <= most && y <= most))
                 break;
             curve.control1 = a.p + arm1 * x;

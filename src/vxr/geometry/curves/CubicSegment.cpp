@@ -109,33 +109,6 @@ bool isStraight(const Cubic& c, double tolerance)
 
 // Places.
 
-NearestPoint nearestPoint(const Cubic& curve, Vec2 p)
-{
-    NearestPoint best { 0, INFINITY };
-    if (!isFinite(curve) || !std::isfinite(p.x) || !std::isfinite(p.y))
-        return best;
-    // The square of the distance from p has its extrema where (B - p) . B' = 0.
-    const CubicPolynomial q(curve);
-    const Vec2 a = q.a - p;
-    const double slope[] = { dot(a, q.b), 2 * dot(a, q.c) + dot(q.b, q.b), 3 * (dot(a, q.d) + dot(q.b, q.c)),
-        4 * dot(q.b, q.d) + 2 * dot(q.c, q.c), 5 * dot(q.c, q.d), 3 * dot(q.d, q.d) };
-    double least = INFINITY;
-    const auto consider = [&](double t, Vec2 at) {
-        const Vec2 offset = at - p;
-        const double squared = dot(offset, offset);
-        if (squared < least) {
-            least = squared;
-            best.t = t;
-        }
-    };
-    consider(0, curve.start);
-    for (const double t : PolynomialRoots(slope))
-        consider(t, q.at(t));
-    consider(1, curve.end);
-    best.distance = std::sqrt(least);
-    return best;
-}
-
 Extent extentOf(const Cubic& curve)
 {
     if (!isFinite(curve))

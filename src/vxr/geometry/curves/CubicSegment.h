@@ -35,11 +35,10 @@ VXR_EXPORT bool isStraight(const Cubic& curve, double tolerance);
 
 // Lengths.
 
-/// The fraction of the length within which two orders of quadrature agree. The error of `lengthOf` may be
-/// larger; the tests hold it to 1e-6 of the length.
-inline constexpr double lengthPrecision = 1e-9;
+/// The error of a length, as a part of it.
+inline constexpr double lengthPrecision = 1e-8;
 
-/// Gauss-Legendre quadrature of order 16 on pieces that are halved until two orders agree.
+/// Gauss-Legendre quadrature with 8 or 16 nodes, on pieces that get shorter towards where the pen slows down.
 VXR_EXPORT double lengthOf(const Cubic& curve);
 /// Of the part between two parameters; negative when they stand the other way round.
 VXR_EXPORT double lengthBetween(const Cubic& curve, double from, double to);
