@@ -240,7 +240,9 @@ private:
                 attempt(from + 1);
             return best;
         }
-        // Doubling, then halving between the last success and the first failure.
+        // Doubling, then halving between the last success and the first failure. Of a long segment the last
+        // few points aren't worth the attempts.
+        constexpr std::size_t fineness = 24;
         std::size_t good = from + 1, bad = limit + 1;
         for (std::size_t reach = step; good < limit; reach *= 2) {
             const std::size_t to = std::min(from + reach, limit);
@@ -250,7 +252,7 @@ private:
             }
             good = to;
         }
-        while (good + 1 < bad) {
+        while (good + 1 + (good - from) / fineness < bad) {
             const std::size_t middle = good + (bad - good) / 2;
             (attempt(middle) ? good : bad) = middle;
         }

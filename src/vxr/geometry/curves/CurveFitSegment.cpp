@@ -123,20 +123,23 @@ std::optional<Cubic> CurveFitSegment::solve(
     addUnknowns(leaving, true);
     addUnknowns(-arriving, false);
     const auto count = static_cast<std::size_t>(unknowns);
+    double s11 = 0, s12 = 0, s22 = 0;
+    Vec2 rest1, rest2;
     for (const Sample& sample : mSamples) {
         const double t = sample.t, s = 1 - t;
         const double b1 = 3 * s * s * t, b2 = 3 * s * t * t;
         const Vec2 rest = sample.p - start * (s * s * s + b1) - end * (t * t * t + b2);
-        for (std::size_t i = 0; i < count; ++i) {
-            const double bi = ofStart[i] ? b1 : b2;
-            right[i] += bi * dot(axis[i], rest);
-            for (std::size_t j = i; j < count; ++j)
-                normal[i][j] += bi * (ofStart[j] ? b1 : b2) * dot(axis[i], axis[j]);
-        }
+        s11 += b1 * b1;
+        s12 += b1 * b2;
+        s22 += b2 * b2;
+        rest1 = rest1 + rest * b1;
+        rest2 = rest2 + rest * b2;
     }
-    for (std::size_t i = 0; i < count; ++i)
-        for (std::size_t j = 0; j < i; ++j)
-            normal[i][j] = normal[j][i];
+    for (std::size_t i = 0; i < count; ++i) {
+        right[i] = dot(axis[i], ofStart[i] ? rest1 : rest2);
+        for (std::size_t j = 0; j < count; ++j)
+            normal[i][j] = dot(axis[i], axis[j]) * (ofStart[i] != ofStart[j] ? s12 : ofStart[i] ? s11 : s22);
+    }
     Vec2 arm1, arm2;
     if (solveSymmetric(normal, right, unknowns))
         for (std::size_t i = 0; i < count; ++i)
@@ -201,9 +204,11 @@ bool CurveFitSegment::keepsTolerance(const Cubic& curve, std::size_t last) const
 
 bool CurveFitSegment::isNear(const Cubic& curve, double from, double to, Vec2 a, Vec2 b) const
 {
-    const double gap = (b - a).length(), most = mTolerance + mStrayPerGap * gap;
-    if (gap <= mTolerance)
+    const Vec2 step = b - a;
+    // The curve passes both points; between such near ones it has no room to stray.
+    if (dot(step, step) <= 4 * mTolerance * mTolerance)
         return true;
+    const double gap = step.length(), most = mTolerance + mStrayPerGap * gap;
     const int places = gap <= 8 * mTolerance ? 1 : 7;
     for (int i = 1; i <= places; ++i) {
         const double t = from + (to - from) * i / (places + 1);

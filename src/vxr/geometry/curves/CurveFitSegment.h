@@ -18,7 +18,7 @@ public:
     std::optional<Cubic> fit(std::size_t first, std::size_t last, Vec2 leaving, Vec2 arriving);
 
 private:
-    static constexpr std::size_t mostSamples = 28;
+    static constexpr std::size_t mostSamples = 20;
 
     /// A point that has a say in the least squares, with the parameter of the curve's point nearest to it.
     struct Sample {

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <bit>
 #include <cstdlib>
+#include <memory>
+#include <new>
 
 #if defined(__SSE2__)
 #include <emmintrin.h>
@@ -31,17 +33,31 @@ std::uint64_t bitsOf(const std::uint8_t* p, std::uint8_t threshold)
     return bits;
 }
 
+struct Freer {
+    void operator()(void* memory) const { std::free(memory); }
+};
+using Words = std::unique_ptr<std::uint64_t[], Freer>;
+
+/// Pages that are never written take no memory and no time.
+Words zeroedWords(std::size_t count)
+{
+    Words words(static_cast<std::uint64_t*>(std::calloc(count, sizeof(std::uint64_t))));
+    if (!words)
+        throw std::bad_alloc();
+    return words;
+}
+
 /// The mask as bits, with a frame of pixels outside: a column before and after, a row above and below.
 class Bits {
 public:
     Bits(const MaskView& mask, std::uint8_t threshold)
         : mWords((static_cast<std::size_t>(mask.width) + 2 + 63) / 64)
-        , mBits((static_cast<std::size_t>(mask.height) + 2) * mWords)
+        , mBits(zeroedWords((static_cast<std::size_t>(mask.height) + 2) * mWords))
     {
         const auto width = static_cast<std::size_t>(mask.width);
         for (int y = 0; y < mask.height; ++y) {
             const std::uint8_t* p = mask.pixels + static_cast<std::size_t>(y) * mask.bytesPerRow;
-            std::uint64_t* row = mBits.data() + static_cast<std::size_t>(y + 1) * mWords;
+            std::uint64_t* row = mBits.get() + static_cast<std::size_t>(y + 1) * mWords;
             std::uint64_t carry = 0;
             std::size_t x = 0, word = 0;
             for (; x + 64 <= width; x += 64, ++word) {
@@ -62,7 +78,7 @@ public:
     /// The row of pixels y, from -1 to the height.
     const std::uint64_t* row(std::int32_t y) const
     {
-        return mBits.data() + static_cast<std::size_t>(y + 1) * mWords;
+        return mBits.get() + static_cast<std::size_t>(y + 1) * mWords;
     }
     bool at(std::int32_t x, std::int32_t y) const
     {
@@ -72,7 +88,7 @@ public:
 
 private:
     std::size_t mWords;
-    std::vector<std::uint64_t> mBits;
+    Words mBits;
 };
 
 class OutlineWalker {
@@ -81,7 +97,7 @@ public:
         : mOptions(options)
         , mHeight(mask.height)
         , mBits(mask, options.threshold)
-        , mSeen(mBits.words() * static_cast<std::size_t>(mask.height))
+        , mSeen(zeroedWords(mBits.words() * static_cast<std::size_t>(mask.height)))
     {
     }
 
@@ -163,7 +179,7 @@ private:
     const MaskOutlineOptions& mOptions;
     std::int32_t mHeight;
     Bits mBits;
-    std::vector<std::uint64_t> mSeen; ///< upper edges of pixels that belong to an outline found
+    Words mSeen; ///< upper edges of pixels that belong to an outline found
     MaskOutlines mResult;
 };
 
