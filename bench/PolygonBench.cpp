@@ -135,9 +135,9 @@ Pair outlineBesideFill(int segments)
 const int registered = [] {
     bench::compare(
         "POLYGON/unite-90000-squares", atMost(1.3), [] { return uniteBesideClipper(squares(300)); });
-    bench::compare("POLYGON/unite-5000-bars", atMost(1.3), [] { return uniteBesideClipper(bars(5000)); });
+    bench::compare("POLYGON/unite-20000-bars", atMost(1.3), [] { return uniteBesideClipper(bars(20000)); });
     bench::compare(
-        "POLYGON/outline-5000-segments-to-fill", atMost(10), [] { return outlineBesideFill(5000); });
+        "POLYGON/outline-20000-segments-to-fill", atMost(10), [] { return outlineBesideFill(20000); });
     for (const int vertices : { 1000, 10000 })
         for (const Operation& operation : operations)
             bench::compare("POLYGON/" + std::string(operation.name) + "-" + std::to_string(vertices),

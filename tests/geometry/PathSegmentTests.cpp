@@ -167,8 +167,8 @@ TEST(OutlineStroke, OfManySegmentsIsOneUnion)
 {
     // What took minutes or came back empty when every segment was united by itself.
     Path circle = *Path::pathWithOvalInRect({ 0, 0, 5000, 5000 })->bezierPathByFlatteningPath(), star, cusps;
-    for (int i = 0; i < 5000; ++i) {
-        const double angle = 2 * M_PI * i / 5000, radius = i % 2 ? 500 : 1000;
+    for (int i = 0; i < 20000; ++i) {
+        const double angle = 2 * M_PI * i / 20000, radius = i % 2 ? 500 : 1000;
         const Point p { float(radius * std::cos(angle)), float(radius * std::sin(angle)) };
         i ? star.lineTo(p) : star.moveTo(p);
     }

@@ -81,9 +81,7 @@ VXR_EXPORT std::vector<std::shared_ptr<Path>> _beziersFromSegmentIntersections(
 
 /// Vertices of the flattened paths, or of the outline of a stroke.
 inline constexpr double VXRAreaMaximumVertices = gpcMaximumVertices;
-/// Pairs of edges that lie beside each other on both axes, among contours that don't lie apart.
-inline constexpr double VXRAreaMaximumEdgePairs = gpcMaximumEdgePairs;
-/// Points in which edges cross.
+/// Points in which edges cross, counted where more than thousands of edges lie side by side.
 inline constexpr double VXRAreaMaximumCrossings = gpcMaximumCrossings;
 
 /// The area that stroking covers with the path's line width and join, solid and with butt ends; with round

@@ -193,6 +193,7 @@ std::vector<std::shared_ptr<Path>> beziersFromPolygon(const gpc_polygon* polygon
 std::shared_ptr<Path> bezierForVertexList(const gpc_vertex_list& vertices)
 {
     auto path = Path::path();
+    path->reserve(std::size_t(vertices.num_vertices) + 1);
     addVertexListToBezier(vertices, *path);
     return path;
 }
@@ -201,7 +202,6 @@ void addVertexListToBezier(const gpc_vertex_list& vertices, Path& path)
 {
     if (vertices.num_vertices == 0)
         return;
-    path.reserve(path.elementCount() + std::size_t(vertices.num_vertices) + 1);
     path.moveTo(pointFromVertex(vertices.vertex[0]));
     for (int i = 1; i < vertices.num_vertices; ++i)
         path.lineTo(pointFromVertex(vertices.vertex[i]));

@@ -1,100 +1,24 @@
 #include <vxr/platform/polygons/gpc.h>
 
 #include <vxr/platform/base/Exceptions.h>
+#include <vxr/platform/polygons/AreaSweep.h>
 #include <vxr/platform/polygons/ClipClusters.h>
-#include <vxr/platform/polygons/ClipWork.h>
+#include <vxr/platform/polygons/ClipGrid.h>
+#include <vxr/platform/polygons/ClipResult.h>
 #include <vxr/platform/polygons/ContourNesting.h>
+#include <vxr/platform/polygons/EdgePairs.h>
 
 #include <fmt/format.h>
 #include <polyclipping/clipper.hpp>
 
 #include <algorithm>
-#include <cmath>
+#include <cstdint>
 #include <cstdlib>
-#include <iterator>
-#include <limits>
-#include <new>
+#include <span>
 #include <vector>
 
 namespace vxr {
 namespace {
-
-/// An array of `count` records from malloc; none for 0.
-template <class T> T* allocateArray(std::size_t count)
-{
-    if (count == 0)
-        return nullptr;
-    auto* array = static_cast<T*>(std::malloc(count * sizeof(T)));
-    if (!array)
-        throw std::bad_alloc();
-    return array;
-}
-
-template <class T> void growArray(T*& array, std::size_t count)
-{
-    auto* grown = static_cast<T*>(std::realloc(array, count * sizeof(T)));
-    if (!grown)
-        throw std::bad_alloc();
-    array = grown;
-}
-
-/// Maps coordinates to whole numbers of at most 2^45 and back. The scale is a power of two and the
-/// centre lies on the grid, so coordinates on the grid survive the round trip exactly; 45 bits leave
-/// Clipper's intersections, computed in double, exact to about a grid step.
-class Grid {
-public:
-    explicit Grid(const ClipBox& bounds)
-    {
-        constexpr int bits = 45;
-        const double half = std::max(bounds.x1 / 2 - bounds.x0 / 2, bounds.y1 / 2 - bounds.y0 / 2);
-        int exponent = 0;
-        std::frexp(half, &exponent); // 2^(exponent - 1) <= half < 2^exponent
-        const int shift = std::clamp(bits - 1 - exponent, -1022, 1022);
-        mScale = std::ldexp(1.0, shift);
-        mStep = std::ldexp(1.0, -shift);
-        mCentreX = std::floor((bounds.x0 / 2 + bounds.x1 / 2) * mScale) * mStep;
-        mCentreY = std::floor((bounds.y0 / 2 + bounds.y1 / 2) * mScale) * mStep;
-    }
-
-    ClipperLib::IntPoint toGrid(const gpc_vertex& v) const
-    {
-        return { rounded((v.x - mCentreX) * mScale), rounded((v.y - mCentreY) * mScale) };
-    }
-    gpc_vertex fromGrid(const ClipperLib::IntPoint& p) const
-    {
-        return { double(p.X) * mStep + mCentreX, double(p.Y) * mStep + mCentreY };
-    }
-
-private:
-    static ClipperLib::cInt rounded(double x) { return ClipperLib::cInt(x < 0 ? x - 0.5 : x + 0.5); }
-
-    double mScale, mStep, mCentreX, mCentreY;
-};
-
-gpc_polygon toPolygon(const ClipperLib::Paths& contours, const std::vector<int>& holes, const Grid& grid)
-{
-    struct Result : gpc_polygon {
-        Result()
-            : gpc_polygon {}
-        {
-        }
-        ~Result() { gpc_free_polygon(this); }
-    } result;
-
-    if (contours.size() > std::size_t(std::numeric_limits<int>::max()))
-        return {};
-    result.hole = allocateArray<int>(contours.size());
-    result.contour = allocateArray<gpc_vertex_list>(contours.size());
-    std::copy(holes.begin(), holes.end(), result.hole);
-    for (const auto& path : contours) {
-        auto* vertices = allocateArray<gpc_vertex>(path.size());
-        std::transform(path.begin(), path.end(), vertices, [&](const auto& p) { return grid.fromGrid(p); });
-        result.contour[result.num_contours++] = { int(path.size()), vertices };
-    }
-    const gpc_polygon answer = result;
-    static_cast<gpc_polygon&>(result) = {};
-    return answer;
-}
 
 ClipperLib::ClipType clipType(gpc_op operation)
 {
@@ -117,132 +41,149 @@ ClipperLib::ClipType clipType(gpc_op operation)
         fmt::format("Polygon clipping refused: {:.0f} {} exceed the limit of {:.0f}.", count, what, limit));
 }
 
-/// One clip: an operation under a fill rule, on a grid across both operands.
+/// An operation under a fill rule.
+struct Combination {
+    gpc_op operation;
+    ClipperLib::PolyFillType fill;
+    AreaSweep::Rule isInside;
+};
+
+template <gpc_op operation> bool isInsideEvenOdd(int a, int b)
+{
+    const bool inA = a % 2 != 0, inB = b % 2 != 0;
+    switch (operation) {
+    case GPC_DIFF:
+        return inA && !inB;
+    case GPC_INT:
+        return inA && inB;
+    case GPC_XOR:
+        return inA != inB;
+    case GPC_UNION:
+        break;
+    }
+    return inA || inB;
+}
+
+Combination evenOdd(gpc_op operation)
+{
+    constexpr AreaSweep::Rule rules[] = { isInsideEvenOdd<GPC_DIFF>, isInsideEvenOdd<GPC_INT>,
+        isInsideEvenOdd<GPC_XOR>, isInsideEvenOdd<GPC_UNION> };
+    return { operation, ClipperLib::pftEvenOdd, rules[operation] };
+}
+
+/// One clip. What is plain goes to Clipper, whose cost follows the edges side by side, and what is not to the
+/// sweep, whose cost follows the crossings.
 class Clip {
 public:
-    Clip(ClipperLib::ClipType operation, ClipperLib::PolyFillType rule, const ClipBox& bounds)
-        : mOperation(operation)
-        , mRule(rule)
-        , mGrid(bounds)
+    Clip(const Combination& how, const ClipBox& bounds)
+        : mHow(how)
+        , mGrid(bounds, 45) // leaves Clipper's crossings, computed in double, exact to about a step
     {
     }
 
     /// Throws when the work exceeds the limits that the header states.
     gpc_polygon execute(const ClipOperand& a, const ClipOperand& b)
     {
-        const std::size_t vertices = a.vertices + b.vertices;
-        if (double(vertices) > gpcMaximumVertices)
-            refuse("vertices", double(vertices), gpcMaximumVertices);
-        if (vertices <= neverTooMuch || edgePairBound(listsOf(a, b), vertices, SweepAxis::Y) <= cheap)
-            run(a, b, SweepAxis::Y);
+        const auto vertices = double(a.vertices + b.vertices);
+        if (vertices > gpcMaximumVertices)
+            refuse("vertices", vertices, gpcMaximumVertices);
+        if (isPlain(a, b))
+            clipPlain(a, b);
         else
-            executeInClusters(a, b);
-        return toPolygon(mContours, mHoles, mGrid);
+            for (const ClipCluster& cluster : clipClusters(a, b))
+                if (isPlain(cluster.a, cluster.b))
+                    clipPlain(cluster.a, cluster.b);
+                else
+                    sweep(cluster.a, cluster.b);
+        return mResult.take();
     }
 
 private:
-    using Lists = std::vector<const gpc_vertex_list*>;
-
-    static constexpr std::size_t neverTooMuch = 2048; ///< vertices, however their edges cross
-    static constexpr double cheap = 1 << 22; ///< edge pairs, all of which may cross
-
-    static Lists listsOf(const ClipOperand& a, const ClipOperand& b)
+    static bool isPlain(const ClipOperand& a, const ClipOperand& b)
     {
-        Lists lists;
-        lists.reserve(a.contours.size() + b.contours.size());
-        for (const ClipOperand* operand : { &a, &b })
-            for (const auto& contour : operand->contours)
-                lists.push_back(contour.list);
-        return lists;
+        constexpr std::size_t few = 1024; // vertices, however their edges lie
+        constexpr double cheap = 1 << 22; // pairs of edges, all of which may cross
+        return a.vertices + b.vertices <= few || edgePairBound(a, b) <= cheap;
     }
 
-    /// What lies apart is clipped apart, each cluster along the axis on which fewer edges lie beside each
-    /// other.
-    void executeInClusters(const ClipOperand& a, const ClipOperand& b)
-    {
-        const std::vector<ClipCluster> clusters = clipClusters(a, b);
-        std::vector<SweepAxis> axes;
-        axes.reserve(clusters.size());
-        ClipWork work;
-        for (const ClipCluster& cluster : clusters)
-            axes.push_back(addWork(cluster, work));
-        if (work.pairs > gpcMaximumEdgePairs)
-            refuse("pairs of edges side by side", work.pairs, gpcMaximumEdgePairs);
-        if (work.crossings > gpcMaximumCrossings)
-            refuse("crossings of edges", work.crossings, gpcMaximumCrossings);
-        for (std::size_t i = 0; i < clusters.size(); ++i)
-            run(clusters[i].a, clusters[i].b, axes[i]);
-    }
-
-    static SweepAxis addWork(const ClipCluster& cluster, ClipWork& work)
-    {
-        const std::size_t vertices = cluster.a.vertices + cluster.b.vertices;
-        if (vertices <= neverTooMuch)
-            return SweepAxis::Y;
-        const Lists lists = listsOf(cluster.a, cluster.b);
-        const double alongX = edgePairBound(lists, vertices, SweepAxis::X);
-        const double alongY = edgePairBound(lists, vertices, SweepAxis::Y);
-        const SweepAxis axis = alongX < alongY ? SweepAxis::X : SweepAxis::Y;
-        if (std::min(alongX, alongY) > cheap) {
-            const ClipWork sampled = sampledClipWork(lists, vertices, axis);
-            work.pairs += sampled.pairs;
-            work.crossings += sampled.crossings;
-        }
-        return axis;
-    }
-
-    void run(const ClipOperand& a, const ClipOperand& b, SweepAxis axis)
+    void clipPlain(const ClipOperand& a, const ClipOperand& b)
     {
         ClipperLib::Clipper clipper;
         // Without it Clipper also removes the vertices in the middle of straight sides.
         clipper.PreserveCollinear(true);
-        addTo(clipper, a, ClipperLib::ptSubject, axis);
-        addTo(clipper, b, ClipperLib::ptClip, axis);
+        addTo(clipper, a, ClipperLib::ptSubject);
+        addTo(clipper, b, ClipperLib::ptClip);
         ClipperLib::Paths contours;
-        // Clipper gives up on some degenerate contours, which then have no area.
-        if (!clipper.Execute(mOperation, contours, mRule, mRule))
-            return;
-        // While few contours lie side by side, and none of another cluster is near.
+        // Clipper gives up on some input with edges that lie on each other.
+        if (!isClipped(clipper, contours))
+            return sweep(a, b);
         const std::vector<int> holes = holeFlags(contours);
-        mHoles.insert(mHoles.end(), holes.begin(), holes.end());
-        if (axis == SweepAxis::X)
-            for (ClipperLib::Path& contour : contours)
-                transpose(contour);
-        std::move(contours.begin(), contours.end(), std::back_inserter(mContours));
+        for (std::size_t i = 0; i < contours.size(); ++i) {
+            const auto vertices = mResult.add(contours[i].size(), holes[i]);
+            std::transform(contours[i].begin(), contours[i].end(), vertices.begin(),
+                [&](const auto& p) { return mGrid.fromGrid(double(p.X), double(p.Y)); });
+        }
     }
 
-    void addTo(
-        ClipperLib::Clipper& clipper, const ClipOperand& operand, ClipperLib::PolyType role, SweepAxis axis)
+    bool isClipped(ClipperLib::Clipper& clipper, ClipperLib::Paths& contours) const
     {
-        for (const auto& [contour, box] : operand.contours) {
-            mScratch.resize(std::size_t(contour->num_vertices));
-            std::transform(contour->vertex, contour->vertex + contour->num_vertices, mScratch.begin(),
-                [&](const gpc_vertex& v) { return mGrid.toGrid(v); });
-            if (axis == SweepAxis::X)
-                transpose(mScratch);
+        try {
+            return clipper.Execute(clipType(mHow.operation), contours, mHow.fill, mHow.fill);
+        } catch (const ClipperLib::clipperException&) {
+            return false;
+        }
+    }
+
+    void addTo(ClipperLib::Clipper& clipper, const ClipOperand& operand, ClipperLib::PolyType role)
+    {
+        for (const auto& contour : operand.contours) {
+            mScratch.clear();
+            for (int k = 0; k < contour.list->num_vertices; ++k) {
+                const gpc_vertex& v = contour.list->vertex[k];
+                mScratch.emplace_back(mGrid.gridX(v), mGrid.gridY(v));
+            }
             clipper.AddPath(mScratch, role, true);
         }
     }
 
-    /// Mirrored at the diagonal, and reversed so that it runs the same way round.
-    static void transpose(ClipperLib::Path& contour)
+    /// On a grid of its own across the operands.
+    void sweep(const ClipOperand& a, const ClipOperand& b)
     {
-        for (ClipperLib::IntPoint& p : contour)
-            std::swap(p.X, p.Y);
-        std::reverse(contour.begin(), contour.end());
+        ClipBox bounds = a.bounds;
+        bounds.add(b.bounds);
+        const ClipGrid grid(bounds, 30);
+        AreaSweep sweep;
+        std::vector<GridPoint> points;
+        for (const int role : { 0, 1 })
+            for (const auto& contour : (role == 0 ? a : b).contours) {
+                points.clear();
+                for (int k = 0; k < contour.list->num_vertices; ++k) {
+                    const gpc_vertex& v = contour.list->vertex[k];
+                    points.push_back({ std::int32_t(grid.gridX(v)), std::int32_t(grid.gridY(v)) });
+                }
+                sweep.addContour(points, role);
+            }
+        OutlineLinks outline;
+        mCrossings += sweep.run(mHow.isInside, gpcMaximumCrossings - mCrossings, outline);
+        if (mCrossings > gpcMaximumCrossings)
+            refuse("crossings of edges", mCrossings, gpcMaximumCrossings);
+        outline.visitContours([&](std::span<const gpc_vertex> contour, bool isHole) {
+            const auto vertices = mResult.add(contour.size(), isHole);
+            std::transform(contour.begin(), contour.end(), vertices.begin(),
+                [&](const gpc_vertex& v) { return grid.fromGrid(v.x, v.y); });
+        });
     }
 
-    ClipperLib::ClipType mOperation;
-    ClipperLib::PolyFillType mRule;
-    Grid mGrid;
+    Combination mHow;
+    ClipGrid mGrid;
     ClipperLib::Path mScratch;
-    ClipperLib::Paths mContours;
-    std::vector<int> mHoles;
+    ClipResult mResult;
+    double mCrossings = 0;
 };
 
-gpc_polygon clipped(gpc_op operation, const gpc_polygon& subject, const gpc_polygon& clip,
-    ClipperLib::PolyFillType rule = ClipperLib::pftEvenOdd)
+gpc_polygon clipped(const Combination& how, const gpc_polygon& subject, const gpc_polygon& clip)
 {
+    const gpc_op operation = how.operation;
     ClipOperand a, b;
     if (!a.read(subject) || !b.read(clip))
         return {};
@@ -260,11 +201,7 @@ gpc_polygon clipped(gpc_op operation, const gpc_polygon& subject, const gpc_poly
     bounds.add(b.bounds);
     if (bounds.x0 == bounds.x1 || bounds.y0 == bounds.y1)
         return {};
-    try {
-        return Clip(clipType(operation), rule, bounds).execute(a, b);
-    } catch (const ClipperLib::clipperException& failure) {
-        throw GenericException(fmt::format("Polygon clipping failed: {}.", failure.what()));
-    }
+    return Clip(how, bounds).execute(a, b);
 }
 
 } // namespace
@@ -284,12 +221,13 @@ void gpc_add_contour(gpc_polygon* polygon, const gpc_vertex_list* contour, int h
 void gpc_polygon_clip(
     gpc_op operation, const gpc_polygon* subject, const gpc_polygon* clip, gpc_polygon* result)
 {
-    *result = clipped(operation, *subject, *clip);
+    *result = clipped(evenOdd(operation), *subject, *clip);
 }
 
 void gpc_unite_nonzero(const gpc_polygon* polygon, gpc_polygon* result)
 {
-    *result = clipped(GPC_UNION, *polygon, {}, ClipperLib::pftNonZero);
+    const auto isInside = [](int winding, int) { return winding != 0; };
+    *result = clipped({ GPC_UNION, ClipperLib::pftNonZero, isInside }, *polygon, {});
 }
 
 void gpc_free_polygon(gpc_polygon* polygon)

@@ -30,13 +30,11 @@ struct gpc_polygon {
     gpc_vertex_list* contour;
 };
 
-/// Limits of the work one clip accepts, so that hostile input costs seconds at most: vertices of both
-/// operands, pairs of edges that lie beside each other on both axes (contours that lie apart don't count
-/// together), crossings. The last two are estimated, and only for operands that look tangled. A clip beyond
-/// them throws a `GenericException` that names the limit.
+/// Limits of the work that one clip accepts, so that hostile input costs seconds at most: vertices of both
+/// operands, and points in which the edges of large operands cross. A clip beyond them throws a
+/// `GenericException` that names the limit. Below them cost follows vertices and crossings.
 constexpr double gpcMaximumVertices = 1 << 22;
-constexpr double gpcMaximumEdgePairs = 1 << 28;
-constexpr double gpcMaximumCrossings = 1 << 20;
+constexpr double gpcMaximumCrossings = 1 << 22;
 
 /// Appends a copy of `contour`, which stays the caller's.
 VXR_EXPORT void gpc_add_contour(gpc_polygon* polygon, const gpc_vertex_list* contour, int hole);
@@ -44,12 +42,12 @@ VXR_EXPORT void gpc_add_contour(gpc_polygon* polygon, const gpc_vertex_list* con
 /// `result` = `subject` `operation` `clip`. What `result` held is overwritten, not freed; it may be one
 /// of the operands.
 ///
-/// Coordinates are rounded to a grid of 2^45 steps across both operands, a power of two wide, so whole
-/// numbers and dyadic fractions come back exactly. The result's area is right under the even-odd rule;
-/// contours may touch. A hole flag says that the contour lies within an odd number of others.
-/// Empty operands and a NaN or infinite vertex in either operand give the empty set (a union with the empty
-/// set is the other operand with its crossings resolved). Throws for work beyond the limits above and then
-/// leaves `result` as it was.
+/// Coordinates are rounded to a grid of 2^45 steps across both operands, or where more than thousands of
+/// edges lie side by side of 2^30 across what lies together. A step is a power of two wide, so whole numbers
+/// and dyadic fractions come back exactly. The result's area is right under the even-odd rule; contours may
+/// touch. A hole flag says that the contour lies within an odd number of others. Empty operands and a NaN or
+/// infinite vertex in either operand give the empty set (a union with the empty set is the other operand with
+/// its crossings resolved). Throws for work beyond the limits above and then leaves `result` as it was.
 VXR_EXPORT void gpc_polygon_clip(
     gpc_op operation, const gpc_polygon* subject, const gpc_polygon* clip, gpc_polygon* result);
 
