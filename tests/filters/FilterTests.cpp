@@ -239,10 +239,9 @@ TEST(Filter, GivesTheSameBytesOnEveryInstructionSet)
     std::vector<std::uint32_t> first;
     for (const FilterKernels* kernels : availableFilterKernels()) {
         std::vector<std::uint32_t> out(picture.pixels.size());
-        FilterPipeline pipeline(chain, picture.width, picture.height, FilterFormat::nativeARGB(),
-            FilterFormat::nativeARGB(),
-            [&](int y) { return out.data() + std::ptrdiff_t(y) * picture.width; });
-        pipeline.setKernels(*kernels);
+        FilterPipeline pipeline(
+            chain, picture.width, picture.height, FilterFormat::nativeARGB(), FilterFormat::nativeARGB(),
+            [&](int y) { return out.data() + std::ptrdiff_t(y) * picture.width; }, *kernels);
         for (int y = 0; y < picture.height; ++y)
             pipeline.push(picture.pixels.data() + std::ptrdiff_t(y) * picture.width);
         if (first.empty())
@@ -284,20 +283,22 @@ TEST(UnsharpMask, SharpensAgainstTheMeanOfOpaqueNeighbours)
              std::tuple(1, 1, 3.0f), std::tuple(3, 60, 50.0f), std::tuple(64, 2, 0.5f) }) {
         const Picture picture = randomPicture(width, height, 7, false);
         const Picture result = filtered({ FilterOperation::sharpen(0.7f, radius) }, picture);
-        std::vector<double> planes[4];
-        for (int k = 0; k < 4; ++k) {
-            for (const std::uint32_t p : picture.pixels)
-                planes[k].push_back(p >> (8 * k) & 255);
+        // Premultiplied luminances and alphas.
+        std::vector<double> lumas, alphas;
+        for (const std::uint32_t p : picture.pixels) {
+            lumas.push_back(luminanceOf({ double(p >> 16 & 255), double(p >> 8 & 255), double(p & 255) }));
+            alphas.push_back(p >> 24);
         }
-        std::vector<double> means[4];
-        for (int k = 0; k < 4; ++k)
-            means[k] = boxMean(planes[k], width, height, radius);
+        const auto lumaMeans = boxMean(lumas, width, height, radius),
+                   alphaMeans = boxMean(alphas, width, height, radius);
         for (std::size_t i = 0; i < picture.pixels.size(); ++i) {
-            const double a = planes[3][i];
+            const double a = alphas[i];
             ASSERT_EQ(result.pixels[i] >> 24, a);
             for (int k = 0; k < 3 && a > 0; ++k) {
-                const double v = planes[k][i] / a, mean = means[3][i] > 0 ? means[k][i] / means[3][i] : 0;
-                ASSERT_NEAR(result.pixels[i] >> (8 * k) & 255, limited(v + double(0.7f) * (v - mean)) * a, 1);
+                const double v = (picture.pixels[i] >> (8 * k) & 255) / a;
+                const double change = lumas[i] / a - lumaMeans[i] / alphaMeans[i];
+                ASSERT_NEAR(result.pixels[i] >> (8 * k) & 255, limited(v + double(0.7f) * change) * a, 1)
+                    << width << " by " << height << ", " << radius << ": " << i;
             }
         }
     }

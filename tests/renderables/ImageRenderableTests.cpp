@@ -1,5 +1,7 @@
 #include <tests/support/FakeCanvas.h>
 #include <tests/support/FakeImporter.h>
+#include <vxr/filters/VXRFilterRegistry.h>
+#include <vxr/filters/VXRFilteredImage.h>
 #include <vxr/host/data/VXEData.h>
 #include <vxr/host/utility/VXUObjectFlusher.h>
 #include <vxr/images/VXRImageBinary.h>
@@ -181,6 +183,45 @@ TEST(ImageRenderable, AFullPageStaysWithinTheBudget)
     }
     EXPECT_TRUE(pictures->calls.empty()) << "the second pass decodes nothing";
     flusher.setBudget(VXUObjectFlusher::defaultBudget);
+}
+
+TEST(ImageRenderable, DrawsItsFilteredImageAndRedrawsWhenThatChanges)
+{
+    Pictures pictures;
+    Lines lines;
+    FakeCanvas canvas(&lines);
+    const auto picture = placed("photo");
+    const auto filtered = VXRFilteredImage::filteredImageWithImageBinary(picture->imageBinary());
+    picture->setFrame({ 0, 0, 10, 8 });
+    picture->setCrop({ 500, 0, 500, 800 });
+    picture->setFilteredImage(filtered);
+    EXPECT_TRUE(picture->hasCrop());
+    picture->setCanvas(&canvas);
+    const auto colorOf = [&] {
+        const auto bitmap = BitmapContext::createBitmap(10, 8);
+        const CurrentContextScope current(*bitmap, true, false);
+        picture->renderIntoContext(*bitmap);
+        return bitmap->pixels()[44];
+    };
+    EXPECT_EQ(colorOf(), 0xff336699u);
+    lines.clear();
+    auto& stack = *filtered->effectStack();
+    stack.appendFilter(VXRFilterRegistry::createFilter("TesselSaturation"));
+    stack.filterAtIndex(1)->setValueForKey(-1, "inputSaturation");
+    EXPECT_THAT(lines, testing::Contains("damage -5 -5 20 18").Times(2));
+    const std::uint32_t gray = colorOf();
+    EXPECT_EQ(gray & 255, gray >> 16 & 255);
+    EXPECT_EQ(picture->containsPoint({ 5, 4 }), true);
+    picture->setFilteredImage(nullptr);
+    EXPECT_EQ(colorOf(), 0xff336699u);
+    lines.clear();
+    filtered->setAutomaticLevels(VXRAutomaticLevels::Luminance);
+    EXPECT_EQ(lines, Lines {}) << "no longer its own";
+    const auto missing = VXRFilteredImage::filteredImageWithImageBinary(std::make_shared<VXRImageBinary>());
+    missing->setAutomaticLevels(VXRAutomaticLevels::Luminance);
+    picture->setFilteredImage(missing);
+    EXPECT_NE(colorOf(), 0xff336699u) << "a placeholder";
+    picture->setCanvas(nullptr);
 }
 
 } // namespace vxr::test

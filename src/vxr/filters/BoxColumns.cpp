@@ -4,12 +4,13 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 
 namespace vxr {
 
 ExtendedBox ExtendedBox::forDeviation(double sigma)
 {
+    constexpr double mostPixels = 500;
+    sigma = sigma > 0 ? std::min(sigma, mostPixels) : 0; // NaN too
     const double variance = sigma * sigma / 3;
     ExtendedBox box;
     box.reach = std::max(0, static_cast<int>((std::sqrt(1 + 12 * variance) - 1) / 2));
@@ -20,72 +21,88 @@ ExtendedBox ExtendedBox::forDeviation(double sigma)
     return box;
 }
 
-BoxColumns::BoxColumns(const ExtendedBox& box, int count, int height)
+BoxColumns::BoxColumns(const ExtendedBox& box, int width, int height)
     : mBox(box)
-    , mCount(count)
+    , mWidth(width)
     , mHeight(height)
     , mCapacity(std::min(2 * box.reach + 4, height))
-    , mRows(std::size_t(mCapacity) * std::size_t(count))
-    , mSums(std::size_t(count))
-    , mOut(std::size_t(count))
+    , mRows(std::size_t(mCapacity) * std::size_t(width))
+    , mSums(std::size_t(width))
 {
 }
 
-const std::int32_t* BoxColumns::rowAt(int y) const
+std::uint16_t* BoxColumns::input()
+{
+    return mRows.data() + std::size_t(mTaken % mCapacity) * std::size_t(mWidth);
+}
+
+const std::uint16_t* BoxColumns::rowAt(int y) const
 {
     y = std::clamp(y, 0, mHeight - 1);
-    return mRows.data() + std::size_t(y % mCapacity) * std::size_t(mCount);
+    return mRows.data() + std::size_t(y % mCapacity) * std::size_t(mWidth);
 }
 
-void BoxColumns::emit(const FilterKernels& kernels, const Emit& emit)
+void BoxColumns::average(const FilterKernels& kernels, std::uint16_t* out)
 {
-    const int y = mEmitted++;
-    if (y == 0) {
-        for (int k = -mBox.reach; k <= mBox.reach; ++k) {
-            const std::int32_t* const row = rowAt(k);
-            for (int i = 0; i < mCount; ++i)
-                mSums[std::size_t(i)] += row[i];
-        }
-    } else {
-        kernels.addRow(mSums.data(), rowAt(y + mBox.reach), rowAt(y - mBox.reach - 1), mCount);
+    const int y = mGiven++, reach = mBox.reach;
+    for (int k = -reach - 1; y == 0 && k < reach; ++k) {
+        const std::uint16_t* const row = rowAt(k);
+        for (int x = 0; x < mWidth; ++x)
+            mSums[std::size_t(x)] += row[x];
     }
-    kernels.boxRow(mOut.data(), mSums.data(), rowAt(y - mBox.reach - 1), rowAt(y + mBox.reach + 1), mCount,
-        mBox.edge, mBox.scale());
-    emit(mOut.data());
+    kernels.boxColumns(mSums.data(), rowAt(y - reach - 1), rowAt(y + reach), rowAt(y + reach + 1), mWidth,
+        mBox.edge, mBox.scale(), out);
 }
 
-void BoxColumns::push(const FilterKernels& kernels, const std::int32_t* row, const Emit& emitRow)
+void BoxColumns::take(const FilterKernels& kernels, const Output& output, const Done& done)
 {
-    std::memcpy(mRows.data() + std::size_t(mTaken % mCapacity) * std::size_t(mCount), row,
-        sizeof(std::int32_t) * std::size_t(mCount));
     ++mTaken;
-    while (mEmitted < mTaken && (mEmitted + mBox.reach + 1 < mTaken || mTaken == mHeight))
-        emit(kernels, emitRow);
+    while (mGiven < mTaken && (mGiven + mBox.reach + 1 < mTaken || mTaken == mHeight)) {
+        average(kernels, output());
+        done();
+    }
 }
 
-void boxAlongRow(const ExtendedBox& box, const std::int32_t* row, std::int32_t* out, int width)
+GaussianRows::GaussianRows(double sigma, int width, int height)
+    : mBox(ExtendedBox::forDeviation(sigma))
+    , mWidth(std::size_t(width))
+    , mMargin(std::size_t(mBox.reach) + 1)
+    , mRow(mWidth + 2 * mMargin)
+    , mOther(mRow.size())
+    , mMean(mWidth)
+    , mSums(mRow.size() + 1)
+    , mColumns { { mBox, width, height }, { mBox, width, height }, { mBox, width, height } }
 {
-    // Four integers at once: every processor of ours has such registers, and the sums go from pixel to pixel.
-    using Ints = std::int32_t __attribute__((vector_size(16)));
-    using Floats = float __attribute__((vector_size(16)));
-    const auto at = [&](int x) {
-        Ints value;
-        std::memcpy(&value, row + 4 * std::ptrdiff_t(std::clamp(x, 0, width - 1)), sizeof value);
-        return value;
+}
+
+void GaussianRows::averageRow(
+    const FilterKernels& kernels, std::vector<std::uint16_t>& padded, std::uint16_t* out)
+{
+    std::uint16_t* const row = padded.data();
+    std::fill_n(row, mMargin, row[mMargin]);
+    std::fill_n(row + mMargin + mWidth, mMargin, row[mMargin + mWidth - 1]);
+    std::uint32_t sum = 0;
+    for (std::size_t i = 0; i < padded.size(); ++i)
+        mSums[i + 1] = sum += row[i];
+    kernels.boxRow(mSums.data() + 1, mSums.data() + 2 * mMargin, row, row + 2 * mMargin,
+        static_cast<int>(mWidth), mBox.edge, mBox.scale(), out);
+}
+
+void GaussianRows::take(const FilterKernels& kernels, const Emit& emit)
+{
+    averageRow(kernels, mRow, mOther.data() + mMargin);
+    averageRow(kernels, mOther, mRow.data() + mMargin);
+    averageRow(kernels, mRow, mColumns[0].input());
+    const auto takeThird = [&] {
+        mColumns[2].take(
+            kernels, [&] { return mMean.data(); }, [&] { emit(mMean.data()); });
     };
-    Ints sums {};
-    for (int k = -box.reach; k <= box.reach; ++k)
-        sums += at(k);
-    const float scale = box.scale();
-    for (int x = 0; x < width; ++x) {
-        const Ints before = at(x - box.reach - 1), after = at(x + box.reach + 1);
-        if (x > 0)
-            sums += at(x + box.reach) - before;
-        const Floats total = __builtin_convertvector(sums, Floats)
-            + __builtin_convertvector(before + after, Floats) * box.edge;
-        const Ints result = __builtin_convertvector(total * scale + 0.5f, Ints);
-        std::memcpy(out + 4 * std::ptrdiff_t(x), &result, sizeof result);
-    }
+    const auto takeSecond = [&] {
+        mColumns[1].take(
+            kernels, [&] { return mColumns[2].input(); }, takeThird);
+    };
+    mColumns[0].take(
+        kernels, [&] { return mColumns[1].input(); }, takeSecond);
 }
 
 } // namespace vxr

@@ -14,33 +14,55 @@ struct ExtendedBox {
     float edge = 0;
 
     /// Three of these in a row have the variance of a Gaussian of that standard deviation (Gwosdek et al.
-    /// 2011, "Theoretical foundations of Gaussian convolution by extended box filtering").
+    /// 2011, "Theoretical foundations of Gaussian convolution by extended box filtering"). Deviations are
+    /// limited to 500 pixels.
     static ExtendedBox forDeviation(double sigma);
     float scale() const { return 1 / (float(2 * reach + 1) + 2 * edge); }
 };
 
-/// Averages rows of integers downwards, in a window of rows. Before the first and after the last row these
-/// repeat.
+/// Averages rows of 16-bit values downwards, in a window of rows. Before the first and after the last row
+/// these repeat.
 class BoxColumns {
 public:
-    using Emit = std::function<void(const std::int32_t* row)>;
+    using Output = std::function<std::uint16_t*()>; ///< where an average is to be written
+    using Done = std::function<void()>;
 
-    BoxColumns(const ExtendedBox& box, int count, int height);
+    BoxColumns(const ExtendedBox& box, int width, int height);
 
-    /// Takes the next row and emits what is complete.
-    void push(const FilterKernels&, const std::int32_t* row, const Emit&);
+    std::uint16_t* input(); ///< where the next row is to be written
+    /// Takes that row and averages what is complete.
+    void take(const FilterKernels&, const Output&, const Done&);
 
 private:
-    const std::int32_t* rowAt(int y) const;
-    void emit(const FilterKernels&, const Emit&);
+    const std::uint16_t* rowAt(int y) const;
+    void average(const FilterKernels&, std::uint16_t* out);
 
     ExtendedBox mBox;
-    int mCount, mHeight, mCapacity;
-    int mTaken = 0, mEmitted = 0;
-    std::vector<std::int32_t> mRows, mSums, mOut;
+    int mWidth, mHeight, mCapacity;
+    int mTaken = 0, mGiven = 0;
+    std::vector<std::uint16_t> mRows;
+    std::vector<std::int32_t> mSums;
 };
 
-/// The same along a row of four integers a pixel, from `row` to `out`.
-void boxAlongRow(const ExtendedBox& box, const std::int32_t* row, std::int32_t* out, int width);
+/// A Gaussian mean of one plane by extended boxes, three along the rows and three downwards.
+class GaussianRows {
+public:
+    using Emit = std::function<void(const std::uint16_t* row)>;
+
+    GaussianRows(double sigma, int width, int height);
+
+    std::uint16_t* input() { return mRow.data() + mMargin; } ///< where the next row is to be written
+    /// Takes that row, which is lost then, and emits what is complete.
+    void take(const FilterKernels&, const Emit&);
+
+private:
+    void averageRow(const FilterKernels&, std::vector<std::uint16_t>& row, std::uint16_t* out);
+
+    ExtendedBox mBox;
+    std::size_t mWidth, mMargin; ///< on either side of rows
+    std::vector<std::uint16_t> mRow, mOther, mMean;
+    std::vector<std::uint32_t> mSums; ///< of what precedes, modulo 2^32
+    BoxColumns mColumns[3];
+};
 
 } // namespace vxr

@@ -5,7 +5,7 @@
 namespace vxr {
 
 #if defined(__x86_64__)
-extern const FilterKernels avx2FilterKernels;
+extern const FilterKernels avx2FilterKernels, avx512FilterKernels;
 #endif
 
 namespace {
@@ -13,7 +13,7 @@ namespace {
 constexpr FilterKernels portableKernels = filterKernelsNamed("portable");
 
 struct Available {
-    std::array<const FilterKernels*, 2> kernels {};
+    std::array<const FilterKernels*, 3> kernels {};
     std::size_t count = 0;
 
     Available()
@@ -22,6 +22,9 @@ struct Available {
 #if defined(__x86_64__)
         if (__builtin_cpu_supports("avx2"))
             kernels[count++] = &avx2FilterKernels;
+        if (__builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw")
+            && __builtin_cpu_supports("avx512dq") && __builtin_cpu_supports("avx512vl"))
+            kernels[count++] = &avx512FilterKernels;
 #endif
     }
 };

@@ -5,7 +5,7 @@
 
 namespace vxr {
 
-/// Loops of the filter pipeline over planes of floats from 0 to 1, or rows of four 32-bit integers a pixel.
+/// Loops of the filter pipeline over planes of floats from 0 to 1, or of 16-bit values.
 /// Every set gives the same bytes; they differ in the instructions that they use.
 struct FilterKernels {
     const char* name;
@@ -13,8 +13,13 @@ struct FilterKernels {
     // Colours of `count` pixels, in place. Results are clamped to [0, 1].
     void (*gain)(float* values, int count, float scale);
     void (*line)(float* values, int count, float scale, float offset);
-    void (*colorMatrix)(float* red, float* green, float* blue, int count, const float (&matrix)[9]);
+    /// Rounds to 16 bits if told to.
+    void (*colorMatrix)(
+        float* red, float* green, float* blue, int count, const float (&matrix)[9], bool rounds);
     void (*clamp)(float* values, int count); ///< NaN becomes 0
+    void (*round16)(float* values, int count); ///< to the nearest 65535th
+    void (*to16)(const float* values, int count, std::uint16_t* out);
+    void (*from16)(const std::uint16_t* values, int count, float* out);
     /// The sRGB transfer function and its inverse, within 6e-7 of the exact ones.
     void (*encode)(float* values, int count);
     void (*decode)(float* values, int count);
@@ -25,11 +30,22 @@ struct FilterKernels {
     void (*storeARGB)(const float* red, const float* green, const float* blue, const float* alpha, int count,
         std::uint32_t* pixels);
 
-    // Sums of rows, for box filters.
-    void (*addRow)(std::int32_t* sums, const std::int32_t* added, const std::int32_t* removed, int count);
-    /// (sums + (before + after) · edge) · scale, rounded.
-    void (*boxRow)(std::int32_t* out, const std::int32_t* sums, const std::int32_t* before,
-        const std::int32_t* after, int count, float edge, float scale);
+    bool (*isOpaque)(const std::uint32_t* pixels, int count);
+
+    /// The luminance (ITU-R BT.709 of encoded values) of 16-bit colours.
+    void (*luma)(const std::uint16_t* red, const std::uint16_t* green, const std::uint16_t* blue, int count,
+        std::uint16_t* out);
+    void (*multiply16)(std::uint16_t* values, const std::uint16_t* by, int count);
+    /// v + amount · (luma - mean), the mean divided by that of alpha where there is one.
+    void (*sharpen)(const std::uint16_t* const (&colors)[3], const std::uint16_t* mean,
+        const std::uint16_t* meanAlpha, int count, float amount, float* const (&out)[3]);
+
+    // Box filters, rounded: the mean of what lies between two prefix sums and a part of its neighbours ...
+    void (*boxRow)(const std::uint32_t* from, const std::uint32_t* to, const std::uint16_t* before,
+        const std::uint16_t* after, int count, float edge, float scale, std::uint16_t* out);
+    /// ... and of a column's sums that lose `before`, gain `added`, and are followed by `after`.
+    void (*boxColumns)(std::int32_t* sums, const std::uint16_t* before, const std::uint16_t* added,
+        const std::uint16_t* after, int count, float edge, float scale, std::uint16_t* out);
 };
 
 const FilterKernels& filterKernels(); ///< the best set for this processor

@@ -32,17 +32,26 @@ void clampLoop(float* __restrict values, int count)
         values[i] = clamped(values[i]);
 }
 
+inline float rounded16(float v) { return float(std::int32_t(v * 65535.0f + 0.5f)) * (1 / 65535.0f); }
+
+template <bool Rounds>
 void matrixLoop(
     float* __restrict red, float* __restrict green, float* __restrict blue, int count, const float (&m)[9])
 {
     const float m0 = m[0], m1 = m[1], m2 = m[2], m3 = m[3], m4 = m[4], m5 = m[5], m6 = m[6], m7 = m[7],
                 m8 = m[8];
+    const auto put = [](float v) { return Rounds ? rounded16(clamped(v)) : clamped(v); };
     for (int i = 0; i < count; ++i) {
         const float r = red[i], g = green[i], b = blue[i];
-        red[i] = clamped(m0 * r + m1 * g + m2 * b);
-        green[i] = clamped(m3 * r + m4 * g + m5 * b);
-        blue[i] = clamped(m6 * r + m7 * g + m8 * b);
+        red[i] = put(m0 * r + m1 * g + m2 * b);
+        green[i] = put(m3 * r + m4 * g + m5 * b);
+        blue[i] = put(m6 * r + m7 * g + m8 * b);
     }
+}
+
+void colorMatrixLoop(float* red, float* green, float* blue, int count, const float (&m)[9], bool rounds)
+{
+    (rounds ? matrixLoop<true> : matrixLoop<false>)(red, green, blue, count, m);
 }
 
 /// 1.055 x^(1/2.4) - 0.055 as a polynomial in the fourth root of x, interpolated at Chebyshev nodes of
@@ -93,7 +102,7 @@ void loadLoop(const std::uint32_t* __restrict pixels, int count, float* __restri
         red[i] = clamped(float(std::int32_t(p >> 16 & 255)) * scale);
         green[i] = clamped(float(std::int32_t(p >> 8 & 255)) * scale);
         blue[i] = clamped(float(std::int32_t(p & 255)) * scale);
-        alpha[i] = a * (1 / 255.0f);
+        alpha[i] = (a * 257) * (1 / 65535.0f); // as it comes back from 16 bits
     }
 }
 
@@ -107,26 +116,118 @@ void storeLoop(const float* __restrict red, const float* __restrict green, const
     }
 }
 
-void addRowLoop(
-    std::int32_t* __restrict sums, const std::int32_t* added, const std::int32_t* removed, int count)
+void round16Loop(float* __restrict values, int count)
 {
     for (int i = 0; i < count; ++i)
-        sums[i] += added[i] - removed[i];
+        values[i] = rounded16(values[i]);
 }
 
-void boxRowLoop(std::int32_t* __restrict out, const std::int32_t* __restrict sums, const std::int32_t* before,
-    const std::int32_t* after, int count, float edge, float scale)
+void to16Loop(const float* __restrict values, int count, std::uint16_t* __restrict out)
+{
+    for (int i = 0; i < count; ++i)
+        out[i] = std::uint16_t(std::int32_t(values[i] * 65535.0f + 0.5f));
+}
+
+void from16Loop(const std::uint16_t* __restrict values, int count, float* __restrict out)
+{
+    for (int i = 0; i < count; ++i)
+        out[i] = float(std::int32_t(values[i])) * (1 / 65535.0f);
+}
+
+bool isOpaqueLoop(const std::uint32_t* __restrict pixels, int count)
+{
+    std::uint32_t all = 0xffffffff;
+    for (int i = 0; i < count; ++i)
+        all &= pixels[i];
+    return all >> 24 == 255;
+}
+
+inline float lumaOf(float red, float green, float blue)
+{
+    return 0.2126f * red + 0.7152f * green + 0.0722f * blue;
+}
+
+void lumaLoop(const std::uint16_t* __restrict red, const std::uint16_t* __restrict green,
+    const std::uint16_t* __restrict blue, int count, std::uint16_t* __restrict out)
 {
     for (int i = 0; i < count; ++i) {
-        const float total = float(sums[i]) + float(before[i] + after[i]) * edge;
-        out[i] = std::int32_t(total * scale + 0.5f);
+        const float y = lumaOf(
+            float(std::int32_t(red[i])), float(std::int32_t(green[i])), float(std::int32_t(blue[i])));
+        out[i] = std::uint16_t(std::int32_t(y + 0.5f));
+    }
+}
+
+void multiply16Loop(std::uint16_t* __restrict values, const std::uint16_t* __restrict by, int count)
+{
+    for (int i = 0; i < count; ++i) {
+        const float product = float(std::int32_t(values[i])) * (float(std::int32_t(by[i])) * (1 / 65535.0f));
+        values[i] = std::uint16_t(std::int32_t(product + 0.5f));
+    }
+}
+
+inline float sharpened16(float v, float change)
+{
+    const float sum = v + change;
+    const float above = sum > 0 ? sum : 0;
+    const float within = above < 65535 ? above : 65535;
+    return float(std::int32_t(within + 0.5f)) * (1 / 65535.0f);
+}
+
+void sharpenLoop(const std::uint16_t* const (&colors)[3], const std::uint16_t* __restrict mean,
+    const std::uint16_t* __restrict meanAlpha, int count, float amount, float* const (&out)[3])
+{
+    const std::uint16_t *const red = colors[0], *const green = colors[1], *const blue = colors[2];
+    float* const __restrict red2 = out[0], * const __restrict green2 = out[1], * const __restrict blue2 = out[2];
+    const auto put = [&](int i, float meanLuma) {
+        const float r = float(std::int32_t(red[i])), g = float(std::int32_t(green[i])),
+                    b = float(std::int32_t(blue[i]));
+        const float change = amount * (float(std::int32_t(lumaOf(r, g, b) + 0.5f)) - meanLuma);
+        red2[i] = sharpened16(r, change);
+        green2[i] = sharpened16(g, change);
+        blue2[i] = sharpened16(b, change);
+    };
+    if (!meanAlpha) {
+        for (int i = 0; i < count; ++i)
+            put(i, float(std::int32_t(mean[i])));
+        return;
+    }
+    for (int i = 0; i < count; ++i) {
+        const float alpha = float(std::int32_t(meanAlpha[i]));
+        put(i, alpha > 0 ? float(std::int32_t(mean[i])) * (65535.0f / alpha) : 0);
+    }
+}
+
+inline std::uint16_t boxMean(float sum, float edges, float edge, float scale)
+{
+    const float mean = (sum + edges * edge) * scale;
+    const auto whole = std::int32_t(mean + 0.5f);
+    return std::uint16_t(whole < 65535 ? whole : 65535);
+}
+
+void boxRowLoop(const std::uint32_t* __restrict from, const std::uint32_t* __restrict to,
+    const std::uint16_t* __restrict before, const std::uint16_t* __restrict after, int count, float edge,
+    float scale, std::uint16_t* __restrict out)
+{
+    for (int i = 0; i < count; ++i)
+        out[i] = boxMean(
+            float(std::int32_t(to[i] - from[i])), float(std::int32_t(before[i] + after[i])), edge, scale);
+}
+
+void boxColumnsLoop(std::int32_t* __restrict sums, const std::uint16_t* before, const std::uint16_t* added,
+    const std::uint16_t* after, int count, float edge, float scale, std::uint16_t* __restrict out)
+{
+    for (int i = 0; i < count; ++i) {
+        const std::int32_t sum = sums[i] + added[i] - before[i];
+        sums[i] = sum;
+        out[i] = boxMean(float(sum), float(std::int32_t(before[i] + after[i])), edge, scale);
     }
 }
 
 constexpr FilterKernels filterKernelsNamed(const char* name)
 {
-    return { name, gainLoop, lineLoop, matrixLoop, clampLoop, encodeLoop, decodeLoop, loadLoop, storeLoop,
-        addRowLoop, boxRowLoop };
+    return { name, gainLoop, lineLoop, colorMatrixLoop, clampLoop, round16Loop, to16Loop, from16Loop,
+        encodeLoop, decodeLoop, loadLoop, storeLoop, isOpaqueLoop, lumaLoop, multiply16Loop, sharpenLoop,
+        boxRowLoop, boxColumnsLoop };
 }
 
 } // namespace

@@ -15,8 +15,10 @@ struct FilterOperation {
         Gain, ///< linear: v · scale
         Line, ///< encoded: v · scale + offset
         Matrix, ///< linear: rows of `matrix` times (red, green, blue)
-        Sharpen, ///< encoded: v + scale · (v - mean of the neighbourhood of `radius` pixels)
+        Sharpen, ///< encoded: v + scale · (Y - mean of Y in the neighbourhood of `radius` pixels)
         Custom, ///< encoded: `custom` on `count` pixels at a time, a plane per colour
+        Lines, ///< encoded: v · matrix[c] + matrix[3 + c] for colour c
+        Round, ///< either: to 16 bits, as between the layers of a stack
     };
     using CustomLoop = std::function<void(float* red, float* green, float* blue, int count)>;
 
@@ -40,6 +42,12 @@ struct FilterOperation {
     {
         return { Kind::Sharpen, amount, 0, radius, {}, {} };
     }
+    static FilterOperation lines(const std::array<float, 3>& scales, const std::array<float, 3>& offsets)
+    {
+        return { Kind::Lines, 1, 0, 0,
+            { scales[0], scales[1], scales[2], offsets[0], offsets[1], offsets[2], 0, 0, 0 }, {} };
+    }
+    static FilterOperation round() { return { Kind::Round, 1, 0, 0, {}, {} }; }
     static FilterOperation pixelLoop(CustomLoop loop)
     {
         return { Kind::Custom, 1, 0, 0, {}, std::move(loop) };

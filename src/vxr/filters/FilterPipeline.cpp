@@ -1,7 +1,7 @@
 #include <vxr/filters/FilterPipeline.h>
 
-#include <vxr/filters/BoxColumns.h>
-#include <vxr/filters/FilterKernels.h>
+#include <vxr/filters/FilterPointPass.h>
+#include <vxr/filters/FilterSharpener.h>
 
 #include <algorithm>
 #include <bit>
@@ -12,10 +12,7 @@ namespace vxr {
 
 namespace {
 
-constexpr int blockSize = 512; ///< pixels whose planes stay in the first cache
 constexpr float full16 = 65535;
-
-std::int32_t to16(float v) { return static_cast<std::int32_t>(v * full16 + 0.5f); }
 
 int componentAt(const std::uint8_t* pixel, int place, int bits)
 {
@@ -48,177 +45,65 @@ FilterFormat FilterFormat::nativeARGB()
     return format;
 }
 
-/// The planes of up to `blockSize` pixels.
-struct FilterPipeline::Block {
-    alignas(64) float red[blockSize], green[blockSize], blue[blockSize], alpha[blockSize];
-    int count = 0;
-
-    std::array<float*, 3> colors() { return { red, green, blue }; }
-
-    // From and to four components of 16 bits a pixel.
-    void readFrom(const std::int32_t* pixels)
-    {
-        for (int i = 0; i < count; ++i, pixels += 4) {
-            red[i] = float(pixels[0]) * (1 / full16);
-            green[i] = float(pixels[1]) * (1 / full16);
-            blue[i] = float(pixels[2]) * (1 / full16);
-            alpha[i] = float(pixels[3]) * (1 / full16);
-        }
-    }
-    void writeTo(std::int32_t* pixels) const
-    {
-        for (int i = 0; i < count; ++i, pixels += 4) {
-            pixels[0] = to16(red[i]);
-            pixels[1] = to16(green[i]);
-            pixels[2] = to16(blue[i]);
-            pixels[3] = to16(alpha[i]);
-        }
-    }
-};
-
-/// Operations on single pixels, done together while a block is at hand.
-class FilterPipeline::PointPass {
-public:
-    void add(const FilterOperation& operation) { mOperations.push_back(operation); }
-
-    void run(const FilterKernels& kernels, Block& block) const
-    {
-        bool isLinear = false;
-        const auto makeLinear = [&](bool linear) {
-            if (linear == isLinear)
-                return;
-            isLinear = linear;
-            for (float* plane : block.colors())
-                (linear ? kernels.decode : kernels.encode)(plane, block.count);
-        };
-        for (const FilterOperation& operation : mOperations) {
-            switch (operation.kind) {
-            case FilterOperation::Kind::Gain:
-                makeLinear(true);
-                for (float* plane : block.colors())
-                    kernels.gain(plane, block.count, operation.scale);
-                break;
-            case FilterOperation::Kind::Line:
-                makeLinear(false);
-                for (float* plane : block.colors())
-                    kernels.line(plane, block.count, operation.scale, operation.offset);
-                break;
-            case FilterOperation::Kind::Matrix: {
-                makeLinear(true);
-                float matrix[9];
-                std::copy(operation.matrix.begin(), operation.matrix.end(), matrix);
-                kernels.colorMatrix(block.red, block.green, block.blue, block.count, matrix);
-                break;
-            }
-            case FilterOperation::Kind::Custom:
-                makeLinear(false);
-                operation.custom(block.red, block.green, block.blue, block.count);
-                for (float* plane : block.colors())
-                    kernels.clamp(plane, block.count);
-                break;
-            case FilterOperation::Kind::Sharpen:
-                break; // between passes
-            }
-        }
-        makeLinear(false);
-    }
-
-private:
-    std::vector<FilterOperation> mOperations;
-};
-
-/// Keeps the rows that the mean of a neighbourhood needs. Rows are straight red, green, blue and alpha of 16
-/// bits; the mean is that of premultiplied ones, so that transparent pixels have no colour in it.
-class FilterPipeline::Sharpener {
-public:
-    Sharpener(const FilterOperation& operation, int width, int height)
-        : mAmount(operation.scale)
-        , mBox(ExtendedBox::forDeviation(operation.radius))
-        , mWidth(width)
-        , mCapacity(std::min(3 * (mBox.reach + 1) + 2, height))
-        , mOriginals(std::size_t(mCapacity) * rowSize())
-        , mRow(rowSize())
-        , mOther(rowSize())
-        , mColumns { { mBox, 4 * width, height }, { mBox, 4 * width, height }, { mBox, 4 * width, height } }
-    {
-    }
-
-    /// Where the next row is written before it is taken.
-    std::int32_t* input() { return original(mTaken); }
-
-    void take(const FilterKernels& kernels, const BoxColumns::Emit& emit)
-    {
-        const std::int32_t* const row = original(mTaken++);
-        for (std::size_t i = 0; i < rowSize(); i += 4) {
-            const float alpha = float(row[i + 3]) * (1 / full16);
-            for (std::size_t c = 0; c < 3; ++c)
-                mRow[i + c] = static_cast<std::int32_t>(float(row[i + c]) * alpha + 0.5f);
-            mRow[i + 3] = row[i + 3];
-        }
-        boxAlongRow(mBox, mRow.data(), mOther.data(), mWidth);
-        boxAlongRow(mBox, mOther.data(), mRow.data(), mWidth);
-        boxAlongRow(mBox, mRow.data(), mOther.data(), mWidth);
-        mColumns[0].push(kernels, mOther.data(), [&](const std::int32_t* first) {
-            mColumns[1].push(kernels, first, [&](const std::int32_t* second) {
-                mColumns[2].push(
-                    kernels, second, [&](const std::int32_t* mean) { emitSharpened(mean, emit); });
-            });
-        });
-    }
-
-private:
-    std::size_t rowSize() const { return 4 * std::size_t(mWidth); }
-    std::int32_t* original(int y) { return mOriginals.data() + std::size_t(y % mCapacity) * rowSize(); }
-
-    void emitSharpened(const std::int32_t* mean, const BoxColumns::Emit& emit)
-    {
-        const std::int32_t* const row = original(mGiven++);
-        for (std::size_t i = 0; i < rowSize(); i += 4) {
-            const float scale = mean[i + 3] > 0 ? full16 / float(mean[i + 3]) : 0;
-            for (std::size_t c = 0; c < 3; ++c) {
-                const float v = float(row[i + c]);
-                const float sharpened = v + mAmount * (v - float(mean[i + c]) * scale);
-                mRow[i + c] = static_cast<std::int32_t>(std::clamp(sharpened, 0.0f, full16) + 0.5f);
-            }
-            mRow[i + 3] = row[i + 3];
-        }
-        emit(mRow.data());
-    }
-
-    float mAmount;
-    ExtendedBox mBox;
-    int mWidth, mCapacity, mTaken = 0, mGiven = 0;
-    std::vector<std::int32_t> mOriginals, mRow, mOther;
-    BoxColumns mColumns[3];
-};
-
 FilterPipeline::FilterPipeline(std::span<const FilterOperation> operations, int width, int height,
     const FilterFormat& input, const FilterFormat& output, Sink sink)
+    : FilterPipeline(operations, width, height, input, output, std::move(sink), filterKernels())
+{
+}
+
+FilterPipeline::FilterPipeline(std::span<const FilterOperation> operations, int width, int height,
+    const FilterFormat& input, const FilterFormat& output, Sink sink, const FilterKernels& kernels)
     : mWidth(width)
     , mHeight(height)
     , mInput(input)
     , mOutput(output)
     , mSink(std::move(sink))
-    , mKernels(&filterKernels())
-    , mBlock(std::make_unique<Block>())
+    , mKernels(&kernels)
+    , mPasses(1)
+    , mBlock(std::make_unique<FilterBlock>())
 {
-    mPasses.push_back(std::make_unique<PointPass>());
     for (const FilterOperation& operation : operations) {
         if (operation.kind != FilterOperation::Kind::Sharpen) {
-            mPasses.back()->add(operation);
+            mPasses.back().add(operation);
             continue;
         }
-        mSharpeners.push_back(std::make_unique<Sharpener>(operation, width, height));
-        mPasses.push_back(std::make_unique<PointPass>());
+        mSharpeners.push_back(std::make_unique<FilterSharpener>(operation, width, height));
+        mPasses.emplace_back();
     }
+    makeTables();
 }
 
 FilterPipeline::~FilterPipeline() = default;
 
-void FilterPipeline::setKernels(const FilterKernels& kernels) { mKernels = &kernels; }
-
-void FilterPipeline::load(const void* row, int x, Block& block) const
+/// Tables of 65,536 values pay for large images only.
+void FilterPipeline::makeTables()
 {
+    using Ending = FilterPointPass::Ending;
+    const bool isLarge = double(mWidth) * mHeight >= 4 * 0x10000;
+    for (std::size_t i = 0; i < mPasses.size() && isLarge; ++i) {
+        if (i < mSharpeners.size())
+            mPasses[i].makeEndingTables(*mKernels, Ending::Columns);
+        else if (mOutput.isNativeARGB())
+            mPasses[i].makeEndingTables(*mKernels, Ending::Pixels);
+    }
+    if (mInput.isNativeARGB())
+        mPasses[0].makeByteTables(*mKernels);
+}
+
+bool FilterPipeline::endsLinear(std::span<const FilterOperation> operations, bool beginsLinear)
+{
+    for (const FilterOperation& operation : operations) {
+        if (operation.kind != FilterOperation::Kind::Round)
+            beginsLinear = operation.kind == FilterOperation::Kind::Gain
+                || operation.kind == FilterOperation::Kind::Matrix;
+    }
+    return beginsLinear;
+}
+
+void FilterPipeline::load(const void* row, int x)
+{
+    FilterBlock& block = *mBlock;
+    block.isLinear = mInput.isLinear;
     const auto* pixel = static_cast<const std::uint8_t*>(row) + std::size_t(x) * mInput.bytesPerPixel();
     if (mInput.isNativeARGB()) {
         mKernels->loadARGB(reinterpret_cast<const std::uint32_t*>(pixel), block.count, block.red, block.green,
@@ -229,10 +114,13 @@ void FilterPipeline::load(const void* row, int x, Block& block) const
     const float scale = 1 / (bits == 8 ? 255.0f : full16);
     const bool hasAlpha = mInput.alpha != FilterFormat::Alpha::None;
     for (int i = 0; i < block.count; ++i, pixel += mInput.bytesPerPixel()) {
-        const float alpha = hasAlpha ? float(componentAt(pixel, mInput.places[3], bits)) * scale : 1;
+        // Alpha as it comes back from 16 bits.
+        const int alpha16
+            = hasAlpha ? componentAt(pixel, mInput.places[3], bits) * (bits == 8 ? 257 : 1) : 65535;
+        const float alpha = float(alpha16) * (1 / full16);
         float factor = scale;
         if (mInput.alpha == FilterFormat::Alpha::Premultiplied)
-            factor = alpha > 0 ? scale / alpha : 0;
+            factor = alpha16 > 0 ? scale / alpha : 0;
         const auto color = [&](std::size_t c) {
             return std::min(
                 float(componentAt(pixel, mInput.places[mInput.isGray ? 0 : c], bits)) * factor, 1.0f);
@@ -244,8 +132,10 @@ void FilterPipeline::load(const void* row, int x, Block& block) const
     }
 }
 
-void FilterPipeline::store(void* row, int x, const Block& block) const
+void FilterPipeline::store(void* row, int x)
 {
+    FilterBlock& block = *mBlock;
+    block.makeLinear(*mKernels, mOutput.isLinear);
     auto* pixel = static_cast<std::uint8_t*>(row) + std::size_t(x) * mOutput.bytesPerPixel();
     if (mOutput.isNativeARGB()) {
         mKernels->storeARGB(block.red, block.green, block.blue, block.alpha, block.count,
@@ -274,28 +164,71 @@ void FilterPipeline::store(void* row, int x, const Block& block) const
     }
 }
 
-void FilterPipeline::push(const void* row) { runPass(0, row, nullptr); }
+void FilterPipeline::push(const void* row) { runPass(0, row); }
 
-void FilterPipeline::runPass(std::size_t pass, const void* row, const std::int32_t* sharpened)
+bool FilterPipeline::isOpaqueRow(std::size_t pass, const void* row) const
+{
+    if (pass > 0)
+        return mSharpeners[pass - 1]->isOpaque();
+    if (mInput.alpha == FilterFormat::Alpha::None)
+        return true;
+    return mInput.isNativeARGB() && mKernels->isOpaque(static_cast<const std::uint32_t*>(row), mWidth);
+}
+
+void FilterPipeline::beginBlock(std::size_t pass, const void* row, int x, bool& isOpaque)
+{
+    FilterBlock& block = *mBlock;
+    if (pass > 0) {
+        mSharpeners[pass - 1]->load(*mKernels, x, block);
+    } else if (mPasses[0].hasByteTables()) {
+        const auto* pixels = static_cast<const std::uint32_t*>(row) + x;
+        isOpaque = isOpaque || mKernels->isOpaque(pixels, block.count);
+        if (isOpaque)
+            return mPasses[0].beginFromBytes(*mKernels, pixels, block.count, block);
+        load(row, x);
+    } else {
+        load(row, x);
+    }
+    mPasses[pass].begin(*mKernels, block);
+}
+
+void FilterPipeline::endBlock(std::size_t pass, int x, bool isOpaque, void* out)
+{
+    using Ending = FilterPointPass::Ending;
+    FilterBlock& block = *mBlock;
+    if (out) {
+        if (isOpaque && mPasses[pass].hasEndingTables(Ending::Pixels))
+            return mPasses[pass].finishOpaquePixels(*mKernels, block, static_cast<std::uint32_t*>(out) + x);
+        mPasses[pass].finish(*mKernels, block);
+        return store(out, x);
+    }
+    FilterSharpener& sharpener = *mSharpeners[pass];
+    std::uint16_t* const columns[]
+        = { sharpener.input(0) + x, sharpener.input(1) + x, sharpener.input(2) + x };
+    if (mPasses[pass].hasEndingTables(Ending::Columns)) {
+        mPasses[pass].finishColumns(*mKernels, block, columns);
+    } else {
+        mPasses[pass].finish(*mKernels, block);
+        block.makeLinear(*mKernels, false);
+        for (std::size_t c = 0; c < 3; ++c)
+            mKernels->to16(block.colors()[c], block.count, columns[c]);
+    }
+    mKernels->to16(block.alpha, block.count, sharpener.input(3) + x);
+}
+
+void FilterPipeline::runPass(std::size_t pass, const void* row)
 {
     const bool isLast = pass == mSharpeners.size();
     void* const out = isLast ? mSink(mStored++) : nullptr;
-    for (int x = 0; x < mWidth; x += blockSize) {
-        Block& block = *mBlock;
-        block.count = std::min(blockSize, mWidth - x);
-        if (sharpened)
-            block.readFrom(sharpened + 4 * std::size_t(x));
-        else
-            load(row, x, block);
-        mPasses[pass]->run(*mKernels, block);
-        if (isLast)
-            store(out, x, block);
-        else
-            block.writeTo(mSharpeners[pass]->input() + 4 * std::size_t(x));
+    const bool isOpaque = isOpaqueRow(pass, row);
+    for (int x = 0; x < mWidth; x += FilterBlock::size) {
+        mBlock->count = std::min(FilterBlock::size, mWidth - x);
+        bool isOpaqueBlock = isOpaque;
+        beginBlock(pass, row, x, isOpaqueBlock);
+        endBlock(pass, x, isOpaqueBlock, out);
     }
     if (!isLast)
-        mSharpeners[pass]->take(
-            *mKernels, [&](const std::int32_t* next) { runPass(pass + 1, nullptr, next); });
+        mSharpeners[pass]->take(*mKernels, isOpaque, [&] { runPass(pass + 1, nullptr); });
 }
 
 void applyFilterOperations(std::span<const FilterOperation> operations, int width, int height,

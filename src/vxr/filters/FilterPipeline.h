@@ -10,6 +10,9 @@
 
 namespace vxr {
 
+class FilterPointPass;
+class FilterSharpener;
+struct FilterBlock;
 struct FilterKernels;
 
 /// How pixels lie in memory: sRGB or grey, 8 or 16 bits a component in the machine's byte order.
@@ -22,6 +25,7 @@ struct FilterFormat {
     /// Where red, green, blue and alpha stand within a pixel; grey stands at the place of red.
     std::array<int, 4> places { 0, 1, 2, 3 };
     Alpha alpha = Alpha::Premultiplied;
+    bool isLinear = false; ///< colours in proportion to light; else encoded
 
     /// Premultiplied 32-bit pixels in the machine's byte order, alpha in the highest bits.
     VXR_EXPORT static FilterFormat nativeARGB();
@@ -44,32 +48,35 @@ public:
 
     FilterPipeline(std::span<const FilterOperation> operations, int width, int height,
         const FilterFormat& input, const FilterFormat& output, Sink sink);
+    /// With another set than `filterKernels()`, for tests.
+    FilterPipeline(std::span<const FilterOperation> operations, int width, int height,
+        const FilterFormat& input, const FilterFormat& output, Sink sink, const FilterKernels& kernels);
     ~FilterPipeline();
 
     /// The next row. The last one finishes the image. A row may be written over its own input: row y is
     /// written after row y has been pushed.
     void push(const void* row);
 
-    /// As `filterKernels` unless a test asks for another set.
-    void setKernels(const FilterKernels& kernels);
+    /// Whether operations leave their results in proportion to light, from where later ones go on.
+    static bool endsLinear(std::span<const FilterOperation> operations, bool beginsLinear = false);
 
 private:
-    class Sharpener;
-    class PointPass;
-    struct Block;
-
+    void makeTables();
     /// One row through a pass: from the input, or from the sharpener in front of the pass.
-    void runPass(std::size_t pass, const void* row, const std::int32_t* sharpened);
-    void load(const void* row, int x, Block& block) const;
-    void store(void* row, int x, const Block& block) const;
+    void runPass(std::size_t pass, const void* row);
+    void beginBlock(std::size_t pass, const void* row, int x, bool& isOpaque);
+    void endBlock(std::size_t pass, int x, bool isOpaque, void* out);
+    void load(const void* row, int x);
+    void store(void* row, int x);
+    bool isOpaqueRow(std::size_t pass, const void* row) const;
 
     int mWidth, mHeight;
     FilterFormat mInput, mOutput;
     Sink mSink;
     const FilterKernels* mKernels;
-    std::vector<std::unique_ptr<PointPass>> mPasses; ///< one more than there are sharpeners
-    std::vector<std::unique_ptr<Sharpener>> mSharpeners; ///< between the passes
-    std::unique_ptr<Block> mBlock;
+    std::vector<FilterPointPass> mPasses; ///< one more than there are sharpeners
+    std::vector<std::unique_ptr<FilterSharpener>> mSharpeners; ///< between the passes
+    std::unique_ptr<FilterBlock> mBlock;
     int mStored = 0;
 };
 

@@ -34,13 +34,15 @@ public:
     bool isEnabledAtIndex(std::size_t index) const;
     void setEnabledAtIndex(bool enabled, std::size_t index);
 
-    /// What the enabled filters from layer `first` up to and without layer `end` do to pixels. Throws what a
-    /// filter of the host's throws.
+    /// What the enabled filters from layer `first` up to and without layer `end` do to pixels, rounded to 16
+    /// bits between layers. Throws what a filter of the host's throws.
     std::vector<FilterOperation> operations(std::size_t first = 1, std::size_t end = SIZE_MAX) const;
     /// Whether no pixel changes.
     bool isIdentity() const { return operations().empty(); }
 
     void setChangeHandler(ChangeHandler handler) { mChangeHandler = std::move(handler); }
+
+    bool hasChangeHandler() const { return static_cast<bool>(mChangeHandler); }
 
     bool isEqual(const Object& other) const override; ///< equal filters, switched on and off alike
     std::shared_ptr<VXREffectStack> copyWithZone() const; ///< with copies of the filters

@@ -1,5 +1,6 @@
 #include <vxr/renderables/VXRImageRenderable.h>
 
+#include <vxr/filters/VXRFilteredImage.h>
 #include <vxr/geometry/PathAdditions.h>
 #include <vxr/geometry/TransformAdditions.h>
 #include <vxr/images/AlphaOutline.h>
@@ -8,6 +9,8 @@
 #include <vxr/images/VXRBitmapRenderingQualityInfo.h>
 #include <vxr/images/VXRImageBinary.h>
 #include <vxr/images/VXRPictureRenderer.h>
+#include <vxr/platform/base/Exceptions.h>
+#include <vxr/platform/base/NotificationCenter.h>
 #include <vxr/platform/graphics/Context.h>
 #include <vxr/platform/graphics/GraphicsContext.h>
 #include <vxr/platform/graphics/Image.h>
@@ -32,7 +35,11 @@ VXRImageRenderable::VXRImageRenderable()
 }
 
 // A pattern may hold the fill for longer.
-VXRImageRenderable::~VXRImageRenderable() { mFill->setOwner(nullptr); }
+VXRImageRenderable::~VXRImageRenderable()
+{
+    observe(nullptr);
+    mFill->setOwner(nullptr);
+}
 
 std::shared_ptr<VXRImageRenderable> VXRImageRenderable::imageRenderableWithImageBinary(
     std::shared_ptr<VXRImageBinary> binary)
@@ -49,7 +56,7 @@ std::shared_ptr<VXRImageRenderable> VXRImageRenderable::imageRenderableWithImage
 void VXRImageRenderable::takePicture()
 {
     mRenderer = mBinary ? VXRPictureRenderer::rendererWithBinaryCrop(mBinary, mCrop) : nullptr;
-    mFill->setRenderer(mRenderer);
+    mFill->setRenderer(mFilteredImage ? mFilteredImage->imageRenderer(mCrop) : mRenderer);
     mFill->setDynamicallyTransforming(dynamicallyTransforming());
 }
 
@@ -63,9 +70,33 @@ void VXRImageRenderable::pictureDidChange()
 void VXRImageRenderable::setImageBinary(std::shared_ptr<VXRImageBinary> binary)
 {
     autoErase();
+    observe(nullptr);
     mBinary = std::move(binary);
     mCrop.reset();
     mAlphaOutline.reset();
+    pictureDidChange();
+}
+
+void VXRImageRenderable::observe(std::shared_ptr<VXRFilteredImage> image)
+{
+    auto& center = NotificationCenter::defaultCenter();
+    center.removeObserver(this, VXRFilteredImageDidChangeNotification);
+    mFilteredImage = std::move(image);
+    if (mFilteredImage)
+        center.addObserver(this, VXRFilteredImageDidChangeNotification, mFilteredImage.get(),
+            [this](const Notification&) { autoInvalidate(); });
+}
+
+void VXRImageRenderable::setFilteredImage(std::shared_ptr<VXRFilteredImage> image)
+{
+    if (image && !image->imageBinary())
+        throw InvalidArgumentException("Only a filtered image of an image binary can be placed.");
+    autoErase();
+    if (image && image->imageBinary() != mBinary) {
+        mBinary = image->imageBinary();
+        mAlphaOutline.reset();
+    }
+    observe(std::move(image));
     pictureDidChange();
 }
 
@@ -237,7 +268,8 @@ void VXRImageRenderable::renderIntoContext(Context& context)
 
 void VXRImageRenderable::addBitmapsToRenderingQualityInfo(VXRBitmapRenderingQualityInfo& info)
 {
-    const auto decoded = mBinary && mBinary->hasImageData()
+    // A filtered picture is another bitmap than the one that would be announced.
+    const auto decoded = mBinary && !mFilteredImage && mBinary->hasImageData()
         ? std::dynamic_pointer_cast<VXRBitmapImageData>(mBinary->imageData())
         : nullptr;
     const auto toPicture = decoded ? pictureTransform() : std::nullopt;

@@ -9,6 +9,7 @@
 namespace vxr {
 
 class Path;
+class VXRFilteredImage;
 class VXRImageBinary;
 class VXRPictureRenderer;
 
@@ -31,7 +32,12 @@ public:
     ~VXRImageRenderable() override;
 
     const std::shared_ptr<VXRImageBinary>& imageBinary() const { return mBinary; }
-    void setImageBinary(std::shared_ptr<VXRImageBinary>); ///< drops the crop; the frame stays
+    void setImageBinary(std::shared_ptr<VXRImageBinary>); ///< drops crop and filters; the frame stays
+    /// A picture with levels and filters, drawn in place of its own binary's; it may be shared, and redraws
+    /// itself when they change. None draws the binary as it is. Throws `InvalidArgumentException` for one
+    /// that was not made of a binary.
+    const std::shared_ptr<VXRFilteredImage>& filteredImage() const { return mFilteredImage; }
+    void setFilteredImage(std::shared_ptr<VXRFilteredImage>); ///< takes its binary; the crop and frame stay
     std::int32_t technique() const { return mFill->technique(); } ///< `VXRImageFillStretch` at first
     void setTechnique(std::int32_t technique);
     void setFrame(const Rect&); ///< in canvas coordinates, unturned; the mask keeps its place in the frame
@@ -83,7 +89,10 @@ private:
     /// Local frame to the picture's points; none while nothing is shown.
     std::optional<AffineTransform> pictureTransform() const;
 
+    void observe(std::shared_ptr<VXRFilteredImage>);
+
     std::shared_ptr<VXRImageBinary> mBinary;
+    std::shared_ptr<VXRFilteredImage> mFilteredImage;
     std::optional<Rect> mCrop;
     VXRImageMask mMaskKind = VXRImageMask::None;
     std::shared_ptr<const Path> mMaskPath;
