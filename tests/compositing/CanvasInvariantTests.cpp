@@ -109,7 +109,8 @@ TEST_P(CanvasRoads, IncrementalEqualsFullAfterAnyEdits)
     behind->addSubview(std::make_shared<PlainView>(Rect { 106, 56, 20, 16 }, ColorValue::rgb(0, 0.5f, 0)));
     behind->addSubview(std::make_shared<PlainView>(Rect { 116, 50, 60, 12 }, ColorValue::rgb(1, 0, 0, 0.4f)));
     scene.window.displayIfNeeded();
-    RandomPage random(17, pageSize);
+    // Other pages with --gtest_shuffle --gtest_repeat=N.
+    RandomPage random(17 + unsigned(::testing::UnitTest::GetInstance()->random_seed()), pageSize);
     random.makesPictures = !GetParam().compositor;
     for (int i = 0; i < 60; ++i) {
         scene.canvas->add(random.shape());

@@ -1,6 +1,7 @@
 #include <tests/compositing/LayerFakes.h>
 #include <tests/compositing/PageScene.h>
 
+#include <vxr/compositing/canvas/VXROffscreenCanvas.h>
 #include <vxr/compositing/canvas/VXRTransformableViewRenderable.h>
 #include <vxr/host/utility/VXULog.h>
 #include <vxr/images/VXRBitmapRenderingQualityInfo.h>

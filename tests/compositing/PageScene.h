@@ -6,7 +6,6 @@
 #include <vxr/fills/VXRTransformGradient.h>
 #include <vxr/geometry/Color.h>
 #include <vxr/images/VXRImageFill.h>
-#include <vxr/platform/graphics/BitmapContext.h>
 #include <vxr/platform/graphics/GraphicsContext.h>
 #include <vxr/platform/graphics/Image.h>
 #include <vxr/platform/views/ScrollView.h>
@@ -124,9 +123,6 @@ public:
 /// Makes and changes objects of all kinds, the same ones for the same seed.
 class RandomPage {
 public:
-    /// Whether pixels are the same under any clip, as transform gradients need.
-    const bool exact = !BitmapContext::createBitmap(1, 1)->clipChangesPixels();
-
     RandomPage(unsigned seed, Size page)
         : mRandom(seed)
         , mPage(page)
@@ -152,7 +148,7 @@ public:
     }
     std::shared_ptr<VXRShapePainter> fill()
     {
-        switch (below(exact ? 9 : makesPictures ? 7 : 6)) {
+        switch (below(9)) {
         case 0:
             return nullptr;
         case 6:

@@ -25,11 +25,6 @@ std::unordered_map<const PDFDocument*, std::weak_ptr<VXRPagePixels>>& pixelsByDo
     return *all;
 }
 
-/// Corners of the rectangle's part that can be seen, in pixels to the right of and below a device point.
-struct PixelRange {
-    int x0, y0, x1, y1;
-};
-
 /// Of pixels between which a page's corner is placed: more would render it anew at every step.
 double inSteps(double device) { return std::round(device * 4) / 4; }
 

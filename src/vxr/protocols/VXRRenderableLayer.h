@@ -2,11 +2,13 @@
 
 #include <vxr/platform/graphics/values/Geometry.h>
 
+#include <memory>
 #include <vector>
 
 namespace vxr {
 
 struct LayerInfo;
+class VXRLayeredRenderable;
 class VXRTexture;
 
 /// Which pass is being rendered. The numbers are part of the contract.
@@ -21,6 +23,8 @@ enum VXRRenderingMode : int {
 class VXR_EXPORT VXRRenderableLayer {
 public:
     virtual ~VXRRenderableLayer() = default;
+    /// The layer through which a canvas shows the renderable; the floor that composites makes it.
+    static std::shared_ptr<VXRRenderableLayer> layerWithRenderable(VXRLayeredRenderable&);
 
     virtual void invalidateLayer() = 0;
     virtual void clearTextures() = 0;

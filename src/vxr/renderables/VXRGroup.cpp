@@ -4,6 +4,7 @@
 #include <vxr/platform/base/Exceptions.h>
 #include <vxr/platform/graphics/Context.h>
 #include <vxr/platform/graphics/path/Path.h>
+#include <vxr/protocols/PaintedExtent.h>
 #include <vxr/protocols/VXRCanvasRole.h>
 
 #include <algorithm>
@@ -308,7 +309,7 @@ void VXRGroup::renderIntoContext(Context& context)
     context.concatTransform(transform());
     for (const auto& path : mClip)
         context.clipToPath(*path, path->windingRule());
-    const Rect visible = insetRect(context.clipBounds(), -5, -5);
+    const Rect visible = insetRect(context.clipBounds(), -erasingSlack, -erasingSlack);
     for (const auto& member : mMembers) {
         if (rectsIntersect(member->erasableBounds(), visible))
             member->renderLayeredIntoContext(context);

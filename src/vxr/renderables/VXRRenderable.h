@@ -13,6 +13,7 @@ namespace vxr {
 
 class Context;
 class Path;
+class RenderableFollowers;
 class VXRBitmapRenderingQualityInfo;
 class VXRRenderableFollower;
 class VXRRenderableLayer;
@@ -161,7 +162,6 @@ private:
     friend class RenderableIndex;
     friend class VXRTextureSet;
 
-    void dismissFollowers();
     bool layerCanWait() const;
     void tellOfBounds() const;
     void renderPass(Context& context, int mode);
@@ -192,7 +192,7 @@ private:
     VXXTextureSession* mTextureSession = nullptr;
     std::shared_ptr<VXRTextureSet> mTexture;
     std::vector<VXRTextureSet*> mTextureSets; ///< all that hold this renderable
-    std::unique_ptr<std::vector<VXRRenderableFollower*>> mFollowers; ///< most have none
+    std::unique_ptr<RenderableFollowers> mFollowers; ///< most have none
 };
 
 } // namespace vxr

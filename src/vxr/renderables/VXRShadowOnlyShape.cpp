@@ -6,27 +6,15 @@
 #include <vxr/protocols/VXRCanvasRole.h>
 #include <vxr/protocols/VXRRenderableLayer.h>
 
-#include <algorithm>
 #include <cmath>
 
 namespace vxr {
-
-namespace {
-
-/// Truncates; what no integer holds becomes the nearest one that is far out of sight.
-int wholeNumber(float x)
-{
-    constexpr float farAway = 1 << 30;
-    return std::isnan(x) ? 0 : static_cast<int>(std::clamp(x, -farAway, farAway));
-}
-
-} // namespace
 
 std::shared_ptr<VXRShadow> VXRShadowOnlyShape::shadow() const
 {
     const float onScreen = 5.0f / layer()->zoomFactor();
     return VXRShadow::shadowWithAngleOffsetRadiusOpacityColor(
-        45, onScreen, wholeNumber(onScreen), 0.5f, Color::blackColor());
+        45, onScreen, pixelCoordinate(onScreen), 0.5f, Color::blackColor());
 }
 
 Rect VXRShadowOnlyShape::erasableBounds() const { return insetRect(VXRShape::erasableBounds(), -20, -20); }
@@ -36,8 +24,8 @@ std::vector<LayerInfo*> VXRShadowOnlyShape::clippedShadowInfos()
     const Rect bounds = alignmentBounds();
     const float zoom = layer()->zoomFactor();
     const Rect visible = canvas() ? canvas()->superviewVisibleRect() : Rect {};
-    int right = wholeNumber(std::ceil(zoom * (bounds.maxX() - visible.minX())));
-    int bottom = wholeNumber(std::ceil(zoom * (bounds.maxY() - visible.minY())));
+    int right = pixelCoordinate(std::ceil(zoom * (bounds.maxX() - visible.minX())));
+    int bottom = pixelCoordinate(std::ceil(zoom * (bounds.maxY() - visible.minY())));
     if (4 * zoom != std::floor(4 * zoom)) {
         --right;
         --bottom;

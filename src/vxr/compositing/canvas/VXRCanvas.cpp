@@ -2,13 +2,14 @@
 
 #include <vxr/compositing/canvas/RenderableIndex.h>
 #include <vxr/compositing/canvas/VXRTransformableViewRenderable.h>
-#include <vxr/compositing/layers/VXRCompositorLayer.h>
-#include <vxr/geometry/Color.h>
+#include <vxr/compositing/canvas/WindowComposite.h>
+#include <vxr/compositing/layers/LayerPlacement.h>
 #include <vxr/geometry/TransformAdditions.h>
 #include <vxr/geometry/VXRGeometry.h>
 #include <vxr/host/utility/VXULog.h>
 #include <vxr/images/VXRBitmapRenderingQualityInfo.h>
 #include <vxr/platform/base/Exceptions.h>
+#include <vxr/platform/base/FirstFailure.h>
 #include <vxr/platform/base/NotificationCenter.h>
 #include <vxr/platform/base/UserDefaults.h>
 #include <vxr/platform/graphics/GraphicsContext.h>
@@ -24,7 +25,6 @@ namespace vxr {
 
 VXRCanvas::VXRCanvas(const Rect& frame)
     : VXRSubviewAbsolverView(frame)
-    , _backgroundColor(Color::whiteColor())
     , mIndex(std::make_unique<RenderableIndex>(*this))
 {
     if (UserDefaults::standardUserDefaults().boolForKey("VXRAcceleratedCanvas"))
@@ -153,8 +153,8 @@ bool VXRCanvas::keepsPixelsOnScroll(const Rect& seenBefore)
     const float dy = VXRRound((seenBefore.origin.y - seen.origin.y) * _scale);
     for (const auto& renderable : objectsToRedraw(insetRect(seenBefore, -slack, -slack))) {
         const Rect bounds = renderable->alignmentBounds();
-        const Point before = VXRCompositorLayer::placeOfLayer(bounds, seenBefore, _scale, isFlipped());
-        const Point now = VXRCompositorLayer::placeOfLayer(bounds, seen, _scale, isFlipped());
+        const Point before = placeOfLayer(bounds, seenBefore, _scale, isFlipped());
+        const Point now = placeOfLayer(bounds, seen, _scale, isFlipped());
         if (now == Point { before.x + dx, before.y + dy })
             continue;
         View::setNeedsDisplayInRect(insetRect(renderable->erasableBounds(), -slack, -slack));
@@ -206,6 +206,97 @@ Rect VXRCanvas::clipViewVisibleRect() const
     const ClipView& clipView = scrollView->contentView();
     return convertRectFromView(clipView.bounds(), &clipView);
 }
+
+// Drawing.
+
+void VXRCanvas::drawRect(const Rect& dirty)
+{
+    Window* const seen = window();
+    draw({ dirty, currentDrawingPort(), nullptr,
+        seen ? IntRect { 0, 0, seen->width(), seen->height() } : IntRect {} });
+}
+
+/// What is drawn is chosen by bounds, and the edges of a renderable reach a little beyond them; so a window's
+/// redraw asks for more than is dirty, and only the dirty pixels change.
+void VXRCanvas::draw(const DrawRequest& request)
+{
+    DrawRequest grown = request;
+    const float slack = request.window ? erasingSlack + placementSlack / _scale : 0;
+    grown.dirty = insetRect(request.dirty, -slack, -slack);
+    FirstFailure failure;
+    failure.attempt([&] {
+        if (renderingDestination() == VXRDestinationCompositor)
+            composite(grown.dirty, grown.pixels); // nothing accelerated to hand it to
+        else
+            drawDirectly(grown);
+    });
+    clearSubviewCache();
+    failure.rethrow();
+}
+
+void VXRCanvas::_adjustBitmapRenderingQualityInRenderablesUpdateRect(
+    const RenderableList& renderables, const Rect& updateRect)
+{
+    mBitmapRenderingQualityInfo = std::make_shared<VXRBitmapRenderingQualityInfo>(mBitmapImageQuality);
+    for (const auto& renderable : renderables)
+        if (rectsIntersect(renderable->erasableBounds(), updateRect))
+            renderable->addBitmapsToRenderingQualityInfo(*mBitmapRenderingQualityInfo);
+}
+
+void VXRCanvas::drawDirectly(const DrawRequest& request)
+{
+    const RenderableList hit = objectsToRedraw(request.dirty);
+    if (mBitmapImageQuality != 2)
+        _adjustBitmapRenderingQualityInRenderablesUpdateRect(hit, request.dirty);
+    FirstFailure failure;
+    mBackground.fill(request);
+    for (const auto& renderable : hit) {
+        failure.attempt([&] {
+            const StateSaver saved(request.context);
+            renderable->renderLayeredIntoContext(request.context);
+        });
+    }
+    failure.rethrow();
+}
+
+void VXRCanvas::compositeRect(const Rect& dirty)
+{
+    if (const Window* seen = window())
+        composite(dirty, { 0, 0, seen->width(), seen->height() });
+}
+
+/// Changes no other pixels of the window than those.
+void VXRCanvas::composite(const Rect& dirty, const IntRect& pixels)
+{
+    Window* const seen = window();
+    if (!seen || seen->windowNumber() <= 0)
+        return;
+    const ScrollView* scrollView = enclosingScrollView();
+    const ClipView* clipView = scrollView ? &scrollView->contentView() : nullptr;
+    const Rect visible = clipView ? clipView->convertRectToView(clipView->bounds(), nullptr)
+                                  : convertRectToWindow(visibleRect());
+    const CompositeArea area(*seen, visible);
+    const IntRect changed = intersection(pixels, area.pixelsTouchedBy(convertRectToWindow(dirty)));
+    if (changed.isEmpty())
+        return;
+    const Rect inWindow { float(changed.x0), float(seen->height() - changed.y1), float(changed.width()),
+        float(changed.height()) };
+    const WindowLock lock(*seen, intersectionRect(inWindow, visible));
+    if (!lock)
+        return;
+    FirstFailure failure;
+    VXRLayerBudget::Composite budget;
+    WindowComposite composite(lock.bits(), area, changed, _backgroundLayer(), failure);
+    const RenderableList hit = objectsToRedraw(dirty);
+    // What needed parts will need them again.
+    if (mCompositesInParts || !composite.drawAtOnce(hit))
+        mCompositesInParts = !composite.drawInParts(hit, budget);
+    failure.rethrow();
+}
+
+LayerInfo* VXRCanvas::_backgroundLayer() { return mBackground.layer(); }
+
+std::uint32_t VXRCanvas::_colorAsLong(Color& color) { return CanvasBackground::packedColor(color); }
 
 // The window.
 
@@ -284,34 +375,14 @@ void VXRCanvas::_buildMinimizedImage()
 
 std::shared_ptr<const Image> VXRCanvas::imageRepFromFrame(const Rect& pixels)
 {
-    const int x = int(pixels.origin.x), y = int(pixels.origin.y);
-    const int wide = int(pixels.size.width), high = int(pixels.size.height);
-    if (!window() || wide <= 0 || high <= 0)
+    if (!window())
         return nullptr;
     const Rect seen = convertRectToWindow(visibleRect());
-    const int left = int(seen.origin.x) + x;
-    const int top = window()->height() - (int(seen.origin.y) + y + high);
-    std::vector<std::uint8_t> bytes(std::size_t(wide) * std::size_t(high) * 4);
-    for (int row = 0; row < high; ++row) {
-        for (int column = 0; column < wide; ++column) {
-            const int px = left + column, py = top + row;
-            const bool inside = px >= 0 && py >= 0 && px < window()->width() && py < window()->height();
-            const std::uint32_t pixel
-                = inside ? window()->pixels()[std::ptrdiff_t(py) * window()->width() + px] : 0;
-            std::uint8_t* out
-                = bytes.data() + (std::size_t(row) * std::size_t(wide) + std::size_t(column)) * 4;
-            out[0] = std::uint8_t(pixel >> 16);
-            out[1] = std::uint8_t(pixel >> 8);
-            out[2] = std::uint8_t(pixel);
-            out[3] = 255;
-        }
-    }
-    ImageLayout layout;
-    layout.width = wide;
-    layout.height = high;
-    layout.bytesPerRow = std::size_t(wide) * 4;
-    layout.alpha = AlphaFormat::PremultipliedLast;
-    return Image::createWithCopy(layout, bytes.data(), bytes.size());
+    const int x = pixelCoordinate(pixels.origin.x) + pixelCoordinate(seen.origin.x);
+    const int y = pixelCoordinate(pixels.origin.y) + pixelCoordinate(seen.origin.y);
+    const int bottom = window()->height() - y;
+    return window()->copyPixels(
+        { x, bottom - pixelCoordinate(pixels.size.height), x + pixelCoordinate(pixels.size.width), bottom });
 }
 
 // Hits.
@@ -356,20 +427,6 @@ VXRCanvas::RenderableList VXRCanvas::objectsToRedraw(const Rect& rect)
         if (rectsIntersect(list[rank]->erasableBounds(), rect))
             hit.push_back(list[rank]);
     return hit;
-}
-
-// The off-screen canvas.
-
-void VXROffscreenCanvas::setRenderable(std::shared_ptr<VXRRenderable> renderable)
-{
-    mRenderable.clear();
-    if (renderable)
-        mRenderable.push_back(std::move(renderable));
-}
-
-std::shared_ptr<VXRRenderable> VXROffscreenCanvas::renderable() const
-{
-    return mRenderable.empty() ? nullptr : mRenderable.front();
 }
 
 } // namespace vxr

@@ -1,15 +1,12 @@
 #pragma once
 
+#include <vxr/compositing/canvas/CanvasBackground.h>
 #include <vxr/compositing/canvas/VXRSubviewAbsolverView.h>
-#include <vxr/compositing/layers/VXRLayerBudget.h>
 #include <vxr/host/utility/VXUMutablePointerSet.h>
-#include <vxr/platform/graphics/pixels/LayerInfo.h>
 #include <vxr/protocols/VXRCanvasRole.h>
 
 namespace vxr {
 
-class Color;
-class FirstFailure;
 class Image;
 class RenderableIndex;
 class VXXSessionContext;
@@ -49,8 +46,8 @@ public:
     /// `VXRDestinationNonScreen` whenever the current context doesn't draw to the screen, else as set.
     int renderingDestination() const override;
     void setRenderingDestination(int destination) { _destination = destination; }
-    const std::shared_ptr<Color>& backgroundColor() const { return _backgroundColor; }
-    void setBackgroundColor(std::shared_ptr<Color> color) { _backgroundColor = std::move(color); }
+    const std::shared_ptr<Color>& backgroundColor() const { return mBackground.color(); }
+    void setBackgroundColor(std::shared_ptr<Color> color) { mBackground.setColor(std::move(color)); }
     bool rendersBlackAndWhite() const override { return mRenderBlackAndWhite; }
     void setRendersBlackAndWhite(bool flag) { mRenderBlackAndWhite = flag; }
     bool isStatic() const override { return mIsStatic; }
@@ -122,20 +119,8 @@ protected:
     void viewDidMoveToWindow() override;
 
 private:
-    /// What a composite needs to know of the window's pixels.
-    struct CompositeArea {
-        Rect visible; ///< window coordinates
-        int frameWidth, frameHeight, x0, y0;
-        int clipMinX, clipMaxX, clipMinY, clipMaxY; ///< inclusive, from the visible area's upper left corner
-    };
-    CompositeArea compositeArea(const Rect& dirty) const;
-    bool compositeAtOnce(const LayerInfo& destination, const RenderableList&, FirstFailure&);
-    void compositeInParts(
-        const LayerInfo& destination, const RenderableList&, VXRLayerBudget::Composite&, FirstFailure&);
     void composite(const Rect& dirty, const IntRect& pixels);
     void drawDirectly(const DrawRequest&);
-    void fillBackground(const DrawRequest&) const;
-    void redraw(VXRRenderable&, Context&) const;
     void _adjustBitmapRenderingQualityInRenderablesUpdateRect(const RenderableList&, const Rect&);
     const RenderableList& indexedObjects();
     RenderableList objectsToRedraw(const Rect&);
@@ -146,8 +131,7 @@ private:
     float _scale = 1;
     int _destination = VXRDestinationCompositor;
     bool _usesCompositor = true;
-    LayerInfo mBackgroundLayer;
-    std::shared_ptr<Color> _backgroundColor;
+    CanvasBackground mBackground;
     bool mRenderBlackAndWhite = false;
     bool mIsStatic = false;
     int mBitmapImageQuality = 2; ///< at 2 no quality info is built
@@ -159,19 +143,6 @@ private:
     std::unique_ptr<RenderableIndex> mIndex;
     bool mScreenUpdatesDisabled = false;
     bool mCompositesInParts = false; ///< what is in sight was more than the layers may keep
-};
-
-/// A canvas that shows one renderable, for drawing off screen.
-class VXR_EXPORT VXROffscreenCanvas : public VXRCanvas {
-public:
-    using VXRCanvas::VXRCanvas;
-
-    void setRenderable(std::shared_ptr<VXRRenderable>);
-    std::shared_ptr<VXRRenderable> renderable() const;
-    const RenderableList& objectsToRender() const override { return mRenderable; }
-
-private:
-    RenderableList mRenderable; ///< it alone, or nothing
 };
 
 } // namespace vxr

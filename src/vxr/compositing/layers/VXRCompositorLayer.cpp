@@ -1,5 +1,7 @@
 #include <vxr/compositing/layers/VXRCompositorLayer.h>
 
+#include <vxr/compositing/layers/LayerPlacement.h>
+#include <vxr/compositing/layers/TilePainter.h>
 #include <vxr/compositing/layers/VXRHackView.h>
 #include <vxr/geometry/TransformAdditions.h>
 #include <vxr/geometry/VXRGeometry.h>
@@ -12,7 +14,7 @@
 
 namespace vxr {
 
-std::shared_ptr<VXRRenderableLayer> VXRCompositorLayer::layerWithRenderable(VXRLayeredRenderable& renderable)
+std::shared_ptr<VXRRenderableLayer> VXRRenderableLayer::layerWithRenderable(VXRLayeredRenderable& renderable)
 {
     auto layer = std::make_shared<VXRCompositorLayer>();
     layer->setRenderable(&renderable);
@@ -47,8 +49,6 @@ void VXRCompositorLayer::setRenderable(VXRLayeredRenderable* renderable)
 
 // Invalidation.
 
-void VXRCompositorLayer::invalidateLayer() { setNeedsDisplay(true); }
-
 void VXRCompositorLayer::setNeedsDisplay(bool needs)
 {
     _completelyInvalid = needs;
@@ -57,13 +57,6 @@ void VXRCompositorLayer::setNeedsDisplay(bool needs)
         view->setNeedsDisplay(needs);
     _invalidRect = {};
 }
-
-void VXRCompositorLayer::setNeedsDisplayInRect(const Rect& rect)
-{
-    _invalidRect = unionRect(_invalidRect, rect);
-}
-
-bool VXRCompositorLayer::isInvalid() const { return _completelyInvalid || _invalidRect != Rect {}; }
 
 void VXRCompositorLayer::setZoom(float zoom)
 {
@@ -104,12 +97,6 @@ void VXRCompositorLayer::setRenderingMode(int mode)
 
 // The grid.
 
-Rect VXRCompositorLayer::scaleRect(const Rect& r) const
-{
-    return { r.origin.x * _zoomFactor, r.origin.y * _zoomFactor, r.size.width * _zoomFactor,
-        r.size.height * _zoomFactor };
-}
-
 bool VXRCompositorLayer::needsMultipleTilesInView(const VXRCanvasRole&) const
 {
     if (!_renderable->allowsTiling())
@@ -119,24 +106,10 @@ bool VXRCompositorLayer::needsMultipleTilesInView(const VXRCanvasRole&) const
     return size.width * _zoomFactor > side || size.height * _zoomFactor > side;
 }
 
-int VXRCompositorLayer::tilesWide() const
+TileGrid VXRCompositorLayer::grid() const
 {
-    if (!_multipleTiles)
-        return 1;
-    return int(std::ceil(scaleRect(_renderable->alignmentBounds()).size.width / float(VXRTile::tileSize())));
-}
-
-int VXRCompositorLayer::tilesHigh() const
-{
-    if (!_multipleTiles)
-        return 1;
-    return int(std::ceil(scaleRect(_renderable->alignmentBounds()).size.height / float(VXRTile::tileSize())));
-}
-
-Point VXRCompositorLayer::offsetForIndex(int index) const
-{
-    const int wide = std::max(tilesWide(), 1);
-    return { float((index % wide) * VXRTile::tileSize()), float((index / wide) * VXRTile::tileSize()) };
+    return _multipleTiles ? TileGrid(scaleRect(_renderable->alignmentBounds()).size, VXRTile::tileSize())
+                          : TileGrid(VXRTile::tileSize());
 }
 
 int VXRCompositorLayer::maxNumberOfValidTiles() const
@@ -152,25 +125,7 @@ int VXRCompositorLayer::maxNumberOfValidTiles() const
 
 std::vector<int> VXRCompositorLayer::tileIndicesHitByRect(const Rect& rect) const
 {
-    const Rect layer = scaleRect(_renderable->alignmentBounds());
-    const Rect hit = intersectionRect(scaleRect(rect), layer);
-    if (hit == Rect {})
-        return {};
-    const int side = VXRTile::tileSize();
-    const int right = int(std::floor(hit.origin.x + hit.size.width - layer.origin.x));
-    const int bottom = int(std::floor(hit.origin.y + hit.size.height - layer.origin.y));
-    const int firstColumn = int(std::floor((hit.origin.x - layer.origin.x) / float(side)));
-    const int firstRow = int(std::floor((hit.origin.y - layer.origin.y) / float(side)));
-    // A rectangle that ends on a tile's edge doesn't touch the next one.
-    const int lastColumn = right / side - (right % side == 0);
-    const int lastRow = bottom / side - (bottom % side == 0);
-
-    std::vector<int> indices;
-    const int wide = tilesWide();
-    for (int row = firstRow; row <= lastRow; ++row)
-        for (int column = firstColumn; column <= lastColumn; ++column)
-            indices.push_back(row * wide + column);
-    return indices;
+    return grid().tilesHit(scaleRect(rect), scaleRect(_renderable->alignmentBounds()));
 }
 
 std::shared_ptr<VXRTile> VXRCompositorLayer::tileContainingPoint(Point p)
@@ -180,40 +135,31 @@ std::shared_ptr<VXRTile> VXRCompositorLayer::tileContainingPoint(Point p)
             _rebuild(); // its pixels were dropped
         return _tiles.front();
     }
-    const auto side = float(VXRTile::tileSize());
-    return tileWithIndex(int(p.x / side) + int(p.y / side) * tilesWide());
+    return tileWithIndex(grid().tileAt(p));
 }
 
-bool VXRCompositorLayer::tileContainsRect(const VXRTile& tile, const Rect& rect) const
+/// The invalid part in canvas coordinates.
+Rect VXRCompositorLayer::invalidCanvasRect() const
 {
-    const int wide = std::max(tilesWide(), 1), side = VXRTile::tileSize();
-    const int column = tile.index() % wide, row = tile.index() / wide;
-    return int(rect.origin.x) / side <= column && column <= int(rect.origin.x + rect.size.width) / side
-        && int(rect.origin.y) / side <= row && row <= int(rect.origin.y + rect.size.height) / side;
+    return boundsOfTransformedRect(_renderable->transform(), _invalidRect);
 }
 
-int VXRCompositorLayer::shadowClipForIndex(int index) const
+/// Whether something of the tile, or the shadow of something, is within the invalid part. A tile repeats its
+/// neighbours' pixels as far as its margin goes.
+bool VXRCompositorLayer::isPartlyInvalid(const VXRTile& tile) const
 {
-    const int wide = std::max(tilesWide(), 1), high = tilesHigh();
-    int sides = VXRTileSideTop | VXRTileSideBottom | VXRTileSideLeft | VXRTileSideRight;
-    if (index % wide == 0)
-        sides &= ~VXRTileSideLeft;
-    if ((index + 1) % wide == 0)
-        sides &= ~VXRTileSideRight;
-    if (index < wide)
-        sides &= ~VXRTileSideTop;
-    if (index >= wide * (high - 1))
-        sides &= ~VXRTileSideBottom;
-    return sides;
-}
-
-/// The invalid part and all that its shadow can reach, in layer pixels.
-Rect VXRCompositorLayer::invalidLayerRect() const
-{
-    const Rect changed = boundsOfTransformedRect(_renderable->transform(), _invalidRect);
-    const Rect reached = _renderable->shadowBoundsForRect(changed);
+    if (_invalidRect == Rect {})
+        return false;
+    const Rect reached = _renderable->shadowBoundsForRect(invalidCanvasRect());
     const Point origin = _renderable->alignmentBounds().origin;
-    return scaleRect(offsetRect(reached, -origin.x, -origin.y));
+    const auto margin = float(tile.margin());
+    return tileContainsRect(
+        tile, insetRect(scaleRect(offsetRect(reached, -origin.x, -origin.y)), -margin, -margin));
+}
+
+bool VXRCompositorLayer::isActive(const std::shared_ptr<VXRTile>& tile) const
+{
+    return std::find(_activeTiles.begin(), _activeTiles.end(), tile) != _activeTiles.end();
 }
 
 /// The oldest tile that this pass doesn't show.
@@ -221,10 +167,9 @@ std::shared_ptr<VXRTile> VXRCompositorLayer::tileToReuse() const
 {
     if (int(_tiles.size()) <= maxNumberOfValidTiles())
         return nullptr;
-    for (const auto& tile : _tiles)
-        if (std::find(_activeTiles.begin(), _activeTiles.end(), tile) == _activeTiles.end())
-            return tile;
-    return nullptr;
+    const auto found
+        = std::find_if(_tiles.begin(), _tiles.end(), [this](const auto& tile) { return !isActive(tile); });
+    return found == _tiles.end() ? nullptr : *found;
 }
 
 std::shared_ptr<VXRTile> VXRCompositorLayer::tileWithIndex(int index)
@@ -234,11 +179,7 @@ std::shared_ptr<VXRTile> VXRCompositorLayer::tileWithIndex(int index)
     std::shared_ptr<VXRTile> tile;
     if (found != _tiles.end()) {
         tile = *found;
-        // A tile repeats its neighbours' pixels as far as its margin goes.
-        const float margin = tile->shadowBuffer().width;
-        if (_completelyInvalid || tile->isDirty()
-            || (_invalidRect != Rect {}
-                && tileContainsRect(*tile, insetRect(invalidLayerRect(), -margin, -margin))))
+        if (_completelyInvalid || tile->isDirty() || isPartlyInvalid(*tile))
             _updateTile(*tile);
     } else {
         tile = tileToReuse();
@@ -256,17 +197,7 @@ std::shared_ptr<VXRTile> VXRCompositorLayer::tileWithIndex(int index)
     return tile;
 }
 
-// Placement.
-
-Point VXRCompositorLayer::placeOfLayer(const Rect& bounds, const Rect& seen, float zoom, bool isFlipped)
-{
-    const float dx = bounds.origin.x - seen.origin.x;
-    const float dy = isFlipped ? bounds.origin.y - seen.origin.y
-                               : (seen.origin.y + seen.size.height) - (bounds.origin.y + bounds.size.height);
-    // A small nudge at broken zooms, where places meant to be half pixels come out a little below.
-    const float bias = VXRFractionalPart(zoom) > 0 ? 0.01f : 0;
-    return { VXRRound(dx * zoom + bias), VXRRound(dy * zoom + bias) };
-}
+// A pass.
 
 Point VXRCompositorLayer::_originPosition() const
 {
@@ -277,36 +208,7 @@ Point VXRCompositorLayer::_originPosition() const
 
 void VXRCompositorLayer::computeErrorInView(const VXRCanvasRole& canvas)
 {
-    const Rect seen = canvas.convertRectToWindow(canvas.visibleRect());
-    const Rect bounds = _renderable->alignmentBounds();
-    const float scaledHeight = _zoomFactor * bounds.size.height;
-    const Point origin = _originPosition();
-    const Point place = canvas.convertRectToWindow({ bounds.origin, {} }).origin;
-    _error.x = (place.x - seen.origin.x - origin.x) / canvas.viewScale();
-    float down = (seen.origin.y + seen.size.height) - place.y;
-    down = canvas.isFlipped() ? down - origin.y : -(down - (origin.y + std::trunc(scaledHeight)));
-    _error.y = down / canvas.viewScale();
-}
-
-// A pass.
-
-/// The tile of a shadow in sight may itself be out of sight. And where the layer's place has to be rounded
-/// to whole pixels, a pixel more of it may come into sight.
-Rect VXRCompositorLayer::rectWhoseTilesShow(const Rect& visible) const
-{
-    Rect showing = visible;
-    if (hasShadow()) {
-        // What lies at `visible` casts its shadow somewhere within this; the same distances the other way
-        // round lead to all that casts one into `visible`.
-        const Rect cast = _renderable->shadowBoundsForRect(visible);
-        showing = { visible.minX() - (cast.maxX() - visible.maxX()),
-            visible.minY() - (cast.maxY() - visible.maxY()), cast.size.width, cast.size.height };
-    }
-    const Point origin = _renderable->alignmentBounds().origin;
-    if (isNearlyWhole((origin.x - visible.minX()) * _zoomFactor)
-        && isNearlyWhole((origin.y - visible.minY()) * _zoomFactor))
-        return showing;
-    return insetRect(showing, -1 / _zoomFactor, -1 / _zoomFactor);
+    _error = errorOfPlace(_originPosition(), _renderable->alignmentBounds(), _zoomFactor, canvas);
 }
 
 void VXRCompositorLayer::prepareGrid(const Rect& visible)
@@ -314,23 +216,13 @@ void VXRCompositorLayer::prepareGrid(const Rect& visible)
     if (!_multipleTiles || _completelyInvalid)
         _tiles.clear();
     _multipleTiles = true;
-    for (const int index : tileIndicesHitByRect(rectWhoseTilesShow(visible)))
+    for (const int index : tileIndicesHitByRect(rectThatShows(*_renderable, visible, _zoomFactor)))
         _activeTiles.push_back(tileWithIndex(index));
-    markStaleTilesDirty();
-    _completelyInvalid = false;
-}
-
-/// Tiles out of sight have missed a partial change: they are drawn wholly when they come back.
-void VXRCompositorLayer::markStaleTilesDirty()
-{
-    if (_invalidRect == Rect {})
-        return;
-    for (const auto& tile : _tiles) {
-        const float margin = tile->shadowBuffer().width;
-        const bool isActive = std::find(_activeTiles.begin(), _activeTiles.end(), tile) != _activeTiles.end();
-        if (!isActive && tileContainsRect(*tile, insetRect(invalidLayerRect(), -margin, -margin)))
+    // Those out of sight have missed a partial change: they are drawn wholly when they come back.
+    for (const auto& tile : _tiles)
+        if (isPartlyInvalid(*tile) && !isActive(tile))
             tile->setDirty(true);
-    }
+    _completelyInvalid = false;
 }
 
 void VXRCompositorLayer::prepareToDraw()
@@ -361,75 +253,73 @@ void VXRCompositorLayer::prepareToDraw()
 
 void VXRCompositorLayer::_rebuild()
 {
-    VXRTile& tile = *_tiles.front();
-    tile.setArea(scaleRect(_renderable->alignmentBounds()));
-    _updateTile(tile);
+    _updateTile(*_tiles.front());
     _completelyInvalid = false;
     _invalidRect = {};
+}
+
+void VXRCompositorLayer::_updateTile(VXRTile& tile)
+{
+    const bool wholly = _completelyInvalid || _invalidRect == Rect {};
+    _renderable->drawWhereBoundsWereComputed(
+        [&] { TilePainter(*this, tile).update(wholly ? std::nullopt : std::optional(invalidCanvasRect())); });
+    _invalidShadow = false;
 }
 
 // Records and textures.
 
 namespace {
 
+template <class T> void append(T* one, std::vector<T*>& list)
+{
+    if (one)
+        list.push_back(one);
+}
+
 /// Records of no width or height are not worth a texture.
-bool layerHasDimension(const LayerInfo& info)
+VXRTexture* textureFor(const LayerInfo* info, VXRTexture* texture)
 {
-    return info.clipMinX != info.clipMaxX && info.clipMinY != info.clipMaxY;
-}
-
-using Tiles = std::vector<std::shared_ptr<VXRTile>>;
-
-void appendInfos(const Tiles& tiles, LayerInfo* (VXRTile::*info)(), std::vector<LayerInfo*>& infos)
-{
-    for (const auto& tile : tiles)
-        if (LayerInfo* record = ((*tile).*info)())
-            infos.push_back(record);
-}
-
-void appendTextures(const Tiles& tiles, LayerInfo* (VXRTile::*info)(),
-    VXRTexture* (VXRTile::*texture)() const, std::vector<VXRTexture*>& textures)
-{
-    for (const auto& tile : tiles) {
-        const LayerInfo* record = ((*tile).*info)();
-        VXRTexture* found = ((*tile).*texture)();
-        if (record && layerHasDimension(*record) && found)
-            textures.push_back(found);
-    }
+    return info && info->clipMinX != info->clipMaxX && info->clipMinY != info->clipMaxY ? texture : nullptr;
 }
 
 } // namespace
 
 void VXRCompositorLayer::addLayerInfosToArray(std::vector<LayerInfo*>& infos)
 {
-    for (const auto& tile : _activeTiles)
+    for (const auto& tile : _activeTiles) {
         tile->noteComposed();
-    appendInfos(_activeTiles, &VXRTile::layerInfo, infos);
+        append(tile->layerInfo(), infos);
+    }
 }
 
 void VXRCompositorLayer::addShadowInfosToArray(std::vector<LayerInfo*>& infos)
 {
-    appendInfos(_activeTiles, &VXRTile::shadowInfo, infos);
+    for (const auto& tile : _activeTiles)
+        append(tile->shadowInfo(), infos);
 }
 
 void VXRCompositorLayer::addShadowlessInfosToArray(std::vector<LayerInfo*>& infos)
 {
-    appendInfos(_activeTiles, &VXRTile::shadowlessInfo, infos);
+    for (const auto& tile : _activeTiles)
+        append(tile->shadowlessInfo(), infos);
 }
 
 void VXRCompositorLayer::addTexturesToArray(std::vector<VXRTexture*>& textures)
 {
-    appendTextures(_activeTiles, &VXRTile::layerInfo, &VXRTile::texture, textures);
+    for (const auto& tile : _activeTiles)
+        append(textureFor(tile->layerInfo(), tile->texture()), textures);
 }
 
 void VXRCompositorLayer::addShadowTexturesToArray(std::vector<VXRTexture*>& textures)
 {
-    appendTextures(_activeTiles, &VXRTile::shadowInfo, &VXRTile::shadowTexture, textures);
+    for (const auto& tile : _activeTiles)
+        append(textureFor(tile->shadowInfo(), tile->shadowTexture()), textures);
 }
 
 void VXRCompositorLayer::addShadowlessTexturesToArray(std::vector<VXRTexture*>& textures)
 {
-    appendTextures(_activeTiles, &VXRTile::shadowlessInfo, &VXRTile::shadowlessTexture, textures);
+    for (const auto& tile : _activeTiles)
+        append(textureFor(tile->shadowlessInfo(), tile->shadowlessTexture()), textures);
 }
 
 void VXRCompositorLayer::clearTextures()

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <vxr/compositing/layers/TileGrid.h>
 #include <vxr/compositing/layers/VXRTile.h>
 #include <vxr/protocols/VXRRenderableLayer.h>
 
@@ -17,7 +18,6 @@ class VXRLayeredRenderable;
 /// alignment bounds. Tiles are numbered row by row.
 class VXR_EXPORT VXRCompositorLayer final : public Object, public VXRRenderableLayer {
 public:
-    static std::shared_ptr<VXRRenderableLayer> layerWithRenderable(VXRLayeredRenderable&);
     VXRCompositorLayer();
     ~VXRCompositorLayer() override;
 
@@ -28,11 +28,14 @@ public:
     VXRLayeredRenderable* renderable() const { return _renderable; }
 
     // What is to be drawn again.
-    void invalidateLayer() override; ///< everything
+    void invalidateLayer() override { setNeedsDisplay(true); } ///< everything
     void setNeedsDisplay(bool) override; ///< everything and the shadow, or nothing; the hosted view too
-    void setNeedsDisplayInRect(const Rect&) override; ///< in the renderable's local frame
+    void setNeedsDisplayInRect(const Rect& rect) override ///< in the renderable's local frame
+    {
+        _invalidRect = unionRect(_invalidRect, rect);
+    }
     void invalidateShadow() { _invalidShadow = true; }
-    bool isInvalid() const;
+    bool isInvalid() const { return _completelyInvalid || _invalidRect != Rect {}; }
     bool isShadowInvalid() const { return _invalidShadow; }
 
     void setZoom(float) override; ///< another zoom than the present one invalidates the layer
@@ -61,19 +64,25 @@ public:
     const std::vector<std::shared_ptr<VXRTile>>& activeTiles() const { return _activeTiles; }
     bool isMultiTiled() const { return _multipleTiles; }
     bool needsMultipleTilesInView(const VXRCanvasRole&) const;
-    int tilesWide() const; ///< 1 without a grid
-    int tilesHigh() const;
-    Point offsetForIndex(int index) const; ///< layer pixels
+    int tilesWide() const { return grid().wide(); } ///< 1 without a grid
+    int tilesHigh() const { return grid().high(); }
+    Point offsetForIndex(int index) const { return grid().offset(index); } ///< layer pixels
     std::vector<int> tileIndicesHitByRect(const Rect&) const; ///< canvas coordinates
     std::shared_ptr<VXRTile> tileWithIndex(int index); ///< made or brought up to date, and placed
     std::shared_ptr<VXRTile> tileContainingPoint(Point layerPixel);
-    bool tileContainsRect(const VXRTile&, const Rect& layerPixels) const;
+    bool tileContainsRect(const VXRTile& tile, const Rect& layerPixels) const
+    {
+        return grid().tileMeets(tile.index(), layerPixels);
+    }
     int maxNumberOfValidTiles() const;
-    int shadowClipForIndex(int index) const; ///< bits of `VXRTileSide`; 0 without a grid
-    Rect scaleRect(const Rect&) const;
+    /// Bits of `VXRTileSide`; 0 without a grid.
+    int shadowClipForIndex(int index) const { return grid().neighbours(index); }
+    Rect scaleRect(const Rect& r) const
+    {
+        return { r.origin.x * _zoomFactor, r.origin.y * _zoomFactor, r.size.width * _zoomFactor,
+            r.size.height * _zoomFactor };
+    }
 
-    /// Where the first pixel of a layer over `bounds` is put, in pixels from the corner of what is seen.
-    static Point placeOfLayer(const Rect& bounds, const Rect& seen, float zoom, bool isFlipped);
     /// Difference between where the pixels are put and where the renderable lies, in canvas units.
     void computeErrorInView(const VXRCanvasRole&);
 
@@ -82,19 +91,14 @@ public:
     bool rectIsTransparent(const Rect&);
 
 private:
-    class RenderingMode;
-
     Point _originPosition() const;
     void _rebuild();
     void _updateTile(VXRTile&);
-    void renderIntoTile(VXRTile&);
-    void drawTile(VXRTile&);
-    void drawIntoContext(VXRTile&, Context&);
-    Rect invalidLayerRect() const;
-    IntRect invalidRows(const VXRTile&) const;
-    Rect rectWhoseTilesShow(const Rect& visible) const;
+    TileGrid grid() const;
+    Rect invalidCanvasRect() const;
+    bool isPartlyInvalid(const VXRTile&) const;
     void prepareGrid(const Rect& visible);
-    void markStaleTilesDirty();
+    bool isActive(const std::shared_ptr<VXRTile>&) const;
     std::shared_ptr<VXRTile> tileToReuse() const;
 
     VXRLayeredRenderable* _renderable = nullptr;

@@ -1,13 +1,10 @@
 #pragma once
 
-#include <vxr/compositing/layers/ScratchPixels.h>
+#include <vxr/compositing/layers/TilePlane.h>
+#include <vxr/compositing/layers/TileShadow.h>
 #include <vxr/compositing/layers/VXRLayerBudget.h>
 #include <vxr/platform/base/Object.h>
-#include <vxr/platform/graphics/Context.h>
 #include <vxr/platform/graphics/pixels/LayerInfo.h>
-#include <vxr/platform/graphics/values/IntRect.h>
-
-#include <vector>
 
 namespace vxr {
 
@@ -29,8 +26,7 @@ enum VXRTileSide : int {
 /// It is drawn in a bitmap with a margin on every side, the shadow buffer. On the outer sides of a layer the
 /// margin holds what sticks out of the alignment bounds (caps, smooth edges) and room for the blur; towards
 /// another tile it repeats what that tile shows, so that the shadow near the seam is blurred from everything
-/// that is there, and only the tile's own square of it is shown. Of what was drawn the tile keeps the
-/// smallest box around all that isn't transparent; a tile without any such pixel keeps nothing.
+/// that is there, and only the tile's own square of it is shown.
 class VXR_EXPORT VXRTile final : public Object {
 public:
     /// Side of the squares that a large layer is split into, in pixels: the user default
@@ -56,6 +52,7 @@ public:
     Size areaSize() const; ///< in pixels, margin not counted
     int pixelsWide() const { return mWide; } ///< margin included
     int pixelsHigh() const { return mHigh; }
+    int margin() const { return mMargin; } ///< in pixels, on every side
     Size shadowBuffer() const { return { float(mMargin), float(mMargin) }; }
     /// How far beyond the alignment bounds something may be drawn, in pixels.
     int overflow() const { return mOverflow; }
@@ -104,28 +101,9 @@ public:
 private:
     friend class VXRLayerBudget;
 
-    /// One bitmap of the tile.
-    struct Plane {
-        std::vector<std::uint32_t> pixels; ///< those of `ink`
-        IntRect ink; ///< of the bitmap; encloses all that is not transparent
-        IntRect opaque;
-        bool isUniform = false; ///< a large box of one opaque colour keeps the colour alone
-        std::uint32_t color = 0;
-        LayerInfo info;
-        bool isDrawn = false;
-        // While it is being drawn.
-        ScratchPixels bitmap;
-        IntRect part; ///< what is drawn anew
-        std::shared_ptr<Context> context;
-    };
-
     void resize(int wide, int high);
-    Context& contextOf(Plane&);
-    void keep(Plane&, const IntRect& limit);
-    void compress(Plane&);
-    void expand(Plane&);
     IntRect shownBox() const;
-    LayerInfo* infoOf(Plane&);
+    LayerInfo* describePlane(TilePlane&, LayerInfo&);
     float shadowScale() const;
     int neededMargin() const;
 
@@ -139,12 +117,11 @@ private:
     int mWide = 0, mHigh = 0;
     IntRect mPart;
     bool mClears = true;
-    Plane mShadowed, mShadowless;
+    TilePlane mShadowed, mShadowless;
+    TileShadow mShadow; ///< of what is shadowed
+    LayerInfo mShadowedInfo, mShadowlessInfo, mShadowInfo;
     Point mPosition;
     int mShadowClip = 0;
-    std::vector<std::uint8_t> mMask; ///< the blurred coverage
-    IntRect mMaskBox; ///< its place in the bitmap
-    LayerInfo mShadowInfo;
     // The budget's.
     std::size_t mAccounted = 0;
     std::uint32_t mDrawnIn = 0;

@@ -122,14 +122,6 @@ public:
     // The begin saves the state and the end restores it.
     virtual void beginTransparencyLayer() = 0;
     virtual void endTransparencyLayer() = 0; ///< does nothing without a matching begin
-    /// Lets layers extend to the left and right edges of a rectangle of device space, though nothing is seen
-    /// beyond the clip. A rasteriser may cut outlines where they leave a layer, and rows with such a cut come
-    /// out a level or two different; a layer that reaches far enough looks the same whatever part is seen.
-    /// Part of the state; within a layer there is none.
-    virtual void setLayerReach(const Rect&) { }
-    /// Whether outlines are cut like that, so that pixels differ by the clip unless drawn through such
-    /// layers.
-    virtual bool clipChangesPixels() const { return false; }
 
     // Images and shadings.
     virtual void drawImage(const Rect&, const Image&) = 0;

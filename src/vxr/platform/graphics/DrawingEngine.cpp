@@ -88,9 +88,15 @@ Rect DrawingEngine::clipBounds() const
     return { x, y, static_cast<float>(user.x1) - x, static_cast<float>(user.y1) - y };
 }
 
-void DrawingEngine::setLayerReach(const Rect& r)
+DeviceBox DrawingEngine::deviceBounds(std::span<const Point> points) const
 {
-    state.layerReach = { r.minX(), mDeviceHeight - r.maxY(), r.maxX(), mDeviceHeight - r.minY() };
+    const AffineTransform& t = state.transform;
+    DeviceBox box = inverseBox();
+    for (const Point p : points) {
+        const double x = p.x, y = p.y;
+        box.include(t.m11 * x + t.m21 * y + t.tX, mDeviceHeight - (t.m12 * x + t.m22 * y + t.tY));
+    }
+    return box.x0 <= box.x1 ? box : DeviceBox {};
 }
 
 void DrawingEngine::beginLayer()
@@ -107,7 +113,6 @@ void DrawingEngine::beginLayer()
         throw;
     }
     state.clipIsPixels = true;
-    state.layerReach = {};
     state.alpha = 1;
     state.operation = CompositeOperation::SourceOver;
     state.shadow = {};

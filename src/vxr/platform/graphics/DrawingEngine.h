@@ -25,8 +25,6 @@ public:
     void setBaseTransform(const AffineTransform&);
     void concatTransform(const AffineTransform& t) { setTransform(concat(t, state.transform)); }
     Rect clipBounds() const;
-    void setLayerReach(const Rect&);
-    virtual bool clipChangesPixels() const { return false; } ///< inside of it
 
     // Drawing: the operations of the context.
     virtual void clipToPath(const Path&, WindingRule) = 0;
@@ -61,6 +59,7 @@ protected:
     virtual bool hasPixels() const { return true; } ///< false: more detail than the pixels show is useful
     bool isInLayer() const { return !mLayerDepths.empty(); }
     double deviceHeight() const { return mDeviceHeight; }
+    DeviceBox deviceBounds(std::span<const Point>) const; ///< of points of user space
     /// Draws through a layer that casts the state's shadow.
     void drawWithShadow(const std::function<void()>& draw);
     /// Composes what `draw` paints with a pattern as one object with the pattern's alpha. Returns false, and

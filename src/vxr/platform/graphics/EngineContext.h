@@ -67,8 +67,6 @@ public:
 
     void beginTransparencyLayer() final { mEngine->beginLayer(); }
     void endTransparencyLayer() final { mEngine->endLayer(); }
-    void setLayerReach(const Rect& reach) final { mEngine->setLayerReach(reach); }
-    bool clipChangesPixels() const final { return mEngine->clipChangesPixels(); }
 
     void drawImage(const Rect& rect, const Image& image) final { mEngine->drawImageInDetail(rect, image); }
     bool placePage(const Rect& rect, const std::shared_ptr<const Data>& document,

@@ -29,7 +29,6 @@ struct GraphicsState {
     bool drawable = true; ///< whether the transform is invertible
     DeviceBox clip; ///< bounds of the clip
     bool clipIsPixels = true; ///< the clip is the whole box, which has integer edges
-    DeviceBox layerReach; ///< that layers extend to at the sides
     Paint fill, stroke;
     LineStyle line;
     float flatness = Path::defaultFlatness;

@@ -44,7 +44,7 @@ struct ImageLayout {
 
 /// Immutable pixels, first row on top. They are converted for the output once, on the first draw or by
 /// `prepare`, and the converted form is kept; later draws copy and convert nothing.
-class VXR_EXPORT Image final : public Object {
+class VXR_EXPORT Image final : public Object, public std::enable_shared_from_this<Image> {
 public:
     /// Copies the pixels. Null if the layout is impossible (no area, a side above 32767, rows too short) or
     /// `size` bytes do not hold it.

@@ -251,6 +251,13 @@ Shading::Shading(const Geometry& geometry, std::shared_ptr<const ColorSpace> spa
 
 Shading::~Shading() = default;
 
+std::shared_ptr<const Shading> Shading::copy() const
+{
+    auto copy = std::make_shared<Shading>(*this);
+    copy->mEngineCaches.clear(); // each has its own
+    return copy;
+}
+
 void Shading::resample(std::span<const float> hints)
 {
     mStops = withoutNeedlessStops(Sampler(*mFunction, mSpace.get()).run(hints));

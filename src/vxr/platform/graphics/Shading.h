@@ -65,6 +65,8 @@ public:
     /// the same position where it jumps. Within half an 8-bit level of the function.
     const std::vector<ShadingStop>& stops() const { return mStops; }
 
+    /// The shading as it is now, unaffected by later sampling.
+    std::shared_ptr<const Shading> copy() const;
     /// Samples the function again after its results have changed. Engines rebuild their own forms.
     void resample(std::span<const float> hints);
 

@@ -4,6 +4,7 @@
 #include <vxr/platform/base/NotificationCenter.h>
 #include <vxr/platform/graphics/BitmapContext.h>
 #include <vxr/platform/graphics/GraphicsContext.h>
+#include <vxr/platform/graphics/Image.h>
 #include <vxr/platform/graphics/pixels/PixelRegion.h>
 
 #include <cmath>
@@ -14,17 +15,13 @@ namespace vxr {
 
 namespace {
 
-/// The pixels touched by a rectangle in window coordinates. Coordinates that are whole up to the rounding of
-/// single precision count as whole.
+/// The pixels touched by a rectangle in window coordinates.
 IntRect touchedPixels(const Rect& r, int height)
 {
     if (r.isEmpty())
         return {};
-    constexpr double slack = 1.0 / 256;
-    return { pixelCoordinate(std::floor(double(r.minX()) + slack)),
-        pixelCoordinate(std::floor(height - (double(r.origin.y) + double(r.size.height)) + slack)),
-        pixelCoordinate(std::ceil(double(r.origin.x) + double(r.size.width) - slack)),
-        pixelCoordinate(std::ceil(height - double(r.minY()) - slack)) };
+    const double x = double(r.origin.x), y = double(r.origin.y);
+    return vxr::touchedPixels(x, height - (y + double(r.size.height)), x + double(r.size.width), height - y);
 }
 
 Rect inWindow(const IntRect& box, int height)
@@ -150,6 +147,30 @@ void Window::unlockBits()
 {
     if (mLocks > 0)
         --mLocks;
+}
+
+std::shared_ptr<const Image> Window::copyPixels(const IntRect& box) const
+{
+    if (box.isEmpty())
+        return nullptr;
+    ImageLayout layout;
+    layout.width = box.width();
+    layout.height = box.height();
+    layout.bytesPerRow = std::size_t(box.width()) * 4;
+    layout.alpha = AlphaFormat::PremultipliedLast;
+    std::vector<std::uint8_t> bytes;
+    bytes.reserve(layout.bytesPerRow * std::size_t(box.height()));
+    for (int y = box.y0; y < box.y1; ++y) {
+        for (int x = box.x0; x < box.x1; ++x) {
+            const bool isInside = x >= 0 && y >= 0 && x < mWidth && y < mHeight;
+            const std::uint32_t pixel
+                = isInside ? mPixels[std::size_t(y) * std::size_t(mWidth) + std::size_t(x)] : 0;
+            for (const int shift : { 16, 8, 0 })
+                bytes.push_back(std::uint8_t(pixel >> shift));
+            bytes.push_back(255);
+        }
+    }
+    return Image::createWithCopy(layout, bytes.data(), bytes.size());
 }
 
 bool Window::movePixels(const Rect& area, float dx, float dy)

@@ -9,6 +9,7 @@ namespace vxr {
 
 class FirstFailure;
 class PixelRegion;
+class Image;
 struct IntRect;
 
 /// The pixels of a locked window. A separate alpha plane has one byte per pixel; its base is null if there
@@ -48,6 +49,8 @@ public:
     int width() const { return mWidth; }
     int height() const { return mHeight; }
     std::size_t bytesPerRow() const { return std::size_t(mWidth) * 4; }
+    /// An opaque RGBA image, black where the box lies outside the window. Null for an empty box.
+    std::shared_ptr<const Image> copyPixels(const IntRect&) const;
 
     /// Gives access to the pixels, of which those in an area in window coordinates will change; empty if the
     /// window has no number.

@@ -64,31 +64,6 @@ bool fitsEngine(std::span<const Point> points, const cairo_matrix_t& m, double r
 
 bool isUpright(const cairo_matrix_t& m) { return (m.xy == 0 && m.yx == 0) || (m.xx == 0 && m.yy == 0); }
 
-/// Whether the path is made of straight segments along the device's axes, of both.
-bool turnsAlongAxes(const Path& path, const cairo_matrix_t& m)
-{
-    if (!isUpright(m))
-        return false;
-    const Point* p = path.points().data();
-    Point from, start;
-    bool goesAlongX = false, goesAlongY = false;
-    for (const PathElementKind kind : path.kinds()) {
-        if (kind == PathElementKind::CurveTo)
-            return false;
-        const Point to = kind == PathElementKind::Close ? start : *p++;
-        if (kind == PathElementKind::MoveTo) {
-            start = to;
-        } else {
-            if (to.x != from.x && to.y != from.y)
-                return false;
-            goesAlongX = goesAlongX || to.x != from.x;
-            goesAlongY = goesAlongY || to.y != from.y;
-        }
-        from = to;
-    }
-    return goesAlongX && goesAlongY;
-}
-
 /// A larger limit makes no difference that could be seen: at 500 the corner is a quarter of a degree.
 float usableMiterLimit(const LineStyle& style)
 {
@@ -242,8 +217,6 @@ void CairoEngine::strokePath(const Path& path, const LineStyle& style)
         return;
     if (!fitsEngine(path.points(), matrix(), reach)) {
         strokeHuge(path, style, reach);
-    } else if (losesCorners(path, style)) {
-        fillOutlineOf(path, style);
     } else {
         setLineStyle(style);
         cairo_new_path(cr());
@@ -271,14 +244,6 @@ void CairoEngine::fillOutlineOf(const Path& path, const LineStyle& style)
     appendArea(*path.strokedOutline(style, static_cast<float>(tolerance() / scale)));
     cairo_set_fill_rule(cr(), CAIRO_FILL_RULE_WINDING);
     cairo_fill(cr());
-}
-
-// The engine takes dashes along the axes as boxes, each segment for itself, and where one leaves the clip it
-// forgets the corners of those beside it. On paper there is no clip to leave.
-bool CairoEngine::losesCorners(const Path& path, const LineStyle& style) const
-{
-    return !onPaper && !style.dash.empty() && isDrawableDash(style) && style.join == LineJoin::Miter
-        && turnsAlongAxes(path, matrix());
 }
 
 void CairoEngine::clearRect(const Rect& rect)

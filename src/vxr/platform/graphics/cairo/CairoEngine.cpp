@@ -120,15 +120,6 @@ void CairoEngine::finishOperation()
     recoverFromError();
 }
 
-DeviceBox CairoEngine::deviceBounds(std::span<const Point> points) const
-{
-    const cairo_matrix_t m = matrix();
-    DeviceBox box = inverseBox();
-    for (const Point p : points)
-        box.include(m.xx * p.x + m.xy * p.y + m.x0, m.yx * p.x + m.yy * p.y + m.y0);
-    return box.x0 <= box.x1 ? box : DeviceBox {};
-}
-
 void CairoEngine::noteInk(const DeviceBox& box)
 {
     if (!isInLayer())

@@ -49,7 +49,6 @@ public:
     void drawImage(const Rect&, const Image&) override;
     bool placePage(const Rect&, const std::shared_ptr<const Data>&, const Context::PagePixels&) override;
     void drawShading(const Shading&) override;
-    bool clipChangesPixels() const override { return kind == Kind::Bitmap; }
     PixelAccess* pixelAccess() override { return kind == Kind::Bitmap ? this : nullptr; }
 
 private:
@@ -77,7 +76,6 @@ private:
     bool setPatternSource(const Pattern&, const DeviceBox& area);
     void appendArea(const Path&); ///< the outline for a fill or clip; changes the matrix for a huge one
     void strokeHuge(const Path&, const LineStyle&, double reach);
-    bool losesCorners(const Path&, const LineStyle&) const; ///< when the engine strokes it
     void fillOutlineOf(const Path&, const LineStyle&); ///< of the stroke
     void paintSource(); ///< over the clip, with the state's alpha
     void clipToExtendedSide(const Shading&);
@@ -85,7 +83,6 @@ private:
     void noteInk(const DeviceBox&); ///< of an operation, before the clip
     void finishOperation();
     void recoverFromError();
-    DeviceBox deviceBounds(std::span<const Point>) const;
     double strokeReach(const LineStyle&) const; ///< how far a stroke extends, in device space
     cairo_t* cr() const { return targets.back().cairo.get(); }
 
@@ -96,7 +93,6 @@ private:
         double reach = 1; ///< whole units beyond which nothing of the blur is seen
     };
     DeviceShadow deviceShadow() const;
-    DeviceBox layerClip() const; ///< what cuts layers: the clip, wider if they are to reach further
     DeviceBox casterExtents() const; ///< of all that is seen or casts a shadow that is
     CairoTarget popLayerTarget();
     void clearClip();

@@ -66,25 +66,12 @@ void clearRest(const CairoTarget& layer)
 
 } // namespace
 
-// Further away exactness isn't worth the memory.
-DeviceBox CairoEngine::layerClip() const
-{
-    constexpr double farthest = 4096;
-    DeviceBox box = state.clip;
-    if (kind != Kind::Bitmap || state.layerReach.isEmpty() || box.isEmpty())
-        return box;
-    const double room = std::clamp((maxLayerSide - std::ceil(box.width())) / 2 - 1, 0.0, farthest);
-    box.x0 = std::clamp(state.layerReach.x0, box.x0 - room, box.x0);
-    box.x1 = std::clamp(state.layerReach.x1, box.x1, box.x1 + room);
-    return box;
-}
-
 void CairoEngine::pushLayer()
 {
     if (targets.empty())
         return;
     CairoTarget layer;
-    layer.extents = state.castsShadow() ? casterExtents() : layerClip().roundedOut();
+    layer.extents = state.castsShadow() ? casterExtents() : state.clip.roundedOut();
     if (kind == Kind::Bitmap && !layer.extents.isEmpty()) {
         layer.memory = layerMemory.take(4 * static_cast<std::size_t>(layer.extents.width())
             * static_cast<std::size_t>(layer.extents.height()));

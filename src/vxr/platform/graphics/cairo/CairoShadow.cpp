@@ -110,8 +110,8 @@ CairoEngine::DeviceShadow CairoEngine::deviceShadow() const
 DeviceBox CairoEngine::casterExtents() const
 {
     const DeviceShadow shadow = deviceShadow();
-    const DeviceBox casters = layerClip().moved(-shadow.dx, -shadow.dy).grown(shadow.reach);
-    const DeviceBox clip = layerClip().roundedOut();
+    const DeviceBox casters = state.clip.moved(-shadow.dx, -shadow.dy).grown(shadow.reach);
+    const DeviceBox clip = state.clip.roundedOut();
     const double room = std::floor((maxLayerSide - std::max(clip.width(), clip.height())) / 2);
     const DeviceBox around = clip.grown(std::clamp(room, 0.0, farthestCaster));
     return intersection(united(clip, casters.roundedOut()), around);

@@ -14,15 +14,8 @@ namespace vxr {
 
 namespace {
 
-/// What a layer may touch. An inclusive limit of the largest integer can't be made half-open, and no
-/// frame reaches that far.
-IntRect touchedBox(const LayerInfo& layer)
-{
-    const IntRect frame { layer.frameMinX, layer.frameMinY, layer.frameMaxX, layer.frameMaxY };
-    const auto next = [](std::int32_t last) { return last == INT32_MAX ? last : last + 1; };
-    return intersection(
-        frame, { layer.clipMinX, layer.clipMinY, next(layer.clipMaxX), next(layer.clipMaxY) });
-}
+/// What a layer may touch.
+IntRect touchedBox(const LayerInfo& layer) { return intersection(layer.frame(), layer.clip()); }
 
 std::uint8_t fadeByte(float fade) { return fade > 0 ? channelByte(double(fade)) : 0; }
 
@@ -83,8 +76,7 @@ std::vector<Step> visibleSteps(const IntRect& area, const LayerInfo* top)
             if (step.color >> 24 == 255)
                 opaque = touched;
         } else if (layer->bitmapType == LayerBitmap32 && fade == 255) {
-            opaque = intersection(
-                touched, { layer->opaqueMinX, layer->opaqueMinY, layer->opaqueMaxX, layer->opaqueMaxY });
+            opaque = intersection(touched, layer->opaque());
         }
 
         if (opaque.isEmpty() || visible.boxCount() > mostBoxes) {

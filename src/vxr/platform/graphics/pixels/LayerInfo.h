@@ -1,6 +1,6 @@
 #pragma once
 
-#include <vxr/platform/base/Export.h>
+#include <vxr/platform/graphics/values/IntRect.h>
 
 #include <cstdint>
 
@@ -49,6 +49,32 @@ struct LayerInfo {
     float brightness = 0;
     void* filters = nullptr;
     std::uint32_t reserved[4] = { 0, 0, 0, 0 };
+
+    // The bounds as boxes, all of them half-open.
+    IntRect frame() const { return { frameMinX, frameMinY, frameMaxX, frameMaxY }; }
+    void setFrame(const IntRect& r)
+    {
+        frameMinX = r.x0, frameMaxX = r.x1;
+        frameMinY = r.y0, frameMaxY = r.y1;
+    }
+    IntRect clip() const
+    {
+        // An inclusive limit of the largest integer can't be made half-open, and no frame reaches that far.
+        const auto end = [](std::int32_t last) { return last == INT32_MAX ? last : last + 1; };
+        return { clipMinX, clipMinY, end(clipMaxX), end(clipMaxY) };
+    }
+    void setClip(const IntRect& r)
+    {
+        clipMinX = r.x0, clipMaxX = r.x1 - 1;
+        clipMinY = r.y0, clipMaxY = r.y1 - 1;
+    }
+    IntRect opaque() const { return { opaqueMinX, opaqueMinY, opaqueMaxX, opaqueMaxY }; }
+    void setOpaque(const IntRect& r)
+    {
+        const IntRect box = r.isEmpty() ? IntRect {} : r;
+        opaqueMinX = box.x0, opaqueMaxX = box.x1;
+        opaqueMinY = box.y0, opaqueMaxY = box.y1;
+    }
 };
 
 } // namespace vxr

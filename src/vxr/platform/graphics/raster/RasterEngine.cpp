@@ -90,17 +90,6 @@ void RasterEngine::noteInk(const IntRect& box)
         mTargets.back().ink = unionOf(mTargets.back().ink, intersection(box, mClip.box));
 }
 
-DeviceBox RasterEngine::deviceBounds(std::span<const Point> points) const
-{
-    const DeviceMatrix m = matrix();
-    DeviceBox box = inverseBox();
-    for (const Point p : points) {
-        const Vec2 mapped = m.map(p);
-        box.include(mapped.x, mapped.y);
-    }
-    return box.x0 <= box.x1 ? box : DeviceBox {};
-}
-
 // Clips.
 
 void RasterEngine::narrowClip(RasterClip clip, const DeviceBox& bounds)

@@ -55,7 +55,6 @@ private:
     void cutClip(const FixedBox&);
     void cutClipToOutline(WindingRule, const DeviceBox& bounds); ///< that the raster holds
     void narrowClip(RasterClip, const DeviceBox& bounds);
-    DeviceBox deviceBounds(std::span<const Point>) const;
 
     void startPainting(CompositeOperation operation) { mPainter.start(target(), mClip, operation); }
     void fillOutline(WindingRule, const Paint&); ///< that the raster holds

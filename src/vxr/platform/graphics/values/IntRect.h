@@ -41,7 +41,20 @@ inline int pixelCoordinate(double v)
     return std::isnan(v) ? 0 : int(std::clamp(v, -farthest, farthest));
 }
 
-/// Whether `value` is an integer up to the rounding of single precision.
-inline bool isNearlyWhole(float v) { return std::abs(v - std::round(v)) < 1e-3f; }
+/// How far the rounding of single precision may move an integer coordinate, in pixels.
+inline constexpr double wholeSlack = 1.0 / 512;
+
+/// Whether `v` is an integer up to the rounding of single precision.
+inline bool isNearlyWhole(double v) { return std::abs(v - std::round(v)) < wholeSlack; }
+
+/// That integer; any other value is unchanged.
+inline double wholeIfNearly(double v) { return isNearlyWhole(v) ? std::round(v) : v; }
+
+/// The pixels touched by a box in device space, nearly whole coordinates taken as whole. NaN gives 0.
+inline IntRect touchedPixels(double x0, double y0, double x1, double y1)
+{
+    return { pixelCoordinate(std::floor(wholeIfNearly(x0))), pixelCoordinate(std::floor(wholeIfNearly(y0))),
+        pixelCoordinate(std::ceil(wholeIfNearly(x1))), pixelCoordinate(std::ceil(wholeIfNearly(y1))) };
+}
 
 } // namespace vxr
