@@ -144,6 +144,15 @@ bool readPair(const xmlNode* parent, const VXAXMLNamespace& ns, const char* name
     return true;
 }
 
+xmlNode* createPair(xmlNode* parent, const VXAXMLNamespace& ns, const char* name, const char* first,
+    const char* second, float a, float b)
+{
+    xmlNode* const child = vxaxmlCreateChild(parent, ns, name);
+    setNumber(child, ns, first, double(a));
+    setNumber(child, ns, second, double(b));
+    return child;
+}
+
 } // namespace
 
 bool vxaxmlGetDoubleNsProp(const VXAXMLNode* node, const VXAXMLNamespace& ns, const char* name, double& out)
@@ -271,10 +280,7 @@ long vxaxmlLine(const VXAXMLNode* node) { return node && node->line ? xmlGetLine
 VXAXMLNode* vxaxmlCreatePointChild(
     VXAXMLNode* parent, const VXAXMLNamespace& ns, const char* name, Point point)
 {
-    VXAXMLNode* const child = vxaxmlCreateChild(parent, ns, name);
-    setNumber(child, ns, "x", double(point.x));
-    setNumber(child, ns, "y", double(point.y));
-    return child;
+    return createPair(parent, ns, name, "x", "y", point.x, point.y);
 }
 
 bool vxaxmlPopulatePointFromChild(
@@ -285,10 +291,7 @@ bool vxaxmlPopulatePointFromChild(
 
 VXAXMLNode* vxaxmlCreateSizeChild(VXAXMLNode* parent, const VXAXMLNamespace& ns, const char* name, Size size)
 {
-    VXAXMLNode* const child = vxaxmlCreateChild(parent, ns, name);
-    setNumber(child, ns, "width", double(size.width));
-    setNumber(child, ns, "height", double(size.height));
-    return child;
+    return createPair(parent, ns, name, "width", "height", size.width, size.height);
 }
 
 bool vxaxmlPopulateSizeFromChild(
