@@ -129,10 +129,6 @@ public:
     {
     }
 
-    /// Pictures in turned shapes: a layer that is kept while its shape moves may show them a level or so
-    /// beside what a new one shows.
-    bool makesPictures = false;
-
     int below(int n) { return int(mRandom() % unsigned(n)); }
     float between(float low, float high) { return low + (high - low) * float(mRandom() % 100000) / 100000; }
     bool oneIn(int n) { return below(n) == 0; }
@@ -152,7 +148,7 @@ public:
         case 0:
             return nullptr;
         case 6:
-            return makesPictures ? imageFill() : color();
+            return imageFill();
         case 7:
         case 8:
             return transformGradient();

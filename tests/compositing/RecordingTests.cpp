@@ -40,7 +40,6 @@ TEST(Recording, ReplaysPagesToTheSameBytes)
         for (unsigned seed = 1; seed <= 12; ++seed) {
             PageScene scene({ wide, high }, { wide, high });
             RandomPage random(seed, { wide, high });
-            random.makesPictures = true;
             for (int i = 0; i < 40; ++i)
                 scene.canvas->add(random.shape());
             const Draw draw = [&](Context& context) {

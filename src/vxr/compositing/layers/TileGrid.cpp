@@ -58,6 +58,23 @@ std::vector<int> TileGrid::tilesHit(const Rect& rect, const Rect& layer) const
     return indices;
 }
 
+std::vector<int> TileGrid::tilesThatShow(const Rect& rect, const Rect& layer, float outset) const
+{
+    if (mWide == 0 || mHigh == 0 || !rectsIntersect(insetRect(layer, -outset, -outset), rect))
+        return {};
+    const auto cellAt = [](float tiles, int count) { return int(std::clamp(tiles, 0.0f, float(count - 1))); };
+    const auto side = float(mSide);
+    const int left = cellAt(std::floor((rect.minX() - layer.minX()) / side), mWide);
+    const int right = cellAt(std::ceil((rect.maxX() - layer.minX()) / side) - 1, mWide);
+    const int top = cellAt(std::floor((rect.minY() - layer.minY()) / side), mHigh);
+    const int bottom = cellAt(std::ceil((rect.maxY() - layer.minY()) / side) - 1, mHigh);
+    std::vector<int> indices;
+    for (int row = top; row <= bottom; ++row)
+        for (int column = left; column <= right; ++column)
+            indices.push_back(row * mWide + column);
+    return indices;
+}
+
 bool TileGrid::tileMeets(int index, const Rect& rect) const
 {
     const int wide = std::max(mWide, 1);

@@ -22,6 +22,9 @@ public:
 
     /// The tiles that `rect` overlaps, row by row. Both rectangles count from the same point.
     std::vector<int> tilesHit(const Rect& rect, const Rect& layer) const;
+    /// The tiles to draw for what shows in `rect`: also a last column or row less than a pixel wide, and the
+    /// outer tiles where only what sticks out of the layer, by up to `outset`, is in it.
+    std::vector<int> tilesThatShow(const Rect& rect, const Rect& layer, float outset) const;
     int tileAt(Point p) const { return int(p.x / float(mSide)) + int(p.y / float(mSide)) * mWide; }
     bool tileMeets(int index, const Rect&) const;
     /// The sides on which another tile of the grid follows: bits of `VXRTileSide`.

@@ -6,6 +6,7 @@
 #include <vxr/geometry/TransformAdditions.h>
 #include <vxr/geometry/VXRGeometry.h>
 #include <vxr/platform/views/Window.h>
+#include <vxr/protocols/PaintedExtent.h>
 #include <vxr/protocols/VXRCanvasRole.h>
 #include <vxr/protocols/VXRLayeredRenderable.h>
 
@@ -216,7 +217,9 @@ void VXRCompositorLayer::prepareGrid(const Rect& visible)
     if (!_multipleTiles || _completelyInvalid)
         _tiles.clear();
     _multipleTiles = true;
-    for (const int index : tileIndicesHitByRect(rectThatShows(*_renderable, visible, _zoomFactor)))
+    const float outset = (_renderable->paintedOutset() + paintingSlack(_zoomFactor)) * _zoomFactor;
+    const Rect shown = scaleRect(rectThatShows(*_renderable, visible, _zoomFactor));
+    for (const int index : grid().tilesThatShow(shown, scaleRect(_renderable->alignmentBounds()), outset))
         _activeTiles.push_back(tileWithIndex(index));
     // Those out of sight have missed a partial change: they are drawn wholly when they come back.
     for (const auto& tile : _tiles)
