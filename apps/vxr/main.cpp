@@ -9,6 +9,8 @@ int main(int argc, char** argv)
         const app::Command command = app::parseCommandLine(argc, argv);
         if (const auto* render = std::get_if<app::RenderOptions>(&command))
             return app::runRender(*render);
+        if (const auto* filter = std::get_if<app::FilterOptions>(&command))
+            return app::runFilter(*filter);
         if (const auto* convert = std::get_if<app::ConvertOptions>(&command))
             return app::runConvert(*convert);
         if (const auto* inspect = std::get_if<app::InspectOptions>(&command))

@@ -1,3 +1,5 @@
+#include <vxr/platform/graphics/Image.h>
+
 #include <gmock/gmock.h>
 
 #include <cstdlib>
@@ -222,6 +224,9 @@ TEST_F(CommandLine, RefusesWrongOnes)
         "render good.svg -o out.png --sparkle",
         "inspect good.svg bad.svg",
         "convert good.svg -o out.pdf",
+        "filter dots.bmp -o out.jpg",
+        "filter dots.bmp -o out.png --saturation -1",
+        "filter dots.bmp -o out.png --levels hue",
         "report",
     };
     for (const char* arguments : cases) {
@@ -240,7 +245,7 @@ TEST_F(CommandLine, HelpsOnStandardOutput)
     EXPECT_THAT(whole.out, AllOf(HasSubstr("render"), HasSubstr("gallery"), HasSubstr("report")));
     EXPECT_THAT(vxr("--version").out, testing::MatchesRegex("vxr [0-9.]+\n"));
     EXPECT_THAT(vxr("draw good.svg").err,
-        HasSubstr("no command 'draw'; there are render, convert, inspect, gallery, report"));
+        HasSubstr("no command 'draw'; there are render, filter, convert, inspect, gallery, report"));
     EXPECT_EQ(render.status, 0);
     EXPECT_THAT(render.out, AllOf(HasSubstr("--road"), HasSubstr("--output"), HasSubstr("Exit status")));
     EXPECT_EQ(whole.err + render.err, "");
@@ -338,6 +343,27 @@ TEST_F(CommandLine, RendersAndInspectsPictures)
     EXPECT_EQ(sizeOfPNG("art.png"), std::pair(240, 160));
     EXPECT_EQ(vxr("render dots.bmp -o dots.png").status, 0);
     EXPECT_EQ(sizeOfPNG("dots.png"), std::pair(2, 2));
+}
+
+TEST_F(CommandLine, FiltersPictures)
+{
+    // Two by two pixels of 24 bits, all of one grey.
+    const std::string header("BM\x46\0\0\0\0\0\0\0\x36\0\0\0\x28\0\0\0\2\0\0\0\2\0\0\0\1\0\x18\0", 30);
+    write("dots.bmp", header + std::string(24, '\0') + std::string(16, '\x7f'));
+    const auto levelOf = [&](const std::string& options) {
+        EXPECT_EQ(vxr("filter dots.bmp -o out.png " + options).err, "") << options;
+        const auto image = ::vxr::Image::createWithPNGFile((mFolder / "out.png").string());
+        return image ? int(image->pixels()[1]) : -1;
+    };
+    EXPECT_EQ(levelOf(""), 127);
+    EXPECT_EQ(levelOf("--saturation 70 --hue -30"), 127) << "a grey stays";
+    EXPECT_EQ(levelOf("--exposure 33.3333333"), 174) << "a stop up";
+    EXPECT_EQ(levelOf("--brightness 10 --black-point 25"), 101);
+    EXPECT_THAT(vxr("filter dots.bmp -o out.png --exposure 150").err,
+        HasSubstr("value '150' for property 'kVXRExposureProperty' is invalid, error 150 is not between -100 "
+                  "and 100"));
+    EXPECT_THAT(vxr("filter --help").out, AllOf(HasSubstr("--temperature"), HasSubstr("-100 to 100")));
+    EXPECT_EQ(vxr("filter none.png -o out.png").status, 1);
 }
 
 TEST_F(CommandLine, APlacedPageStaysVectorsInADocumentThatIsSound)

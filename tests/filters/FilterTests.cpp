@@ -32,9 +32,88 @@ Color inLight(Color c, const std::function<Color(Color)>& change)
 
 double luminanceOf(const Color& c) { return 0.2126 * c[0] + 0.7152 * c[1] + 0.0722 * c[2]; }
 
-/// The filters by their formulas, on straight encoded colours.
-Color plain(const std::string& name, double value, Color c)
+using Matrix = std::array<Color, 3>;
+
+Color times(const Matrix& m, const Color& v)
 {
+    Color result {};
+    for (std::size_t i = 0; i < 3; ++i)
+        result[i] = m[i][0] * v[0] + m[i][1] * v[1] + m[i][2] * v[2];
+    return result;
+}
+
+/// The hue rotation of feColorMatrix, its constants those of linear sRGB's luminance.
+Color turned(double angle, const Color& c)
+{
+    const double cosine = std::cos(angle), sine = std::sin(angle);
+    const double r = 0.2126, g = 0.7152, b = 0.0722;
+    // Grey stays; red's and blue's rows are those of the standard, green's keeps the luminance.
+    const double y = luminanceOf(c);
+    const double red = y + cosine * (c[0] - y) + sine * (-r * c[0] - g * c[1] + (1 - b) * c[2]);
+    const double blue = y + cosine * (c[2] - y) + sine * ((r - 1) * c[0] + g * c[1] + b * c[2]);
+    return { red, (y - r * red - b * blue) / g, blue };
+}
+
+/// XYZ of the Planckian locus above 4,000 K or below, by the cubic approximation.
+Color planckian(double kelvin)
+{
+    const double t = 1000 / kelvin;
+    const bool isHot = kelvin > 4000;
+    const double x = isHot ? -3.0258469 * t * t * t + 2.1070379 * t * t + 0.2226347 * t + 0.240390
+                           : -0.2661239 * t * t * t - 0.2343589 * t * t + 0.8776956 * t + 0.179910;
+    const double y = isHot ? 3.0817580 * x * x * x - 5.87338670 * x * x + 3.75112997 * x - 0.37001483
+                           : -0.9549476 * x * x * x - 1.37418593 * x * x + 2.09137015 * x - 0.16748867;
+    return { x / y, 1, (1 - x - y) / y };
+}
+
+Color tempered(double power, const Color& c)
+{
+    // Cone responses of linear sRGB: the Bradford matrix times that of the primaries, and the inverse.
+    const Matrix xyz { { { 0.4124, 0.3576, 0.1805 }, { 0.2126, 0.7152, 0.0722 },
+        { 0.0193, 0.1192, 0.9505 } } };
+    const Matrix bradford { { { 0.8951, 0.2664, -0.1614 }, { -0.7502, 1.7135, 0.0367 },
+        { 0.0389, -0.0685, 1.0296 } } };
+    const Color from = times(bradford, planckian(6500));
+    const Color to = times(bradford, planckian(1e6 / (1e6 / 6500 + 40 * power)));
+    const auto adapted = [&](const Color& rgb) {
+        Color cones = times(bradford, times(xyz, rgb));
+        for (std::size_t i = 0; i < 3; ++i)
+            cones[i] *= to[i] / from[i];
+        // Back by solving for the colour, with Cramer's rule.
+        Matrix m;
+        for (std::size_t j = 0; j < 3; ++j) {
+            const Color column = times(bradford, { xyz[0][j], xyz[1][j], xyz[2][j] });
+            for (std::size_t i = 0; i < 3; ++i)
+                m[i][j] = column[i];
+        }
+        const auto determinant = [](const Matrix& a) {
+            return a[0][0] * (a[1][1] * a[2][2] - a[1][2] * a[2][1])
+                - a[0][1] * (a[1][0] * a[2][2] - a[1][2] * a[2][0])
+                + a[0][2] * (a[1][0] * a[2][1] - a[1][1] * a[2][0]);
+        };
+        Color result;
+        for (std::size_t j = 0; j < 3; ++j) {
+            Matrix replaced = m;
+            for (std::size_t i = 0; i < 3; ++i)
+                replaced[i][j] = cones[i];
+            result[j] = determinant(replaced) / determinant(m);
+        }
+        return result;
+    };
+    const double green = adapted({ 1, 1, 1 })[1];
+    Color result = adapted(c);
+    for (double& v : result)
+        v /= green;
+    return result;
+}
+
+/// The filters by their formulas, on straight encoded colours.
+Color plain(const std::string& name, const std::string& key, double value, Color c)
+{
+    if (name == "TesselTintCorrection")
+        return inLight(c, [&](Color l) { return turned(value, l); });
+    if (name == "TesselColorCorrection")
+        return inLight(c, [&](Color l) { return tempered(value, l); });
     if (name == "TesselLighting")
         return inLight(c, [&](Color l) {
             for (double& v : l)
@@ -49,8 +128,12 @@ Color plain(const std::string& name, double value, Color c)
             return l;
         });
     for (double& v : c) {
-        if (name == "TesselBrightnessContrast")
+        if (key == "inputBrightness")
             v = limited(v + value);
+        else if (key == "inputContrast")
+            v = limited((v - 0.5) * std::pow(4, 2 * value) + 0.5);
+        else if (key == "inputWhite")
+            v = limited(v / std::max(value, 1.0 / 255));
         else // black point
             v = limited((v - value) / std::max(1 - value, 1.0 / 255));
     }
@@ -99,8 +182,12 @@ struct FilterCase {
 const FilterCase pointFilters[] = {
     { "TesselLighting", "inputPower", -3, 3, 0 },
     { "TesselBrightnessContrast", "inputBrightness", -0.5f, 0.5f, 0 },
+    { "TesselBrightnessContrast", "inputContrast", -0.5f, 0.5f, 0 },
     { "TesselSaturation", "inputSaturation", -1, 1, 0 },
+    { "TesselTintCorrection", "inputPower", -1.05f, 1.05f, 0 },
+    { "TesselColorCorrection", "inputPower", -1.875f, 1.875f, 0 },
     { "TesselBlackAndWhitePoints", "inputBlack", 0, 1, 0 },
+    { "TesselBlackAndWhitePoints", "inputWhite", 0, 1, 1 },
 };
 
 TEST(Filter, FollowsItsFormulaWithinALevel)
@@ -119,7 +206,7 @@ TEST(Filter, FollowsItsFormulaWithinALevel)
                     continue;
                 }
                 const Color wanted
-                    = plain(c.name, value, { (p >> 16 & 255) / a, (p >> 8 & 255) / a, (p & 255) / a });
+                    = plain(c.name, c.key, value, { (p >> 16 & 255) / a, (p >> 8 & 255) / a, (p & 255) / a });
                 for (int k = 0; k < 3; ++k)
                     ASSERT_NEAR(result.pixels[i] >> (16 - 8 * k) & 255, wanted[std::size_t(k)] * a, 1)
                         << c.name << " " << value << " of " << std::hex << p;

@@ -190,6 +190,41 @@ TEST(FilteredImage, StaysUnfilteredWhenAFilterThrowsAndWarnsOnce)
     }
 }
 
+/// A filter of the host's may do anything while it runs.
+TEST(FilteredImage, TakesWhatAFilterChangesWhileItRunsAfterwards)
+{
+    const auto image = VXRFilteredImage::filteredImageWithImageRef(randomImage(30, 20, true));
+    struct Meddler : VXRFilter {
+        explicit Meddler(VXRFilteredImage& changed)
+            : VXRFilter("Meddler", {})
+            , image(&changed)
+        {
+        }
+        std::vector<FilterOperation> operations() const override
+        {
+            return { FilterOperation::pixelLoop([this](float*, float*, float*, int) {
+                image->filteredImage();
+                image->setPreviewing(false);
+                image->setAutomaticLevels(VXRAutomaticLevels::Luminance);
+                if (image->effectStack()->layerCount() > 2)
+                    image->effectStack()->removeLayerAtIndex(1);
+                VXUObjectFlusher::instance().setBudget(0);
+                VXUObjectFlusher::instance().setBudget(VXUObjectFlusher::defaultBudget);
+            }) };
+        }
+        std::shared_ptr<VXRFilter> copyWithZone() const override { return std::make_shared<Meddler>(*image); }
+        VXRFilteredImage* image;
+    };
+    image->effectStack()->appendFilter(filterNamed("TesselLighting", "inputPower", 0.5f));
+    image->effectStack()->appendFilter(std::make_shared<Meddler>(*image));
+    image->setPreviewing(true);
+    image->drawingImage();
+    image->filteredImage();
+    const auto fresh = VXRFilteredImage::filteredImageWithImageRef(image->unfilteredImage());
+    fresh->setAutomaticLevels(VXRAutomaticLevels::Luminance);
+    EXPECT_EQ(pixelsOf(image->filteredImage()), pixelsOf(fresh->filteredImage()));
+}
+
 TEST(FilteredImage, SpreadsLevelsFromItsHistogram)
 {
     // Red from 50 to 149, green half of that, blue of one level; a transparent pixel counts for nothing.

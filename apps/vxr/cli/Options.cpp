@@ -162,6 +162,10 @@ Command parseCommandLine(int argc, const char* const* argv)
         = program.add_subcommand("render", "Draw SVG files, documents and pictures as PNG or PDF");
     addRender(*renderCommand, render, words);
 
+    FilterOptions filter;
+    CLI::App* filterCommand = program.add_subcommand("filter", "Adjust the colours of a picture");
+    addFilterOptions(*filterCommand, filter);
+
     ConvertOptions convert;
     CLI::App* convertCommand
         = program.add_subcommand("convert", "Make a document of SVG files, a page of each");
@@ -204,6 +208,8 @@ Command parseCommandLine(int argc, const char* const* argv)
     }
     if (renderCommand->parsed())
         return render;
+    if (filterCommand->parsed())
+        return filter;
     if (convertCommand->parsed())
         return convert;
     if (inspectCommand->parsed())

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "FilterOptions.h"
+
 #include <apps/vxr/svg/CssColor.h>
 
 #include <optional>
@@ -60,8 +62,8 @@ struct ReportOptions {
 };
 
 /// The command to run, or the exit status when there is nothing to do.
-using Command
-    = std::variant<int, RenderOptions, ConvertOptions, InspectOptions, GalleryOptions, ReportOptions>;
+using Command = std::variant<int, RenderOptions, FilterOptions, ConvertOptions, InspectOptions,
+    GalleryOptions, ReportOptions>;
 
 inline constexpr int exitFailed = 1; ///< an input could not be used
 inline constexpr int exitUsage = 2; ///< the command line is wrong

@@ -51,15 +51,22 @@ bool isPicture(const std::string& path)
         types, [&](const vxr::ImportFileType& type) { return type.extension == extension; });
 }
 
-ImportedDrawing importPicture(const std::string& path)
+std::shared_ptr<vxr::VXRImageBinary> readPicture(const std::string& path)
 {
+    if (!vxr::Importer::shared().isAvailable())
+        throw std::runtime_error("pictures can't be read: the program vxr-import is missing");
     std::string reason;
     if (!vxr::MemoryFile::createWithContentsOfFile(path, &reason))
         throw std::runtime_error(reason.substr(std::min(reason.size(), path.size() + 2)));
-    const auto binary
-        = vxr::VXRImageBinary::epsImageBinaryFromFileUsingDataManagerError(path, nullptr, nullptr);
+    auto binary = vxr::VXRImageBinary::epsImageBinaryFromFileUsingDataManagerError(path, nullptr, nullptr);
     if (!binary || !binary->imageIsLoaded())
         throw std::runtime_error("the picture can't be read");
+    return binary;
+}
+
+ImportedDrawing importPicture(const std::string& path)
+{
+    const auto binary = readPicture(path);
     ImportedDrawing drawing;
     drawing.size = binary->naturalImageSize();
     drawing.pointsPerUnit = 1;

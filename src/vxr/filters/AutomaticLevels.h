@@ -17,7 +17,7 @@ enum class VXRAutomaticLevels : int {
 };
 
 /// A black and a white point for each of red, green and blue, as encoded sRGB values from 0 to 1.
-struct LevelPoints {
+struct VXR_EXPORT LevelPoints {
     std::array<float, 3> black { 0, 0, 0 }, white { 1, 1, 1 };
 
     bool isIdentity() const { return *this == LevelPoints {}; }
@@ -29,7 +29,7 @@ struct LevelPoints {
 
 /// The numbers of pixels at each of 256 encoded levels of red, green, blue and the luminance of ITU-R BT.709.
 /// A pixel counts by its alpha; one that is transparent doesn't.
-struct LevelHistogram {
+struct VXR_EXPORT LevelHistogram {
     std::array<std::array<double, 256>, 4> counts {};
 
     static LevelHistogram ofSource(const FilterSource&);

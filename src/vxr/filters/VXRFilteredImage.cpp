@@ -18,6 +18,7 @@
 #include <algorithm>
 #include <cmath>
 #include <optional>
+#include <utility>
 
 namespace vxr {
 
@@ -130,6 +131,10 @@ void VXRFilteredImage::setClipFraction(float fraction)
 
 void VXRFilteredImage::layerChanged(std::size_t layer)
 {
+    if (mIsRunning) {
+        mChangedMeanwhile = std::min(mChangedMeanwhile.value_or(layer), layer);
+        return;
+    }
     mChangedLayer = layer;
     mHasFailed = false;
     if (layer == 0)
@@ -232,28 +237,32 @@ std::shared_ptr<const Image> VXRFilteredImage::run(
             return nullptr;
         rendition = std::make_unique<FilteredRendition>(std::move(*pixels), isPreview ? previewScale : 1);
     }
-    auto& flusher = VXUObjectFlusher::instance();
-    const auto result = rendition->run(all, mChangedLayer, flusher.budget() / 2);
-    flusher.objectAddedData(*this);
-    return result;
+    return rendition->run(all, mChangedLayer, VXUObjectFlusher::instance().budget() / 2);
 }
 
 std::shared_ptr<const Image> VXRFilteredImage::runOrUnfiltered(
     std::unique_ptr<FilteredRendition>& rendition, bool isPreview)
 {
-    if (!mHasFailed) {
-        try {
-            return run(rendition, isPreview);
-        } catch (const std::exception& error) {
-            mHasFailed = true;
-            if (!mHasWarned)
-                VXULog_Fn(VXULogLevelWarning, "VXRFilteredImage.cpp",
-                    fmt::format(
-                        "Warning: a picture is drawn unfiltered, because a filter failed: {}", error.what()));
-            mHasWarned = true;
-        }
+    if (mHasFailed || mIsRunning)
+        return unfilteredImage();
+    std::shared_ptr<const Image> result;
+    mIsRunning = true;
+    try {
+        result = run(rendition, isPreview);
+    } catch (const std::exception& error) {
+        mHasFailed = true;
+        if (!std::exchange(mHasWarned, true))
+            VXULog_Fn(VXULogLevelWarning, "VXRFilteredImage.cpp",
+                fmt::format(
+                    "Warning: a picture is drawn unfiltered, because a filter failed: {}", error.what()));
+        result = unfilteredImage();
     }
-    return unfilteredImage();
+    mIsRunning = false;
+    if (bytesUsed() > 0)
+        VXUObjectFlusher::instance().objectAddedData(*this);
+    if (const auto layer = std::exchange(mChangedMeanwhile, std::nullopt))
+        layerChanged(*layer);
+    return result;
 }
 
 std::shared_ptr<const Image> VXRFilteredImage::filteredImage() { return runOrUnfiltered(mWhole, false); }
@@ -278,7 +287,8 @@ void VXRFilteredImage::setPreviewing(bool flag)
     if (flag == mIsPreviewing)
         return;
     mIsPreviewing = flag;
-    mPreview.reset();
+    if (!mIsRunning)
+        mPreview.reset();
     if (!flag)
         NotificationCenter::defaultCenter().post(VXRFilteredImageDidChangeNotification, this);
 }
@@ -295,7 +305,7 @@ std::shared_ptr<VXRImageRenderer> VXRFilteredImage::imageRenderer(std::optional<
 
 // Memory.
 
-bool VXRFilteredImage::isFlushable() const { return bytesUsed() > 0; }
+bool VXRFilteredImage::isFlushable() const { return !mIsRunning && bytesUsed() > 0; }
 
 std::size_t VXRFilteredImage::bytesUsed() const
 {

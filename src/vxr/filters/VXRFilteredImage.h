@@ -24,7 +24,8 @@ inline constexpr std::string_view VXRFilteredImageDidChangeNotification
 ///
 /// It has three forms, each an image of 8 bits a component: unfiltered, levelled, and filtered. A form that
 /// changes nothing is the form below it. When a filter throws, a warning is logged once and the picture stays
-/// unfiltered until the next change; the stack is left as it is. A document's page is rendered at four pixels
+/// unfiltered until the next change; the stack is left as it is. What a filter changes while it runs takes
+/// effect afterwards. A document's page is rendered at four pixels
 /// a point, up to 4,096 a side, where it is to be filtered.
 ///
 /// Results are kept within the flusher's budget. A change of a layer has that layer and those above run
@@ -99,7 +100,8 @@ private:
     std::unique_ptr<FilteredRendition> mWhole, mPreview;
     std::shared_ptr<const Image> mLeveled;
     std::size_t mChangedLayer = 0; ///< the last one to change; 0 are the levels
-    bool mIsPreviewing = false, mHasFailed = false, mHasWarned = false;
+    std::optional<std::size_t> mChangedMeanwhile; ///< the lowest layer that a filter changed as it ran
+    bool mIsPreviewing = false, mIsRunning = false, mHasFailed = false, mHasWarned = false;
 };
 
 } // namespace vxr
