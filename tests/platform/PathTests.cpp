@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <random>
 
 using namespace vxr;
 using namespace vxr::test;
@@ -59,6 +60,52 @@ TEST(Path, ElementsByIndexAreThoseOfAWalk)
     source.appendElement(path, -5, 5);
     path.lineTo({ 1, 1 });
     expectIndexAgreesWithWalk(path);
+}
+
+/// Memory grows, shrinks, is copied and shared out anew; what stands in it stays.
+TEST(Path, ElementsSurviveWhateverHappensToTheirMemory)
+{
+    std::mt19937 random(6);
+    PathSource source(3);
+    Path path, other;
+    std::string expected = text(path);
+    for (int step = 0; step < 400; ++step) {
+        switch (random() % 8) {
+        case 0:
+            path.fit();
+            break;
+        case 1:
+            path.reserve(random() % 100);
+            break;
+        case 2:
+            other = path;
+            path = other;
+            break;
+        case 3:
+            path = *path.copy();
+            break;
+        case 4:
+            if (path.elementCount() < 100) {
+                Path both = path;
+                both.appendPath(path);
+                path.appendPath(path);
+                expected = text(both);
+            }
+            break;
+        case 5:
+            if (random() % 4 == 0) {
+                path.removeAllPoints();
+                expected = text(path);
+            }
+            break;
+        default:
+            source.appendElement(path, -5, 5);
+            expected = text(path);
+        }
+        ASSERT_EQ(text(path), expected) << step;
+        expectIndexAgreesWithWalk(path);
+        EXPECT_EQ(path.hasCurrentPoint(), !path.points().empty());
+    }
 }
 
 TEST(Path, BoundsKeptWhileAppendingAreThoseOfTheWholePath)

@@ -43,7 +43,7 @@ void Path::stroke() const
 {
     Context& context = currentDrawingPort();
     FlatnessScope scope(context, mFlatness);
-    context.strokePath(*this, mStyle);
+    context.strokePath(*this, lineStyle());
 }
 
 void Path::addClip() const

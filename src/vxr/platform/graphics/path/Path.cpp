@@ -10,9 +10,38 @@
 namespace vxr {
 
 Path::Path() = default;
-Path::Path(const Path&) = default;
-Path& Path::operator=(const Path&) = default;
 Path::~Path() = default;
+
+Path::Path(const Path& other)
+    : Object(other)
+    , mElements(other.mElements)
+    , mSubpathStart(other.mSubpathStart)
+    , mMeasured(other.mMeasured)
+    , mLeast(other.mLeast)
+    , mMost(other.mMost)
+{
+    copyStyle(other);
+}
+
+Path& Path::operator=(const Path& other)
+{
+    if (this == &other)
+        return *this;
+    mElements = other.mElements;
+    mSubpathStart = other.mSubpathStart;
+    mMeasured = other.mMeasured;
+    mLeast = other.mLeast;
+    mMost = other.mMost;
+    copyStyle(other);
+    return *this;
+}
+
+void Path::copyStyle(const Path& other)
+{
+    mStyle = other.mStyle ? std::make_unique<LineStyle>(*other.mStyle) : nullptr;
+    mFlatness = other.mFlatness;
+    mWindingRule = other.mWindingRule;
+}
 
 std::shared_ptr<Path> Path::path() { return std::make_shared<Path>(); }
 
@@ -36,15 +65,12 @@ void Path::append(PathElementKind kind, std::initializer_list<Point> points)
 {
     if (!hasCurrentPoint())
         removeAllPoints();
-    if (mKinds.size() % indexStride == 0)
-        mPointIndex.push_back(mPoints.size());
-    mKinds.push_back(kind);
-    mPoints.insert(mPoints.end(), points);
+    mElements.append(kind, points);
 }
 
 void Path::moveTo(Point p)
 {
-    mSubpathStart = mPoints.size();
+    mSubpathStart = static_cast<std::uint32_t>(points().size());
     append(PathElementKind::MoveTo, { p });
 }
 
@@ -101,12 +127,7 @@ void Path::appendPolygon(std::span<const Point> vertices)
     if (vertices.empty())
         return;
     moveTo(vertices[0]);
-    const std::size_t start = mPoints.size(), first = mKinds.size();
-    mPoints.insert(mPoints.end(), vertices.begin() + 1, vertices.end());
-    mKinds.resize(first + vertices.size() - 1, PathElementKind::LineTo);
-    for (std::size_t i = (first + indexStride - 1) / indexStride * indexStride; i < mKinds.size();
-         i += indexStride)
-        mPointIndex.push_back(start + (i - first));
+    mElements.append(PathElementKind::LineTo, vertices.subspan(1));
     close();
 }
 
@@ -116,45 +137,24 @@ void Path::appendPath(const Path& other)
         return;
     if (!hasCurrentPoint())
         removeAllPoints();
-    const std::size_t start = mPoints.size();
-    const std::size_t elements = other.mKinds.size(), points = other.mPoints.size();
-    mSubpathStart = start + other.mSubpathStart;
-    // By index, since `other` may be this path.
-    mPoints.resize(start + points);
-    std::copy_n(other.mPoints.begin(), points, mPoints.begin() + static_cast<std::ptrdiff_t>(start));
-    mKinds.reserve(mKinds.size() + elements);
-    std::size_t at = start;
-    for (std::size_t i = 0; i < elements; ++i) {
-        if (mKinds.size() % indexStride == 0)
-            mPointIndex.push_back(at);
-        const PathElementKind kind = other.mKinds[i];
-        mKinds.push_back(kind);
-        at += pathPointCount(kind);
-    }
+    const auto start = static_cast<std::uint32_t>(points().size()) + other.mSubpathStart;
+    mElements.append(other.mElements);
+    mSubpathStart = start;
 }
 
 void Path::removeAllPoints()
 {
-    mKinds.clear();
-    mPoints.clear();
-    mPointIndex.clear();
+    mElements.clear();
     mSubpathStart = 0;
     mMeasured = 0;
 }
 
-void Path::reserve(std::size_t elements)
-{
-    mKinds.reserve(elements);
-    mPoints.reserve(elements);
-}
+void Path::reserve(std::size_t elements) { mElements.reserve(elements, elements); }
 
 PathElement Path::elementAtIndex(std::size_t index) const
 {
-    std::size_t at = mPointIndex[index / indexStride];
-    for (std::size_t i = index - index % indexStride; i < index; ++i)
-        at += pathPointCount(mKinds[i]);
-    PathElement element { mKinds[index], {} };
-    std::copy_n(mPoints.begin() + static_cast<std::ptrdiff_t>(at), pathPointCount(element.kind),
+    PathElement element { kinds()[index], {} };
+    std::copy_n(points().data() + mElements.pointsBefore(index), pathPointCount(element.kind),
         element.points.begin());
     return element;
 }
@@ -163,7 +163,7 @@ Point Path::currentPoint() const
 {
     if (!hasCurrentPoint())
         return {};
-    return mKinds.back() == PathElementKind::Close ? mPoints[mSubpathStart] : mPoints.back();
+    return kinds().back() == PathElementKind::Close ? points()[mSubpathStart] : points().back();
 }
 
 Rect Path::bounds() const
@@ -173,8 +173,9 @@ Rect Path::bounds() const
         mLeast = { infinity, infinity };
         mMost = { -infinity, -infinity };
     }
-    for (; mMeasured < mPoints.size(); ++mMeasured) {
-        const Point p = mPoints[mMeasured];
+    const std::span<const Point> all = points();
+    for (; mMeasured < all.size(); ++mMeasured) {
+        const Point p = all[mMeasured];
         if (!std::isfinite(p.x) || !std::isfinite(p.y))
             continue;
         mLeast = { std::min(mLeast.x, p.x), std::min(mLeast.y, p.y) };
@@ -187,7 +188,7 @@ Rect Path::bounds() const
 
 void Path::transformUsingAffineTransform(const AffineTransform& transform)
 {
-    for (Point& p : mPoints)
+    for (Point& p : mElements.points())
         p = transform.map(p);
     mMeasured = 0;
 }
@@ -199,10 +200,24 @@ std::shared_ptr<Path> Path::transformedBy(const AffineTransform& transform) cons
     return made;
 }
 
+const LineStyle& Path::lineStyle() const
+{
+    static const LineStyle plain;
+    return mStyle ? *mStyle : plain;
+}
+
+LineStyle& Path::ownStyle()
+{
+    if (!mStyle)
+        mStyle = std::make_unique<LineStyle>();
+    return *mStyle;
+}
+
 void Path::setLineDash(const float* lengths, int count, float phase)
 {
-    mStyle.dash.assign(lengths, lengths + std::max(count, 0));
-    mStyle.dashPhase = phase;
+    LineStyle& style = ownStyle();
+    style.dash.assign(lengths, lengths + std::max(count, 0));
+    style.dashPhase = phase;
 }
 
 std::string Path::description() const
@@ -210,12 +225,12 @@ std::string Path::description() const
     constexpr std::size_t shown = 64; // a log line, not a dump
     std::string text = "Path [";
     std::size_t at = 0;
-    for (std::size_t i = 0; i < std::min(mKinds.size(), shown); ++i) {
-        fmt::format_to(std::back_inserter(text), "{}{}", i ? " " : "", "MLCZ"[static_cast<int>(mKinds[i])]);
-        for (std::size_t j = 0; j < pathPointCount(mKinds[i]); ++j, ++at)
-            fmt::format_to(std::back_inserter(text), "{}{} {}", j ? " " : "", mPoints[at].x, mPoints[at].y);
+    for (std::size_t i = 0; i < std::min(kinds().size(), shown); ++i) {
+        fmt::format_to(std::back_inserter(text), "{}{}", i ? " " : "", "MLCZ"[static_cast<int>(kinds()[i])]);
+        for (std::size_t j = 0; j < pathPointCount(kinds()[i]); ++j, ++at)
+            fmt::format_to(std::back_inserter(text), "{}{} {}", j ? " " : "", points()[at].x, points()[at].y);
     }
-    return text + (mKinds.size() > shown ? " ...]" : "]");
+    return text + (kinds().size() > shown ? " ...]" : "]");
 }
 
 } // namespace vxr

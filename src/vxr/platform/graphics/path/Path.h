@@ -1,17 +1,19 @@
 #pragma once
 
 #include <vxr/platform/base/Object.h>
+#include <vxr/platform/graphics/path/PathStore.h>
 #include <vxr/platform/graphics/values/AffineTransform.h>
 
 #include <array>
 #include <cstddef>
 #include <cstdint>
 #include <initializer_list>
+#include <memory>
 #include <span>
+#include <vector>
 
 namespace vxr {
 
-enum class PathElementKind : std::uint8_t { MoveTo = 0, LineTo = 1, CurveTo = 2, Close = 3 };
 enum class WindingRule : std::uint8_t { NonZero = 0, EvenOdd = 1 };
 enum class LineCap : std::uint8_t { Butt = 0, Round = 1, Square = 2 };
 enum class LineJoin : std::uint8_t { Miter = 0, Round = 1, Bevel = 2 };
@@ -94,22 +96,23 @@ public:
     void appendPolygon(std::span<const Point> vertices);
     void appendPath(const Path&); ///< elements only; the path may be appended to itself
     void removeAllPoints(); ///< the style stays
-    void reserve(std::size_t elements);
+    void reserve(std::size_t elements); ///< for lines; a curve has three points
+    void fit() { mElements.fit(); } ///< releases memory reserved for further elements
 
     // Elements.
-    bool isEmpty() const { return mKinds.empty(); }
-    std::size_t elementCount() const { return mKinds.size(); }
+    bool isEmpty() const { return kinds().empty(); }
+    std::size_t elementCount() const { return kinds().size(); }
     /// In constant time. The first element is always a move, or a close that is the only element.
     PathElement elementAtIndex(std::size_t index) const;
-    std::span<const PathElementKind> kinds() const { return mKinds; }
-    std::span<const Point> points() const { return mPoints; } ///< all points in element order
+    std::span<const PathElementKind> kinds() const { return mElements.kinds(); }
+    std::span<const Point> points() const { return mElements.points(); } ///< all points in element order
     /// Visits all elements; see `visitElements`.
     template <class Visitor> void visit(Visitor&& visitor) const
     {
-        visitElements(mKinds, mPoints.data(), visitor);
+        visitElements(kinds(), points().data(), visitor);
     }
     /// After a close, the start of the sub-path. Empty if the path has no points.
-    bool hasCurrentPoint() const { return !mPoints.empty(); }
+    bool hasCurrentPoint() const { return !points().empty(); }
     Point currentPoint() const;
 
     // Geometry.
@@ -128,16 +131,16 @@ public:
     std::shared_ptr<Path> strokedOutline(const LineStyle& style, float tolerance) const;
 
     // Style.
-    const LineStyle& lineStyle() const { return mStyle; }
-    void setLineStyle(const LineStyle& style) { mStyle = style; }
-    float lineWidth() const { return mStyle.width; }
-    void setLineWidth(float width) { mStyle.width = width; }
-    LineCap lineCap() const { return mStyle.cap; }
-    void setLineCap(LineCap cap) { mStyle.cap = cap; }
-    LineJoin lineJoin() const { return mStyle.join; }
-    void setLineJoin(LineJoin join) { mStyle.join = join; }
-    float miterLimit() const { return mStyle.miterLimit; }
-    void setMiterLimit(float limit) { mStyle.miterLimit = limit; }
+    const LineStyle& lineStyle() const;
+    void setLineStyle(const LineStyle& style) { ownStyle() = style; }
+    float lineWidth() const { return lineStyle().width; }
+    void setLineWidth(float width) { ownStyle().width = width; }
+    LineCap lineCap() const { return lineStyle().cap; }
+    void setLineCap(LineCap cap) { ownStyle().cap = cap; }
+    LineJoin lineJoin() const { return lineStyle().join; }
+    void setLineJoin(LineJoin join) { ownStyle().join = join; }
+    float miterLimit() const { return lineStyle().miterLimit; }
+    void setMiterLimit(float limit) { ownStyle().miterLimit = limit; }
     /// `count` alternating on and off lengths; 0 means solid.
     void setLineDash(const float* lengths, int count, float phase);
     float flatness() const { return mFlatness; }
@@ -153,20 +156,19 @@ public:
     std::string description() const override;
 
 private:
-    std::vector<PathElementKind> mKinds;
-    std::vector<Point> mPoints;
-    LineStyle mStyle;
-    float mFlatness = defaultFlatness;
-    WindingRule mWindingRule = WindingRule::NonZero;
+    void copyStyle(const Path&);
+    LineStyle& ownStyle();
     void append(PathElementKind, std::initializer_list<Point>);
 
-    static constexpr std::size_t indexStride = 16;
-    std::vector<std::size_t> mPointIndex; ///< index in mPoints of the points of every 16th element
-    std::size_t mSubpathStart = 0; ///< index in mPoints of the first point of the current sub-path
+    PathStore mElements;
+    std::unique_ptr<LineStyle> mStyle; ///< null for the default
+    float mFlatness = defaultFlatness;
+    WindingRule mWindingRule = WindingRule::NonZero;
+    std::uint32_t mSubpathStart = 0; ///< index of the first point of the current sub-path
 
     // Bounds of the finite points among the first mMeasured points; points appended later are added on
     // demand.
-    mutable std::size_t mMeasured = 0;
+    mutable std::uint32_t mMeasured = 0;
     mutable Point mLeast, mMost;
 };
 

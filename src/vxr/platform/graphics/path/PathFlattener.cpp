@@ -46,16 +46,13 @@ private:
 
 std::shared_ptr<Path> Path::bezierPathByFlatteningPath() const
 {
-    const auto curves
-        = static_cast<std::size_t>(std::count(mKinds.begin(), mKinds.end(), PathElementKind::CurveTo));
+    const auto curves = static_cast<std::size_t>(std::ranges::count(kinds(), PathElementKind::CurveTo));
     if (curves == 0)
         return copy();
 
     auto flat = path();
-    flat->mStyle = mStyle;
-    flat->mFlatness = mFlatness;
-    flat->mWindingRule = mWindingRule;
-    flat->reserve(mKinds.size() + 4 * curves);
+    flat->copyStyle(*this);
+    flat->reserve(elementCount() + 4 * curves);
     visit(FlatCopy(*flat, mFlatness));
     return flat;
 }

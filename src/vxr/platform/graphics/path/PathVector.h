@@ -52,13 +52,6 @@ constexpr Vec2 leftNormal(Vec2 direction) { return { -direction.y, direction.x }
 
 inline bool isFinite(Point p) { return std::isfinite(p.x) && std::isfinite(p.y); }
 
-/// The number of points of an element.
-constexpr std::size_t pathPointCount(PathElementKind kind)
-{
-    constexpr std::size_t counts[] = { 1, 1, 3, 0 };
-    return counts[static_cast<std::size_t>(kind)];
-}
-
 struct Cubic {
     Vec2 start, control1, control2, end;
 
