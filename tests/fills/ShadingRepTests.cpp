@@ -3,6 +3,8 @@
 #include <vxr/fills/VXRShadingRepCache.h>
 #include <vxr/platform/graphics/Image.h>
 
+#include <tests/support/PictureCompare.h>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -10,6 +12,7 @@
 #include <random>
 
 using namespace vxr;
+using namespace vxr::test;
 using ::testing::ElementsAre;
 
 namespace {
@@ -171,13 +174,16 @@ TEST(ShadingRepCache, KeepsThe64ThatWereUsedLast)
 TEST(ShadingRepCache, RampsPushedOutWaitWithinALimitOfBytes)
 {
     VXRShadingRepCache cache;
-    cache.setFinishedByteLimit(20 * VXRShadingRep::bytes);
+    constexpr std::size_t limit = 20 * VXRShadingRep::bytes + (std::size_t { 1 } << 17);
+    cache.setFinishedByteLimit(limit);
     std::vector<std::shared_ptr<VXRShadingRep>> reps;
     for (int number = 0; number < 100; ++number) {
         reps.push_back(grayRep(number));
+        reps.back()->update();
         cache.addShadingRep(reps.back());
     }
-    EXPECT_EQ(cache.finishedBytes(), 20 * VXRShadingRep::bytes);
+    EXPECT_LE(cache.finishedBytes(), limit);
+    EXPECT_GE(cache.finishedBytes(), 20 * VXRShadingRep::bytes);
     for (int number = 0; number < 100; ++number) {
         const auto equal = grayRep(number);
         const bool waits = number >= 16 && number < 36; // 36 went, 20 of them are kept
@@ -191,6 +197,61 @@ TEST(ShadingRepCache, RampsPushedOutWaitWithinALimitOfBytes)
     EXPECT_EQ(cache.finishedBytes(), 0u);
     cache.addShadingRep(grayRep(201));
     EXPECT_EQ(cache.finishedBytes(), 0u);
+}
+
+/// What a ramp is drawn as without its pixels is what its pixels show.
+TEST(ShadingRep, DrawnAsABlendItShowsItsPixels)
+{
+    const AffineTransform places[]
+        = { { 0.09f, 0, 0, 0.4f, 3, 4 }, { 0.05f, 0.04f, -0.2f, 0.3f, 30.3f, 5.7f },
+              { 2.9f, 0, 0, 5, -300, -200 }, { -0.12f, 0, 0, -0.6f, 70.5f, 81 },
+              { 0, 0.11f, -0.5f, 0, 70, 4.25f }, { 0.7f, 0, 0, 0.9f, -100, 0 }, { 1, 0, 0, 1, 0, 0 } };
+    const RGBA ends[][2]
+        = { { { 1, 0.4f, 0, 1 }, { 0, 0.5f, 0.2f, 1 } }, { { 1, 1, 0, 0.2f }, { 0, 0, 1, 0.9f } },
+              { { 0.5f, 0.5f, 0.5f, 1 }, { 0.52f, 0.51f, 0.5f, 1 } }, { { 1, 1, 1, 0 }, { 0, 0, 0, 1 } } };
+    for (const auto& [start, end] : ends) {
+        const auto plain = repOf(start, end);
+        plain->update();
+        const auto shared = VXRShadingRep::shadingWithStartEnd(colorOf(start), colorOf(end));
+        for (const AffineTransform& place : places) {
+            const auto drawn = [&](const Image& image) {
+                const auto bitmap = BitmapContext::createBitmap(90, 90);
+                bitmap->concatTransform(place);
+                bitmap->drawImage({ 0, 0, 512, 128 }, image);
+                return pictureOf(*bitmap);
+            };
+            const Picture blend = drawn(*shared->imageRef()), pixels = drawn(*plain->imageRef());
+            EXPECT_LE(compare(blend, pixels).largest, 2) << place.m11 << " " << start[3];
+            // What the dithers differ by is nothing on the whole.
+            double sum = 0;
+            for (std::size_t i = 0; i < blend.pixels.size(); ++i)
+                for (int shift = 0; shift < 32; shift += 8)
+                    sum += double(blend.pixels[i] >> shift & 0xff) - double(pixels.pixels[i] >> shift & 0xff);
+            EXPECT_LT(std::abs(sum) / (90 * 90 * 4), 0.1) << place.m11 << " " << start[3];
+        }
+    }
+}
+
+/// A page with more gradients than the list holds has none of them computed twice, and those that are drawn
+/// small never.
+TEST(ShadingRepCache, RampsAreComputedWhenTheirPixelsAreNeeded)
+{
+    const auto start = Color::colorWithCalibratedRGB(0.125f, 0.5f, 0.75f), end = Color::blackColor();
+    const auto rep = VXRShadingRep::shadingWithStartEnd(start, end);
+    const std::size_t without = rep->byteSize();
+    EXPECT_LT(without, 1000u);
+    const auto bitmap = BitmapContext::createBitmap(50, 50);
+    bitmap->drawImage({ 0, 0, 50, 50 }, *rep->imageRef());
+    EXPECT_EQ(rep->byteSize(), without);
+    const std::uint8_t* pixels = rep->imageRef()->pixels();
+    EXPECT_EQ(rep->byteSize(), without + VXRShadingRep::bytes);
+    for (int i = 0; i < 100; ++i)
+        VXRShadingRep::shadingWithStartEnd(Color::colorWithCalibratedRGB(float(i) / 128, 0, 0), end);
+    const auto again = VXRShadingRep::shadingWithStartEnd(start, end);
+    EXPECT_EQ(again, rep);
+    EXPECT_EQ(again->imageRef()->pixels(), pixels);
+    const auto expected = expectedRamp({ 0.125f, 0.5f, 0.75f, 1 }, { 0, 0, 0, 1 });
+    EXPECT_TRUE(std::equal(expected.begin(), expected.end(), pixels));
 }
 
 TEST(ShadingRepCache, EqualColoursShareOneRamp)

@@ -4,10 +4,10 @@
 #include <vxr/fills/VXRShadingRepCache.h>
 #include <vxr/geometry/VXRColorUtilities.h>
 #include <vxr/platform/base/Exceptions.h>
-#include <vxr/platform/graphics/Image.h>
 #include <vxr/platform/graphics/pixels/ErrorDiffusion.h>
 
 #include <algorithm>
+#include <array>
 
 namespace vxr {
 
@@ -15,6 +15,27 @@ namespace {
 
 /// The position of a column between the colours. The last column does not reach the end colour.
 constexpr float fractionOfColumn(int x) { return static_cast<float>(x) * 0.001953125f; }
+
+constexpr int channelCount = 4;
+
+/// Alpha, red, green, blue.
+std::array<std::uint16_t, channelCount> channelsOf(const VXRColorRGB64& color)
+{
+    std::array<std::uint16_t, channelCount> c {};
+    color.getRedGreenBlueAlpha(&c[1], &c[2], &c[3], &c[0]);
+    return c;
+}
+
+/// What every row of a ramp is in 16 bits.
+std::vector<std::uint16_t> rampRow(const VXRColorRGB64& start, const VXRColorRGB64& end)
+{
+    std::vector<std::uint16_t> row;
+    row.reserve(std::size_t { VXRShadingRep::width } * channelCount);
+    for (int x = 0; x < VXRShadingRep::width; ++x)
+        for (const std::uint16_t value : channelsOf(start.blended(fractionOfColumn(x), end)))
+            row.push_back(value);
+    return row;
+}
 
 std::uint8_t byteOf(float component)
 {
@@ -27,7 +48,6 @@ std::uint8_t byteOf(float component)
 VXRShadingRep::VXRShadingRep()
     : _startColor(Color::whiteColor())
     , _endColor(Color::blackColor())
-    , _data(std::make_shared<std::vector<std::uint8_t>>(valueCount))
 {
 }
 
@@ -48,28 +68,42 @@ std::shared_ptr<VXRShadingRep> VXRShadingRep::shadingWithStartEnd(
     auto made = std::make_shared<VXRShadingRep>();
     made->setStartColor(start);
     made->setEndColor(end);
-    made->update();
+    made->makeImageForDrawing();
     cache.addShadingRep(made);
     return made;
 }
 
 void VXRShadingRep::update()
 {
-    _bigData.assign(std::size_t { width } * channels, 0);
     _buildBitmapRepresentation64();
     _bigData = {};
 }
 
 void VXRShadingRep::_buildBitmapRepresentation64()
 {
-    const VXRColorRGB64 start(*_startColor), end(*_endColor);
-    for (int x = 0; x < width; ++x) {
-        const VXRColorRGB64 color = start.blended(fractionOfColumn(x), end);
-        std::uint16_t* pixel = &_bigData[static_cast<std::size_t>(x) * channels];
-        color.getRedGreenBlueAlpha(pixel + 1, pixel + 2, pixel + 3, pixel);
-    }
+    _bigData = rampRow(VXRColorRGB64(*_startColor), VXRColorRGB64(*_endColor));
     _errorDither();
-    makeImage();
+    _imageRef = Image::create(layout(), _data->data(), _data->size(), _data);
+}
+
+/// The ramp of the present colours, dithered where its pixels are asked for.
+void VXRShadingRep::makeImageForDrawing()
+{
+    const VXRColorRGB64 start(*_startColor), end(*_endColor);
+    mMadeForImage = std::make_shared<std::size_t>(0);
+    _imageRef = Image::createWithBlend(
+        layout(), { channelsOf(start), channelsOf(end) }, [start, end, made = mMadeForImage] {
+            const std::shared_ptr<std::uint8_t[]> pixels
+                = std::make_shared_for_overwrite<std::uint8_t[]>(bytes);
+            diffuseErrors(rampRow(start, end).data(), width, height, pixels.get());
+            *made += bytes;
+            return std::shared_ptr<const std::uint8_t>(pixels, pixels.get());
+        });
+}
+
+std::size_t VXRShadingRep::byteSize() const
+{
+    return sizeof *this + (_data ? _data->size() : 0) + (mMadeForImage ? *mMadeForImage : 0);
 }
 
 void VXRShadingRep::_errorDither()
@@ -91,17 +125,17 @@ void VXRShadingRep::_buildBitmapRepresentation32()
         for (int y = 0; y < height; ++y)
             std::copy_n(pixel, channels, _data->begin() + (y * width + x) * channels);
     }
-    makeImage();
+    _imageRef = Image::create(layout(), _data->data(), _data->size(), _data);
 }
 
 /// An image made earlier keeps its own pixels.
 void VXRShadingRep::renewData()
 {
-    if (_data.use_count() > 1)
+    if (!_data || _data.use_count() > 1)
         _data = std::make_shared<std::vector<std::uint8_t>>(valueCount);
 }
 
-void VXRShadingRep::makeImage()
+ImageLayout VXRShadingRep::layout() const
 {
     const bool opaque = _startColor->alphaComponent() == 1 && _endColor->alphaComponent() == 1;
     ImageLayout layout;
@@ -111,7 +145,7 @@ void VXRShadingRep::makeImage()
     layout.alpha = opaque ? AlphaFormat::NoneSkipFirst : AlphaFormat::First;
     layout.space = VXRGenericRGBColorSpace();
     layout.smooth = true;
-    _imageRef = Image::create(layout, _data->data(), _data->size(), _data);
+    return layout;
 }
 
 } // namespace vxr

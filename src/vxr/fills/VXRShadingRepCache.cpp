@@ -52,7 +52,11 @@ void VXRShadingRepCache::addShadingRep(std::shared_ptr<VXRShadingRep> rep)
 void VXRShadingRepCache::keepFinished(std::shared_ptr<VXRShadingRep> rep)
 {
     const std::size_t hash = hashOf(*rep->startColor(), *rep->endColor());
-    mFinished.push_front({ hash, std::move(rep) });
+    // The ramp's own node, its colours and its image's record count too.
+    constexpr std::size_t besides = 512;
+    const std::size_t bytes = rep->byteSize() + besides;
+    mFinished.push_front({ hash, bytes, std::move(rep) });
+    mFinishedBytes += bytes;
     mFinishedByColors.emplace(hash, mFinished.begin());
     dropFinishedBeyondLimit();
 }
@@ -67,6 +71,7 @@ std::shared_ptr<VXRShadingRep> VXRShadingRepCache::takeFinished(const Color& sta
     if (found == last)
         return nullptr;
     auto rep = std::move(found->second->rep);
+    mFinishedBytes -= found->second->bytes;
     mFinished.erase(found->second);
     mFinishedByColors.erase(found);
     return rep;
@@ -85,6 +90,7 @@ void VXRShadingRepCache::dropFinishedBeyondLimit()
         const auto [first, last] = mFinishedByColors.equal_range(oldest->hash);
         mFinishedByColors.erase(
             std::find_if(first, last, [&](const auto& entry) { return entry.second == oldest; }));
+        mFinishedBytes -= oldest->bytes;
         mFinished.erase(oldest);
     }
 }

@@ -30,11 +30,12 @@ public:
     std::shared_ptr<VXRShadingRep> takeFinished(const Color& start, const Color& end);
     /// Limits the size of the finished ramps; the oldest are freed first. 0 keeps none.
     void setFinishedByteLimit(std::size_t bytes);
-    std::size_t finishedBytes() const { return mFinished.size() * VXRShadingRep::bytes; }
+    std::size_t finishedBytes() const { return mFinishedBytes; }
 
 private:
     struct Entry {
         std::size_t hash; ///< hash of the two colours
+        std::size_t bytes;
         std::shared_ptr<VXRShadingRep> rep;
     };
     using Finished = std::list<Entry>; ///< most recently added in front
@@ -45,7 +46,8 @@ private:
     std::vector<std::shared_ptr<VXRShadingRep>> _cachedShadings;
     Finished mFinished;
     std::unordered_multimap<std::size_t, Finished::iterator> mFinishedByColors;
-    std::size_t mFinishedByteLimit = std::size_t { 288 } << 20; ///< slightly more than 1,000 ramps
+    std::size_t mFinishedBytes = 0;
+    std::size_t mFinishedByteLimit = std::size_t { 288 } << 20; ///< 1,000 ramps with pixels
 };
 
 } // namespace vxr

@@ -1,5 +1,6 @@
 #include <vxr/platform/graphics/ImageImpl.h>
 
+#include <algorithm>
 #include <cstring>
 
 namespace vxr {
@@ -37,11 +38,21 @@ bool isPossibleLayout(const ImageLayout& layout, std::size_t size)
 Image::Impl::Impl(
     const ImageLayout& imageLayout, const std::uint8_t* imagePixels, std::shared_ptr<const void> pixelOwner)
     : layout(imageLayout)
-    , pixels(imagePixels)
-    , owner(std::move(pixelOwner))
     , sourceWidth(imageLayout.width)
     , sourceHeight(imageLayout.height)
+    , mPixels(imagePixels)
+    , mOwner(std::move(pixelOwner))
 {
+}
+
+const std::uint8_t* Image::Impl::bytes()
+{
+    if (!mPixels && makePixels) {
+        const auto made = makePixels();
+        mPixels = made.get();
+        mOwner = made;
+    }
+    return mPixels;
 }
 
 Image::Image(std::unique_ptr<Impl> impl)
@@ -82,13 +93,24 @@ std::shared_ptr<const Image> Image::createWithJPEG(const ImageLayout& layout, co
     return image;
 }
 
+std::shared_ptr<const Image> Image::createWithBlend(const ImageLayout& layout, const ImageBlend& blend,
+    std::function<std::shared_ptr<const std::uint8_t>()> makePixels)
+{
+    if (!isPossibleLayout(layout, layout.bytesPerRow * static_cast<std::size_t>(std::max(layout.height, 0))))
+        return nullptr;
+    auto impl = std::make_unique<Impl>(layout, nullptr, nullptr);
+    impl->blend = blend;
+    impl->makePixels = std::move(makePixels);
+    return std::make_shared<Image>(std::move(impl));
+}
+
 int Image::width() const { return mImpl->layout.width; }
 
 int Image::height() const { return mImpl->layout.height; }
 
 const ImageLayout& Image::layout() const { return mImpl->layout; }
 
-const std::uint8_t* Image::pixels() const { return mImpl->pixels; }
+const std::uint8_t* Image::pixels() const { return mImpl->bytes(); }
 
 bool Image::isOpaque() const
 {

@@ -3,8 +3,11 @@
 #include <vxr/platform/graphics/color/ColorSpace.h>
 #include <vxr/platform/graphics/values/Geometry.h>
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
+#include <memory>
 #include <string>
 
 namespace vxr {
@@ -42,6 +45,12 @@ struct ImageLayout {
     VXR_EXPORT static ImageLayout nativeARGB(int width, int height, std::size_t bytesPerRow);
 };
 
+/// A horizontal blend of two colours: column x of an image is start + (end - start) x / width. Components are
+/// alpha, red, green, blue, not premultiplied; 65535 is full.
+struct ImageBlend {
+    std::array<std::uint16_t, 4> start {}, end {};
+};
+
 /// Immutable pixels, first row on top. They are converted for the output once, on the first draw or by
 /// `prepare`, and the converted form is kept; later draws copy and convert nothing.
 class VXR_EXPORT Image final : public Object, public std::enable_shared_from_this<Image> {
@@ -56,6 +65,10 @@ public:
     /// Like `create`, with the JPEG file the pixels were decoded from: a document embeds it unchanged.
     static std::shared_ptr<const Image> createWithJPEG(const ImageLayout&, const void* pixels,
         std::size_t size, std::shared_ptr<const void> owner, std::shared_ptr<const Data> jpeg);
+    /// An image whose rows all dither the same blend. Engines that can draw the blend itself do so; `makePixels`
+    /// is called when the pixels are first needed.
+    static std::shared_ptr<const Image> createWithBlend(const ImageLayout&, const ImageBlend&,
+        std::function<std::shared_ptr<const std::uint8_t>()> makePixels);
     /// Decodes a PNG file. Null, with a reason in `error`, if it cannot be read.
     static std::shared_ptr<const Image> createWithPNGFile(
         const std::string& path, std::string* error = nullptr);

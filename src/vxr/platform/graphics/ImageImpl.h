@@ -4,6 +4,7 @@
 #include <vxr/platform/graphics/Image.h>
 
 #include <cstddef>
+#include <optional>
 
 namespace vxr {
 
@@ -24,19 +25,23 @@ struct Image::Impl {
     Impl& operator=(const Impl&) = delete;
 
     ImageLayout layout;
-    const std::uint8_t* pixels;
-    std::shared_ptr<const void> owner;
+    std::optional<ImageBlend> blend; ///< that every row dithers
+    std::function<std::shared_ptr<const std::uint8_t>()> makePixels; ///< or none
     EngineCaches caches;
     std::shared_ptr<const Data> jpeg; ///< embedded in documents in place of the pixels; may be null
     std::shared_ptr<const Image> half; ///< created when first needed
     int halvings = 0;
     int sourceWidth, sourceHeight; ///< before halving
 
+    const std::uint8_t* bytes(); ///< as given, or made on the first call
+
     /// Converted on the first call and kept; pixels already in that form are used in place. Null if memory
     /// runs out: then nothing is drawn.
     const NativePixels* native();
 
 private:
+    const std::uint8_t* mPixels;
+    std::shared_ptr<const void> mOwner;
     NativePixels mNative;
 };
 

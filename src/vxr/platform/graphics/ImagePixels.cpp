@@ -178,6 +178,9 @@ const NativePixels* Image::Impl::native()
     if (mNative.pixels)
         return &mNative;
     const bool opaque = !hasAlpha(layout.alpha);
+    // Pixels that are made only for this form are not kept beside it.
+    const std::shared_ptr<const void> owner = mPixels || !makePixels ? mOwner : makePixels();
+    const std::uint8_t* pixels = mPixels ? mPixels : static_cast<const std::uint8_t*>(owner.get());
     if (isNativeForm(layout, pixels)) {
         mNative = { reinterpret_cast<const std::uint32_t*>(pixels), layout.width, layout.height,
             static_cast<std::ptrdiff_t>(layout.bytesPerRow / 4), opaque, owner };

@@ -92,7 +92,7 @@ bool Image::writePNG(const std::string& path, std::string* error) const
     const std::size_t rowSize = static_cast<std::size_t>(layout.width) * 4;
     std::vector<std::uint8_t> rgba(rowSize * static_cast<std::size_t>(layout.height));
     for (int y = 0; y < layout.height; ++y)
-        readStraightRow(layout, mImpl->pixels, y, rgba.data() + rowSize * static_cast<std::size_t>(y));
+        readStraightRow(layout, mImpl->bytes(), y, rgba.data() + rowSize * static_cast<std::size_t>(y));
 
     PNGSession session;
     session.image.width = static_cast<png_uint_32>(layout.width);

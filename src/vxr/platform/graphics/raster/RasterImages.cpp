@@ -2,7 +2,10 @@
 #include <vxr/platform/graphics/Shading.h>
 #include <vxr/platform/graphics/pixels/GradientSpans.h>
 #include <vxr/platform/graphics/pixels/ImageSampler.h>
+#include <vxr/platform/graphics/raster/BlendSource.h>
 #include <vxr/platform/graphics/raster/RasterEngine.h>
+
+#include <optional>
 
 namespace vxr {
 
@@ -149,22 +152,30 @@ void RasterEngine::drawImage(const Rect& rect, const Image& image)
     if (!canDraw())
         return;
     DeviceMatrix toDevice = imageMatrix(rect, image, matrix());
-    const NativePixels* native = isUsable(toDevice) ? image.impl().native() : nullptr;
-    if (!native)
+    if (!isUsable(toDevice))
+        return;
+    const bool exact = snapToPixels(toDevice, image.width(), image.height());
+    const ImageBlend* const blend = exact ? nullptr : blendToPaint(image, toDevice);
+    const NativePixels* const native = blend ? nullptr : image.impl().native();
+    if (!blend && !native)
         return;
     if (state.castsShadow())
         return drawWithShadow([&] { drawImage(rect, image); });
-    const bool exact = snapToPixels(toDevice, image.width(), image.height());
     const Rect pixels(0, 0, static_cast<float>(image.width()), static_cast<float>(image.height()));
     mRaster.start(mClip.box, state.antialias);
     const auto upright = uprightBox(pixels, toDevice);
     if (!upright)
         OutlineFeeder(toDevice, tolerance(), mRaster).addRect(pixels);
-    ImageSource source(*native, toDevice, exact ? Sampling::Nearest : samplingFor(image, state.quality));
-    if (source.isEmpty())
+    std::optional<ImageSource> imageSource;
+    std::optional<BlendSource> blendSource;
+    if (blend)
+        blendSource.emplace(*blend, image.width(), toDevice);
+    else
+        imageSource.emplace(*native, toDevice, exact ? Sampling::Nearest : samplingFor(image, state.quality));
+    if (imageSource && imageSource->isEmpty())
         return;
     startPainting(state.operation);
-    mPainter.setSource(source, fadeOf(state.alpha));
+    mPainter.setSource(blend ? static_cast<SpanSource&>(*blendSource) : *imageSource, fadeOf(state.alpha));
     if (upright) {
         mRaster.fillBox(*upright, mPainter);
         noteInk(mRaster.boxOf(*upright));
