@@ -7,7 +7,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <random>
 #include <string>
+#include <vector>
 
 using namespace vxr;
 using ::testing::ElementsAre;
@@ -61,6 +64,37 @@ TEST(MutableDictionary, TellsEqualKeysApartByIdentity)
     order.removeObjectForKey(one);
     EXPECT_EQ(order.count(), 1u);
     EXPECT_EQ(order.objectForKey(one), nullptr);
+}
+
+TEST(MutablePointerSet, IsWhatAListOfItsMembersWouldBe)
+{
+    std::mt19937 random(8);
+    std::vector<double> objects(300);
+    std::vector<double*> members;
+    VXUMutablePointerSet<double> set;
+    for (int step = 0; step < 20000; ++step) {
+        // Now more are added, now more removed.
+        const bool adds = int(random() % 10) < (step / 2000 % 2 ? 3 : 7);
+        double& object = objects[random() % objects.size()];
+        const auto found = std::find(members.begin(), members.end(), &object);
+        ASSERT_EQ(set.containsObject(object), found != members.end());
+        if (adds) {
+            ASSERT_EQ(set.addObject(object), found == members.end());
+            if (found == members.end())
+                members.push_back(&object);
+        } else {
+            ASSERT_EQ(set.removeObject(object), found != members.end());
+            if (found != members.end())
+                members.erase(found);
+        }
+        ASSERT_EQ(set.count(), members.size());
+        if (step % 100 == 0) {
+            ASSERT_EQ(set.allObjects(), members) << step;
+        }
+    }
+    set.removeAllObjects();
+    EXPECT_FALSE(set.containsObject(objects[0]));
+    EXPECT_TRUE(set.addObject(objects[0]));
 }
 
 TEST(MutablePointerSet, KeepsTheOrderOfAddingThroughRemovals)

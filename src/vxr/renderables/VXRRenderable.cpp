@@ -21,12 +21,34 @@ VXRRenderable::VXRRenderable() = default;
 
 VXRRenderable::~VXRRenderable()
 {
-    mFollowers.reset();
+    if (mRare)
+        mRare->followers.reset();
     if (mCanvas)
         mCanvas->unregisterRenderable(*this);
-    const auto sets = std::move(mTextureSets);
+    if (!mRare)
+        return;
+    const auto sets = std::move(mRare->textureSets);
     for (VXRTextureSet* set : sets)
         set->removeRenderable(*this);
+}
+
+VXRRenderable::Rare& VXRRenderable::rare() const
+{
+    if (!mRare)
+        mRare = std::make_unique<Rare>();
+    return *mRare;
+}
+
+void VXRRenderable::setClipRect(const Rect& rect)
+{
+    if (rect != clipRect())
+        rare().clipRect = rect;
+}
+
+void VXRRenderable::forgetTextureSession()
+{
+    if (mRare)
+        mRare->textureSession = nullptr;
 }
 
 // State.
@@ -38,8 +60,8 @@ void VXRRenderable::setCanvas(VXRCanvasRole* newCanvas)
     if (mCanvas)
         mCanvas->unregisterRenderable(*this);
     mCanvas = newCanvas;
-    if (mLayer)
-        mLayer->clearTextures();
+    if (VXRRenderableLayer* present = presentLayer())
+        present->clearTextures();
     if (mCanvas)
         mCanvas->registerRenderable(*this);
 }
@@ -63,7 +85,7 @@ void VXRRenderable::setShadow(std::shared_ptr<VXRShadow> newShadow)
         invalidateShadow();
     else
         autoErase();
-    mTextureSession = nullptr;
+    forgetTextureSession();
 }
 
 void VXRRenderable::setOpacity(float newOpacity)
@@ -311,9 +333,11 @@ std::shared_ptr<Path> VXRRenderable::pathWithRectUnderTransform(const Rect& rect
 
 const std::shared_ptr<VXRRenderableLayer>& VXRRenderable::layer() const
 {
-    if (!mLayer)
-        mLayer = const_cast<VXRRenderable*>(this)->makeLayer();
-    return mLayer;
+    if (!presentLayer()) {
+        auto made = const_cast<VXRRenderable*>(this)->makeLayer();
+        rare().layer = std::move(made);
+    }
+    return mRare->layer;
 }
 
 std::shared_ptr<VXRRenderableLayer> VXRRenderable::makeLayer()
@@ -323,14 +347,15 @@ std::shared_ptr<VXRRenderableLayer> VXRRenderable::makeLayer()
 
 /// A new layer is as invalid as can be, so there is no need to make one only to invalidate it, unless it
 /// would pass the news on to a hosted view.
-bool VXRRenderable::layerCanWait() const { return !mLayer && !view(); }
+bool VXRRenderable::layerCanWait() const { return !presentLayer() && !view(); }
 
 void VXRRenderable::setRenderingMode(int mode) { mRenderingMode = static_cast<std::int8_t>(mode); }
 
 void VXRRenderable::flushCompositorLayer()
 {
     willChangeGraphicsContext();
-    mLayer = nullptr;
+    if (mRare)
+        mRare->layer = nullptr;
 }
 
 // Followers.
@@ -339,21 +364,22 @@ unsigned VXRRenderable::followRound() { return RenderableFollowers::round(); }
 
 void VXRRenderable::addFollower(VXRRenderableFollower& follower)
 {
-    if (!mFollowers)
-        mFollowers = std::make_unique<RenderableFollowers>(*this);
-    mFollowers->add(follower);
+    auto& followers = rare().followers;
+    if (!followers)
+        followers = std::make_unique<RenderableFollowers>(*this);
+    followers->add(follower);
 }
 
 void VXRRenderable::removeFollower(VXRRenderableFollower& follower)
 {
-    if (mFollowers)
-        mFollowers->remove(follower);
+    if (mRare && mRare->followers)
+        mRare->followers->remove(follower);
 }
 
 void VXRRenderable::outlineDidChange()
 {
-    if (mFollowers)
-        mFollowers->tellOfChange();
+    if (mRare && mRare->followers)
+        mRare->followers->tellOfChange();
 }
 
 // Damage.
@@ -377,7 +403,7 @@ void VXRRenderable::invalidate()
     if (mCanvas && mCanvas->usesCompositor()) {
         if (!layerCanWait())
             layer()->invalidateLayer();
-        mTextureSession = nullptr;
+        forgetTextureSession();
     }
     if (mCanvas)
         mCanvas->invalidateRenderable(*this);
@@ -466,7 +492,8 @@ void VXRRenderable::renderLayeredIntoContext(Context& context)
         VXRRenderable& renderable;
         ~ModeReset() { renderable.setRenderingMode(VXRRenderingModeNone); }
     } reset { *this };
-    if (mLayer && mLayer->hasMixedContent() && shadow()) {
+    const VXRRenderableLayer* const present = presentLayer();
+    if (present && present->hasMixedContent() && shadow()) {
         renderPass(context, VXRRenderingModeShadowless);
         renderPass(context, VXRRenderingModeShadowed);
     } else {
@@ -575,13 +602,13 @@ void VXRRenderable::_blitShadow()
 
 std::shared_ptr<VXRTextureSet> VXRRenderable::texture(VXXTextureSession* session)
 {
-    if (session != mTextureSession) {
-        mTextureSession = session;
-        mTexture
+    if (session != (mRare ? mRare->textureSession : nullptr)) {
+        rare().textureSession = session;
+        mRare->texture
             = VXRTextureSet::initWithSessionAllowActiveCollapseFinalTextureSource(session, false, nullptr);
-        mTexture->addRenderableZOrderChunkStage(*this, 0, 0);
+        mRare->texture->addRenderableZOrderChunkStage(*this, 0, 0);
     }
-    return mTexture;
+    return mRare ? mRare->texture : nullptr;
 }
 
 } // namespace vxr

@@ -43,7 +43,7 @@ public:
     virtual void setCanvas(VXRCanvasRole*); ///< registers with the new canvas; erases nothing
     /// Made on first use: most shapes that are only drawn directly never need one.
     const std::shared_ptr<VXRRenderableLayer>& layer() const;
-    bool hasLayer() const { return mLayer != nullptr; }
+    bool hasLayer() const { return presentLayer() != nullptr; }
     std::shared_ptr<VXRShadow> shadow() const override { return mShadow; }
     virtual void setShadow(std::shared_ptr<VXRShadow>); ///< the null shadow is stored as none
     bool hasShadow() const; ///< a shadow is set and is not the null shadow
@@ -62,9 +62,9 @@ public:
     virtual void setDynamicallyTransforming(bool); ///< turned off, invalidates
     bool dynamicallyTranslating() const { return mDynamicallyTranslating; }
     void setDynamicallyTranslating(bool); ///< invalidates what a drag at a fractional zoom left behind
-    const Rect& clipRect() const { return mClipRect; } ///< the zero rectangle for none
-    void setClipRect(const Rect& rect) { mClipRect = rect; } ///< a plain store
-    bool hasClipRect() const { return mClipRect != Rect {}; }
+    Rect clipRect() const { return mRare ? mRare->clipRect : Rect {}; } ///< the zero rectangle for none
+    void setClipRect(const Rect&); ///< a plain store
+    bool hasClipRect() const { return clipRect() != Rect {}; }
 
     // Placement, each through `setTransform`.
     virtual void offsetBy(float dx, float dy);
@@ -167,32 +167,39 @@ private:
     void renderPass(Context& context, int mode);
     void drawTextures(const std::vector<VXRTexture*>&) const;
 
+    /// What most objects of a large page never have, since they are drawn directly or lie out of sight.
+    struct Rare {
+        std::shared_ptr<VXRRenderableLayer> layer;
+        Rect clipRect;
+        VXXTextureSession* textureSession = nullptr;
+        std::shared_ptr<VXRTextureSet> texture;
+        std::vector<VXRTextureSet*> textureSets; ///< all that hold this renderable
+        std::unique_ptr<RenderableFollowers> followers;
+    };
+    Rare& rare() const;
+    VXRRenderableLayer* presentLayer() const { return mRare ? mRare->layer.get() : nullptr; }
+    void forgetTextureSession();
+
     // What a canvas reads of every renderable at each redraw stands together in front.
     std::shared_ptr<VXRShadow> mShadow;
     mutable Rect mGeometricBounds;
     mutable Rect mAlignmentBounds;
     mutable float mPaintedOutset = 0; ///< valid with mAlignmentBounds
     mutable Point mPlaceOfBounds; ///< the translation under which mAlignmentBounds was computed
+    mutable std::uint32_t mIndexEntry
+        = UINT32_MAX; ///< in the index of the canvas; it knows whether to trust it
+    VXRCanvasRole* mCanvas = nullptr;
+    mutable std::unique_ptr<Rare> mRare;
+    float mOpacity = 1;
+    AffineTransform mTransform;
+    Size mNaturalSize;
     mutable bool mGeometricBoundsInvalid = true;
     mutable bool mAlignmentBoundsInvalid = true;
     bool mAutoInvalidates = true;
     bool mDynamicallyTransforming = false;
-    mutable std::uint32_t mIndexEntry
-        = UINT32_MAX; ///< in the index of the canvas; it knows whether to trust it
-
-    VXRCanvasRole* mCanvas = nullptr;
-    mutable std::shared_ptr<VXRRenderableLayer> mLayer;
-    float mOpacity = 1;
-    AffineTransform mTransform;
-    Size mNaturalSize;
-    Rect mClipRect;
     bool mAllowsTiling = true;
     bool mDynamicallyTranslating = false;
     std::int8_t mRenderingMode = 0;
-    VXXTextureSession* mTextureSession = nullptr;
-    std::shared_ptr<VXRTextureSet> mTexture;
-    std::vector<VXRTextureSet*> mTextureSets; ///< all that hold this renderable
-    std::unique_ptr<RenderableFollowers> mFollowers; ///< most have none
 };
 
 } // namespace vxr

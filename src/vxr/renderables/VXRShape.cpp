@@ -41,6 +41,7 @@ void VXRShape::setPathPreserveOffset(std::shared_ptr<Path> newPath, bool preserv
         raiseAssertion("VXRShape", 81, "path must be non-nil");
     autoErase();
     mPath = std::move(newPath);
+    mPath->fit(); // a shape's path seldom grows
     const Point origin = mPath->bounds().origin;
     mPath->transformUsingAffineTransform(AffineTransform::makeTranslation(-origin.x, -origin.y));
     if (preserve)
@@ -121,13 +122,14 @@ Rect VXRShape::computeAlignmentBounds() const
     if (mStroke && !mInteriorStroke && mStroke->shouldRender()) {
         bounds = unionRect(bounds, mStroke->boundsOfStrokedPath(*path));
     }
-    if ((mTailLineEnd || mHeadLineEnd) && pathIsOpen()) {
-        if (mTailLineEnd)
+    const auto& [head, tail] = lineEnds();
+    if ((tail || head) && pathIsOpen()) {
+        if (tail)
             bounds = unionRect(
-                bounds, alignmentBoundsForLineEndAtPointAngle(mTailLineEnd.get(), tailPoint(), tailAngle()));
-        if (mHeadLineEnd)
+                bounds, alignmentBoundsForLineEndAtPointAngle(tail.get(), tailPoint(), tailAngle()));
+        if (head)
             bounds = unionRect(
-                bounds, alignmentBoundsForLineEndAtPointAngle(mHeadLineEnd.get(), headPoint(), headAngle()));
+                bounds, alignmentBoundsForLineEndAtPointAngle(head.get(), headPoint(), headAngle()));
     }
     return bounds;
 }
@@ -154,11 +156,12 @@ void VXRShape::renderIntoContext(Context& context)
         mFill->paintShape(*this);
     if (mStroke)
         mStroke->paintShape(*this);
-    if ((mTailLineEnd || mHeadLineEnd) && pathIsOpen()) {
-        if (mTailLineEnd)
-            renderLineEndStyleAtPointAngle(mTailLineEnd.get(), tailPoint(), tailAngle());
-        if (mHeadLineEnd)
-            renderLineEndStyleAtPointAngle(mHeadLineEnd.get(), headPoint(), headAngle());
+    const auto& [head, tail] = lineEnds();
+    if ((tail || head) && pathIsOpen()) {
+        if (tail)
+            renderLineEndStyleAtPointAngle(tail.get(), tailPoint(), tailAngle());
+        if (head)
+            renderLineEndStyleAtPointAngle(head.get(), headPoint(), headAngle());
     }
     if (mStrokeWhenBlackAndWhite && canvas() && canvas()->rendersBlackAndWhite()
         && !(mStroke && mStroke->shouldRender())) {
@@ -245,22 +248,31 @@ bool VXRShape::intersectsRect(const Rect& rect) const
 
 // Line ends of an open shape.
 
-void VXRShape::setLineEnd(std::shared_ptr<VXRLineEnd>& field, std::shared_ptr<VXRLineEnd> lineEnd)
+const VXRShape::LineEnds& VXRShape::lineEnds() const
+{
+    static const LineEnds none;
+    return mLineEnds ? *mLineEnds : none;
+}
+
+void VXRShape::setLineEnd(std::shared_ptr<VXRLineEnd> LineEnds::*which, std::shared_ptr<VXRLineEnd> lineEnd)
 {
     autoErase();
-    field = std::move(lineEnd);
+    if (!mLineEnds && lineEnd)
+        mLineEnds = std::make_unique<LineEnds>();
+    if (mLineEnds)
+        (*mLineEnds).*which = std::move(lineEnd);
     invalidateBoundingBox();
     autoInvalidate();
 }
 
 void VXRShape::setHeadLineEnd(std::shared_ptr<VXRLineEnd> lineEnd)
 {
-    setLineEnd(mHeadLineEnd, std::move(lineEnd));
+    setLineEnd(&LineEnds::head, std::move(lineEnd));
 }
 
 void VXRShape::setTailLineEnd(std::shared_ptr<VXRLineEnd> lineEnd)
 {
-    setLineEnd(mTailLineEnd, std::move(lineEnd));
+    setLineEnd(&LineEnds::tail, std::move(lineEnd));
 }
 
 bool VXRShape::pathIsOpen() const { return mPath && isOpen(*mPath); }

@@ -66,9 +66,9 @@ public:
     std::vector<VXRRenderableStyle> styles() const; ///< those that there are, the fill first
 
     // Line ends: the head sits at the end of an open path, the tail at its start.
-    const std::shared_ptr<VXRLineEnd>& headLineEnd() const { return mHeadLineEnd; }
+    const std::shared_ptr<VXRLineEnd>& headLineEnd() const { return lineEnds().head; }
     void setHeadLineEnd(std::shared_ptr<VXRLineEnd>); ///< may be none
-    const std::shared_ptr<VXRLineEnd>& tailLineEnd() const { return mTailLineEnd; }
+    const std::shared_ptr<VXRLineEnd>& tailLineEnd() const { return lineEnds().tail; }
     void setTailLineEnd(std::shared_ptr<VXRLineEnd>); ///< may be none
     bool pathIsOpen() const; ///< one sub-path whose ends differ; without one line ends are ignored
     Point headPoint() const;
@@ -111,15 +111,18 @@ protected:
     float strokeWidth() const; ///< 0 without a stroke
 
 private:
-    void setLineEnd(std::shared_ptr<VXRLineEnd>& field, std::shared_ptr<VXRLineEnd> lineEnd);
+    struct LineEnds {
+        std::shared_ptr<VXRLineEnd> head, tail;
+    };
+    const LineEnds& lineEnds() const;
+    void setLineEnd(std::shared_ptr<VXRLineEnd> LineEnds::*which, std::shared_ptr<VXRLineEnd> lineEnd);
 
     std::shared_ptr<Path> mPath;
     std::shared_ptr<VXRShapePainter> mFill;
     std::shared_ptr<VXRStroke> mStroke;
     bool mInteriorStroke = false;
     bool mStrokeWhenBlackAndWhite = false;
-    std::shared_ptr<VXRLineEnd> mHeadLineEnd;
-    std::shared_ptr<VXRLineEnd> mTailLineEnd;
+    std::unique_ptr<LineEnds> mLineEnds; ///< most shapes have none
 };
 
 } // namespace vxr

@@ -19,12 +19,12 @@ VXRTextureSet::VXRTextureSet(
     , mFinalTextureSource(finalTextureSource)
 {
     if (finalTextureSource)
-        finalTextureSource->mTextureSets.push_back(this);
+        finalTextureSource->rare().textureSets.push_back(this);
 }
 
 VXRTextureSet::~VXRTextureSet()
 {
-    const auto leave = [this](VXRRenderable& renderable) { std::erase(renderable.mTextureSets, this); };
+    const auto leave = [this](VXRRenderable& renderable) { std::erase(renderable.rare().textureSets, this); };
     for (const Entry& entry : mEntries)
         leave(*entry.renderable);
     if (mFinalTextureSource)
@@ -36,12 +36,12 @@ void VXRTextureSet::addRenderableZOrderChunkStage(VXRRenderable& renderable, int
     const auto above = std::upper_bound(mEntries.begin(), mEntries.end(), zOrder,
         [](int order, const Entry& entry) { return order < entry.zOrder; });
     mEntries.insert(above, { &renderable, zOrder, chunkStage });
-    renderable.mTextureSets.push_back(this);
+    renderable.rare().textureSets.push_back(this);
 }
 
 void VXRTextureSet::removeRenderable(VXRRenderable& renderable)
 {
-    std::erase(renderable.mTextureSets, this);
+    std::erase(renderable.rare().textureSets, this);
     std::erase_if(mEntries, [&](const Entry& entry) { return entry.renderable == &renderable; });
     if (mFinalTextureSource == &renderable)
         mFinalTextureSource = nullptr;

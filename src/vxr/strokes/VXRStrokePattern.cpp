@@ -51,11 +51,16 @@ VXRStrokePattern::VXRStrokePattern(const float* pattern, int count, float phase)
 
 void VXRStrokePattern::_setPatternCount(const float* pattern, int count)
 {
-    mCount = std::clamp(count, 0, capacity);
+    mCount = static_cast<std::int8_t>(std::clamp(count, 0, capacity));
     // The given array may be our own.
     if (mCount > 0 && pattern != mPattern)
         std::copy_n(pattern, mCount, mPattern);
     std::fill(mPattern + mCount, mPattern + capacity, 0.0f);
+}
+
+void VXRStrokePattern::_setPatternType(int type)
+{
+    mType = static_cast<std::int8_t>(std::clamp(type, -128, 127));
 }
 
 void VXRStrokePattern::applyToBezierPathLineWidth(Path& path, float lineWidth) const

@@ -3,6 +3,7 @@
 #include <vxr/platform/base/Object.h>
 #include <vxr/platform/graphics/path/Path.h>
 
+#include <cstdint>
 #include <memory>
 
 namespace vxr {
@@ -46,7 +47,7 @@ public:
 
     // For whoever makes patterns.
     void _setPatternCount(const float* pattern, int count);
-    void _setPatternType(int type) { mType = type; }
+    void _setPatternType(int type); ///< codes beyond a byte are clamped
 
 protected:
     // A subclass answers for its own class in both, so that copies and equality keep to it.
@@ -55,10 +56,11 @@ protected:
     virtual bool isOfReceiversClass(const Object& other) const;
 
 private:
+    // Every stroke has one: as small as can be.
     float mPattern[capacity] = {};
-    int mCount = 0;
     float mPhase = 0;
-    int mType = VXRStrokePatternDashed;
+    std::int8_t mCount = 0;
+    std::int8_t mType = VXRStrokePatternDashed; ///< unknown codes are kept
 };
 
 } // namespace vxr

@@ -36,6 +36,13 @@ std::uint64_t cellKey(int level, std::int64_t x, std::int64_t y)
 
 int levelOfKey(std::uint64_t key) { return int(key >> 58); }
 
+/// The cell that an object stands in.
+std::uint64_t keyOf(const Rect& bounds)
+{
+    const int level = levelOf(bounds);
+    return cellKey(level, cellOf(bounds.midX(), level), cellOf(bounds.midY(), level));
+}
+
 bool meet(const Rect& a, const Rect& b)
 {
     return a.minX() <= b.maxX() && b.minX() <= a.maxX() && a.minY() <= b.maxY() && b.minY() <= a.maxY();
@@ -53,8 +60,8 @@ RenderableIndex::~RenderableIndex() { forget(); }
 void RenderableIndex::forget()
 {
     for (const Entry& entry : mEntries)
-        if (entry.object)
-            entry.object->mIndexEntry = none;
+        if (VXRRenderable* object = objectOf(entry))
+            object->mIndexEntry = none;
     mObjects.clear();
     mEntryOfRank.clear();
     mEntries.clear();
@@ -64,6 +71,11 @@ void RenderableIndex::forget()
     mAlwaysFound.clear();
     mStale.clear();
     mVersion = 0;
+}
+
+VXRRenderable* RenderableIndex::objectOf(const Entry& entry) const
+{
+    return entry.tells ? mObjects[entry.rank] : nullptr;
 }
 
 // The list.
@@ -95,17 +107,25 @@ void RenderableIndex::update(const List& list, std::uint64_t version)
                 values.erase(from, from + std::ptrdiff_t(oldCount - newCount));
         };
         if (newCount != oldCount) {
-            replace(mObjects, static_cast<const VXRRenderable*>(nullptr));
+            replace(mObjects, static_cast<VXRRenderable*>(nullptr));
             replace(mEntryOfRank, none);
             for (std::size_t rank = newCount - back; rank < newCount; ++rank)
                 if (mEntryOfRank[rank] != none)
                     mEntries[mEntryOfRank[rank]].rank = std::uint32_t(rank);
         }
+        makeRoom(newCount);
         for (std::size_t rank = front; rank < newCount - back; ++rank)
             insert(std::uint32_t(rank), list[rank].get());
         mVersion = version;
     }
     refresh();
+}
+
+/// All at once for a page that comes as a whole.
+void RenderableIndex::makeRoom(std::size_t entries)
+{
+    if (entries > mEntries.capacity())
+        mEntries.reserve(std::max(entries, mEntries.capacity() + mEntries.capacity() / 2));
 }
 
 void RenderableIndex::insert(std::uint32_t rank, VXRRenderable* object)
@@ -127,7 +147,7 @@ void RenderableIndex::insert(std::uint32_t rank, VXRRenderable* object)
     const bool tells
         = object->canvas() == &mCanvas && object->mIndexEntry == none && object->tellsOfChangedBounds();
     if (tells) {
-        mEntries[entry].object = object;
+        mEntries[entry].tells = true;
         object->mIndexEntry = entry;
     }
     place(entry);
@@ -138,7 +158,7 @@ void RenderableIndex::erase(std::uint32_t entry)
     if (entry == none)
         return;
     unlink(entry);
-    if (VXRRenderable* object = mEntries[entry].object)
+    if (VXRRenderable* object = objectOf(mEntries[entry]))
         object->mIndexEntry = none;
     mEntries[entry] = {};
     mEntries[entry].next = std::exchange(mFirstFree, entry);
@@ -147,10 +167,10 @@ void RenderableIndex::erase(std::uint32_t entry)
 void RenderableIndex::remove(const VXRRenderable& object)
 {
     const std::uint32_t entry = std::exchange(object.mIndexEntry, none);
-    if (entry >= mEntries.size() || mEntries[entry].object != &object)
+    if (entry >= mEntries.size() || objectOf(mEntries[entry]) != &object)
         return;
     unlink(entry);
-    mEntries[entry].object = nullptr;
+    mEntries[entry].tells = false;
     // Another one may come to lie at the same address.
     mObjects[mEntries[entry].rank] = nullptr;
     place(entry);
@@ -164,15 +184,15 @@ bool RenderableIndex::mayLieInGrid(const Entry& entry) const
     const Rect& b = entry.bounds;
     const float reach
         = std::max({ std::abs(b.minX()), std::abs(b.maxX()), std::abs(b.minY()), std::abs(b.maxY()) });
-    return entry.object && reach < farthest && b.size.width >= 0 && b.size.height >= 0; // nothing is NaN
+    return entry.tells && reach < farthest && b.size.width >= 0 && b.size.height >= 0; // nothing is NaN
 }
 
 void RenderableIndex::place(std::uint32_t index)
 {
     Entry& entry = mEntries[index];
-    if (entry.object) {
-        entry.bounds = entry.object->hitBounds();
-        entry.hasShadow = entry.object->hasShadow();
+    if (const VXRRenderable* object = objectOf(entry)) {
+        entry.bounds = object->hitBounds();
+        entry.hasShadow = object->hasShadow();
     }
     entry.inGrid = mayLieInGrid(entry);
     if (!entry.inGrid) {
@@ -180,14 +200,13 @@ void RenderableIndex::place(std::uint32_t index)
         mAlwaysFound.push_back(index);
         return;
     }
-    const int level = levelOf(entry.bounds);
-    entry.cell = cellKey(level, cellOf(entry.bounds.midX(), level), cellOf(entry.bounds.midY(), level));
-    const auto [cell, isNew] = mCells.try_emplace(entry.cell, index);
+    const std::uint64_t key = keyOf(entry.bounds);
+    const auto [cell, isNew] = mCells.try_emplace(key, index);
     entry.next = isNew ? none : std::exchange(cell->second, index);
     entry.previous = none;
     if (entry.next != none)
         mEntries[entry.next].previous = index;
-    ++mCountAtLevel[std::size_t(level)];
+    ++mCountAtLevel[std::size_t(levelOfKey(key))];
 }
 
 void RenderableIndex::unlink(std::uint32_t index)
@@ -200,21 +219,22 @@ void RenderableIndex::unlink(std::uint32_t index)
         mAlwaysFound.pop_back();
         return;
     }
+    const std::uint64_t key = keyOf(entry.bounds);
     if (entry.next != none)
         mEntries[entry.next].previous = entry.previous;
     if (entry.previous != none)
         mEntries[entry.previous].next = entry.next;
     else if (entry.next != none)
-        mCells[entry.cell] = entry.next;
+        mCells[key] = entry.next;
     else
-        mCells.erase(entry.cell);
-    --mCountAtLevel[std::size_t(levelOfKey(entry.cell))];
+        mCells.erase(key);
+    --mCountAtLevel[std::size_t(levelOfKey(key))];
 }
 
 void RenderableIndex::boundsMayChange(const VXRRenderable& object)
 {
     const std::uint32_t index = object.mIndexEntry;
-    if (index >= mEntries.size() || mEntries[index].object != &object || mEntries[index].isStale)
+    if (index >= mEntries.size() || objectOf(mEntries[index]) != &object || mEntries[index].isStale)
         return;
     mEntries[index].isStale = true;
     mStale.push_back(index);
@@ -228,15 +248,15 @@ void RenderableIndex::refresh()
         mShadowChanges = VXRShadow::changeCount();
         mShadowTransform = transform;
         for (const Entry& entry : mEntries)
-            if (entry.hasShadow && entry.object)
-                boundsMayChange(*entry.object);
+            if (const VXRRenderable* object = entry.hasShadow ? objectOf(entry) : nullptr)
+                boundsMayChange(*object);
     }
     for (const std::uint32_t index : mStale) {
         Entry& entry = mEntries[index];
         if (!entry.isStale)
             continue; // freed meanwhile, and perhaps taken again
         entry.isStale = false;
-        if (!entry.object)
+        if (!entry.tells)
             continue;
         unlink(index);
         place(index);

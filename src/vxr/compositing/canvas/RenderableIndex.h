@@ -18,8 +18,7 @@ class VXRRenderable;
 ///
 /// Objects that tell their canvas of changed bounds stand in a grid with a level for each doubling of size,
 /// each in the one cell that holds its centre. All others are found every time: those of classes that do not
-/// tell
-/// (`VXRRenderable::tellsOfChangedBounds`), those on another canvas, those that the list names again.
+/// tell (`VXRRenderable::tellsOfChangedBounds`), those on another canvas, those that the list names again.
 class RenderableIndex {
 public:
     using List = std::vector<std::shared_ptr<VXRRenderable>>;
@@ -45,17 +44,18 @@ private:
     static constexpr int levels = 24;
 
     struct Entry {
-        VXRRenderable* object = nullptr; ///< none for a free entry, and for an object that left the canvas
-        Rect bounds;
-        std::uint64_t cell = 0;
+        Rect bounds; ///< as they were when it was placed
         std::uint32_t rank = 0; ///< place in the list
         std::uint32_t next = none, previous = none; ///< in the cell; `next` also chains free entries
+        bool tells = false; ///< not a free one, nor that of an object that left the canvas or must be asked
         bool inGrid = false;
         bool isStale = false;
         bool hasShadow = false;
     };
 
     bool isSame(std::size_t rank, const List&) const;
+    VXRRenderable* objectOf(const Entry&) const; ///< none unless it tells
+    void makeRoom(std::size_t entries);
     void insert(std::uint32_t rank, VXRRenderable*);
     void erase(std::uint32_t entry);
     void place(std::uint32_t entry);
@@ -66,7 +66,7 @@ private:
 
     const VXRCanvasRole& mCanvas;
     // By place in the list.
-    std::vector<const VXRRenderable*> mObjects;
+    std::vector<VXRRenderable*> mObjects;
     std::vector<std::uint32_t> mEntryOfRank;
 
     std::vector<Entry> mEntries;
