@@ -4,8 +4,8 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cstdio>
+#include <ctime>
 #include <map>
 #include <utility>
 #include <vector>
@@ -13,8 +13,6 @@
 namespace vxr::bench {
 
 namespace {
-
-using Clock = std::chrono::steady_clock;
 
 constexpr int rounds = 9;
 constexpr double roundSeconds = 0.03; ///< each side of each round runs at least this long
@@ -25,38 +23,40 @@ std::map<std::string, Target>& targets()
     return all;
 }
 
-double secondsFor(const Work& work, long calls)
+double now(TimeOf time)
 {
-    const auto start = Clock::now();
+    timespec t {};
+    clock_gettime(time == TimeOf::Processor ? CLOCK_PROCESS_CPUTIME_ID : CLOCK_MONOTONIC, &t);
+    return double(t.tv_sec) + double(t.tv_nsec) * 1e-9;
+}
+
+double secondsFor(const Work& work, long calls, TimeOf time)
+{
+    const double start = now(time);
     for (long i = 0; i < calls; ++i)
         work();
-    return std::chrono::duration<double>(Clock::now() - start).count();
+    return now(time) - start;
 }
 
 /// Doubles the number of calls until they fill a round. Warms caches up on the way.
-long callsPerRound(const Work& work)
+long callsPerRound(const Work& work, TimeOf time)
 {
     long calls = 1;
-    while (secondsFor(work, calls) < roundSeconds && calls < (1L << 30))
+    while (secondsFor(work, calls, time) < roundSeconds && calls < (1L << 30))
         calls *= 2;
     return calls;
 }
 
-double median(std::vector<double> values)
+double medianRatio(const Pair& pair, Target::Goal goal, TimeOf time)
 {
-    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-    std::nth_element(values.begin(), middle, values.end());
-    return *middle;
-}
-
-double medianRatio(const Pair& pair, Target::Goal goal)
-{
-    const long subjectCalls = callsPerRound(pair.subject);
-    const long baselineCalls = callsPerRound(pair.baseline);
+    const long subjectCalls = callsPerRound(pair.subject, time);
+    const long baselineCalls = callsPerRound(pair.baseline, time);
     std::vector<double> ratios;
     for (int round = 0; round < rounds; ++round) {
-        const double subject = secondsFor(pair.subject, subjectCalls) / static_cast<double>(subjectCalls);
-        const double baseline = secondsFor(pair.baseline, baselineCalls) / static_cast<double>(baselineCalls);
+        const double subject
+            = secondsFor(pair.subject, subjectCalls, time) / static_cast<double>(subjectCalls);
+        const double baseline
+            = secondsFor(pair.baseline, baselineCalls, time) / static_cast<double>(baselineCalls);
         ratios.push_back(goal == Target::Goal::AtMost ? subject / baseline : baseline / subject);
     }
     return median(std::move(ratios));
@@ -100,10 +100,10 @@ public:
 
 } // namespace
 
-int compare(std::string name, Target target, std::function<Pair()> setUp)
+int compare(std::string name, Target target, std::function<Pair()> setUp, TimeOf time)
 {
     return add(std::move(name), target,
-        [target, setUp = std::move(setUp)] { return medianRatio(setUp(), target.goal); });
+        [target, time, setUp = std::move(setUp)] { return medianRatio(setUp(), target.goal, time); });
 }
 
 int measure(std::string name, Target target, std::function<double()> take)
@@ -113,11 +113,41 @@ int measure(std::string name, Target target, std::function<double()> take)
 
 double nanosecondsPerCall(const Work& work)
 {
-    const long calls = callsPerRound(work);
+    const long calls = callsPerRound(work, TimeOf::Wall);
     std::vector<double> times;
     for (int round = 0; round < rounds; ++round)
-        times.push_back(secondsFor(work, calls) * 1e9 / static_cast<double>(calls));
+        times.push_back(secondsFor(work, calls, TimeOf::Wall) * 1e9 / static_cast<double>(calls));
     return median(std::move(times));
+}
+
+double processorSeconds(const Work& work) { return secondsFor(work, 1, TimeOf::Processor); }
+
+double median(std::vector<double> values)
+{
+    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+    std::nth_element(values.begin(), middle, values.end());
+    return *middle;
+}
+
+double growth(const std::vector<Work>& works)
+{
+    std::vector<long> calls;
+    for (const Work& work : works)
+        calls.push_back(callsPerRound(work, TimeOf::Processor));
+    std::vector<std::vector<double>> ratios(works.size());
+    for (int round = 0; round < rounds; ++round) {
+        double first = 0;
+        for (std::size_t i = 0; i < works.size(); ++i) {
+            const double time = secondsFor(works[i], calls[i], TimeOf::Processor) / double(calls[i]);
+            if (i == 0)
+                first = time;
+            ratios[i].push_back(time / first);
+        }
+    }
+    double greatest = 0;
+    for (std::size_t i = 1; i < works.size(); ++i)
+        greatest = std::max(greatest, median(ratios[i]));
+    return greatest;
 }
 
 } // namespace vxr::bench

@@ -226,33 +226,6 @@ Pair pairOf(const std::shared_ptr<Page>& page)
     return { [page] { paintByLibrary(*page); }, [page] { paintByHand(*page); } };
 }
 
-/// A page of small rectangles, each with a gradient of its own or all with one.
-std::shared_ptr<Page> pageOfRamps(bool distinct)
-{
-    auto page = std::make_shared<Page>();
-    Random random;
-    std::shared_ptr<VXRGradient> gradient;
-    for (int i = 0; i < 1000; ++i) {
-        if (distinct || !gradient) {
-            const auto angled
-                = VXRAngleGradient::linearGradientWithStartColorEndColor(random.color(), random.color());
-            angled->setGradientAngle(0.5f);
-            gradient = angled;
-        }
-        const auto placed = AffineTransform::makeTranslation(random(0, side - 80), random(0, side - 80));
-        page->items.push_back(
-            { std::make_shared<Shape>(roundedRect(random(16, 72), random(16, 72), 5), placed, 0.0f),
-                gradient });
-    }
-    return page;
-}
-
-Pair manyRampsAgainstOne()
-{
-    const auto many = pageOfRamps(true), one = pageOfRamps(false);
-    return { [many] { paintByLibrary(*many); }, [one] { paintByLibrary(*one); } };
-}
-
 /// Floyd and Steinberg pixel by pixel, over a ramp of 16 bits.
 void ditherPixelByPixel(std::vector<std::uint16_t>& values, std::vector<std::uint8_t>& output)
 {
@@ -301,8 +274,7 @@ Pair rampBuild()
 }
 
 const int registered[] = {
-    bench::compare("GRADIENT/ramp-build-against-a-plain-loop", atMost(0.1), rampBuild),
-    bench::compare("SCALE/1000-gradients-against-one", atMost(1.5), manyRampsAgainstOne),
+    bench::compare("SCALE/ramp-build-against-a-plain-loop", atMost(0.1), rampBuild),
     bench::compare(
         "GRADIENT/angle-ramps-500-rounded-rects", atMost(1.5), [] { return pairOf(angledPage()); }),
     bench::compare("GRADIENT/radial-transform-500-circles", atMost(1.5), [] { return pairOf(radialPage()); }),
