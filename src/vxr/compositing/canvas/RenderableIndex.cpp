@@ -266,7 +266,7 @@ void RenderableIndex::refresh()
 
 // Finding.
 
-std::vector<std::uint32_t> RenderableIndex::find(const Rect& rect) const
+std::vector<std::uint32_t> RenderableIndex::findInAnyOrder(const Rect& rect) const
 {
     std::vector<std::uint32_t> ranks;
     for (const std::uint32_t entry : mAlwaysFound)
@@ -275,6 +275,12 @@ std::vector<std::uint32_t> RenderableIndex::find(const Rect& rect) const
     for (int level = 0; level < levels; ++level)
         if (mCountAtLevel[std::size_t(level)])
             findAtLevel(level, rect, ranks);
+    return ranks;
+}
+
+std::vector<std::uint32_t> RenderableIndex::find(const Rect& rect) const
+{
+    std::vector<std::uint32_t> ranks = findInAnyOrder(rect);
     std::sort(ranks.begin(), ranks.end());
     return ranks;
 }

@@ -36,6 +36,7 @@ public:
     /// Places in the list, ascending, of all objects whose hit bounds meet the rectangle, edges included, and
     /// of those that are found every time.
     std::vector<std::uint32_t> find(const Rect&) const;
+    std::vector<std::uint32_t> findInAnyOrder(const Rect&) const; ///< the same places
 
     std::size_t byteSize() const;
 

@@ -151,13 +151,15 @@ bool VXRCanvas::keepsPixelsOnScroll(const Rect& seenBefore)
     const float slack = placementSlack / _scale;
     const float dx = VXRRound((seenBefore.origin.x - seen.origin.x) * _scale);
     const float dy = VXRRound((seenBefore.origin.y - seen.origin.y) * _scale);
-    for (const auto& renderable : objectsToRedraw(insetRect(seenBefore, -slack, -slack))) {
-        const Rect bounds = renderable->alignmentBounds();
+    const RenderableList& list = indexedObjects();
+    for (const std::uint32_t rank : mIndex->findInAnyOrder(insetRect(seenBefore, -slack, -slack))) {
+        const VXRRenderable& renderable = *list[rank];
+        const Rect bounds = renderable.alignmentBounds();
         const Point before = placeOfLayer(bounds, seenBefore, _scale, isFlipped());
         const Point now = placeOfLayer(bounds, seen, _scale, isFlipped());
         if (now == Point { before.x + dx, before.y + dy })
             continue;
-        View::setNeedsDisplayInRect(insetRect(renderable->erasableBounds(), -slack, -slack));
+        View::setNeedsDisplayInRect(insetRect(renderable.erasableBounds(), -slack, -slack));
     }
     return true;
 }
