@@ -30,14 +30,6 @@ const char* word(InterpolationQuality quality)
     return words[static_cast<int>(quality)];
 }
 
-/// A path's elements, without its style.
-std::shared_ptr<const Path> elementsOf(const Path& path)
-{
-    auto elements = Path::path();
-    elements->appendPath(path);
-    return elements;
-}
-
 std::string patternText(const std::shared_ptr<const Pattern>& pattern, float alpha)
 {
     return pattern ? text(*pattern, alpha) : "none";
@@ -138,8 +130,11 @@ void RecordingContext::concatTransform(const AffineTransform& t)
 
 void RecordingContext::clipToPath(const Path& path, WindingRule rule)
 {
-    record([rule, p = elementsOf(path)] { return std::string("clip ") + word(rule) + text(*p); },
-        [rule, p = elementsOf(path)](Context& c) { c.clipToPath(*p, rule); });
+    record(
+        [rule, p = std::shared_ptr<const Path>(path.copy())] {
+            return std::string("clip ") + word(rule) + text(*p);
+        },
+        [rule, p = std::shared_ptr<const Path>(path.copy())](Context& c) { c.clipToPath(*p, rule); });
     mEngine->clipToPath(path, rule);
 }
 
@@ -155,14 +150,14 @@ Rect RecordingContext::clipBounds() const { return mEngine->clipBounds(); }
 
 void RecordingContext::fillPath(const Path& path, WindingRule rule)
 {
-    const auto p = elementsOf(path);
+    const std::shared_ptr<const Path> p = path.copy();
     record([rule, p] { return std::string("fill ") + word(rule) + text(*p); },
         [rule, p](Context& c) { c.fillPath(*p, rule); });
 }
 
 void RecordingContext::strokePath(const Path& path, const LineStyle& style)
 {
-    const auto p = elementsOf(path);
+    const std::shared_ptr<const Path> p = path.copy();
     record([style, p] { return "stroke " + text(style) + ' ' + text(*p); },
         [style, p](Context& c) { c.strokePath(*p, style); });
 }
