@@ -321,7 +321,8 @@ TEST(Filter, GivesTheSameBytesOnEveryInstructionSet)
 {
     const Picture picture = randomPicture(1037, 40, 6, false);
     const Operations chain { FilterOperation::gain(1.7f), FilterOperation::line(1.2f, -0.05f),
-        FilterOperation::sharpen(0.8f, 4),
+        FilterOperation::sharpen(0.8f, 4), FilterOperation::sharpen(-0.3f, 2),
+        FilterOperation::lines({ 1, 1.1f, 0.9f }, { 0.01f, 0, 0 }), FilterOperation::round(),
         FilterOperation::colorMatrix({ 0.9f, 0.2f, -0.1f, 0, 1, 0, 0.1f, 0, 0.9f }) };
     std::vector<std::uint32_t> first;
     for (const FilterKernels* kernels : availableFilterKernels()) {
@@ -366,25 +367,31 @@ std::vector<double> boxMean(std::vector<double> plane, int width, int height, do
 
 TEST(UnsharpMask, SharpensAgainstTheMeanOfOpaqueNeighbours)
 {
-    for (const auto& [width, height, radius] : { std::tuple(40, 30, 2.5f), std::tuple(33, 7, 9.0f),
-             std::tuple(1, 1, 3.0f), std::tuple(3, 60, 50.0f), std::tuple(64, 2, 0.5f) }) {
+    for (const auto& [width, height, radius, amount] :
+        { std::tuple(40, 30, 2.5f, 0.7f), std::tuple(40, 30, 2.5f, -0.6f), std::tuple(33, 7, 9.0f, 0.7f),
+            std::tuple(1, 1, 3.0f, 0.7f), std::tuple(3, 60, 50.0f, -1.0f), std::tuple(64, 2, 0.5f, 1.0f) }) {
         const Picture picture = randomPicture(width, height, 7, false);
-        const Picture result = filtered({ FilterOperation::sharpen(0.7f, radius) }, picture);
-        // Premultiplied luminances and alphas.
-        std::vector<double> lumas, alphas;
+        const Picture result = filtered({ FilterOperation::sharpen(amount, radius) }, picture);
+        // Premultiplied colours, then luma, and alpha.
+        std::array<std::vector<double>, 5> planes;
         for (const std::uint32_t p : picture.pixels) {
-            lumas.push_back(luminanceOf({ double(p >> 16 & 255), double(p >> 8 & 255), double(p & 255) }));
-            alphas.push_back(p >> 24);
+            const Color color { double(p & 255), double(p >> 8 & 255), double(p >> 16 & 255) };
+            for (std::size_t k = 0; k < 3; ++k)
+                planes[k].push_back(color[k]);
+            planes[3].push_back(luminanceOf({ color[2], color[1], color[0] }));
+            planes[4].push_back(p >> 24);
         }
-        const auto lumaMeans = boxMean(lumas, width, height, radius),
-                   alphaMeans = boxMean(alphas, width, height, radius);
+        std::array<std::vector<double>, 5> means;
+        for (std::size_t k = 0; k < 5; ++k)
+            means[k] = boxMean(planes[k], width, height, radius);
         for (std::size_t i = 0; i < picture.pixels.size(); ++i) {
-            const double a = alphas[i];
+            const double a = planes[4][i];
             ASSERT_EQ(result.pixels[i] >> 24, a);
-            for (int k = 0; k < 3 && a > 0; ++k) {
-                const double v = (picture.pixels[i] >> (8 * k) & 255) / a;
-                const double change = lumas[i] / a - lumaMeans[i] / alphaMeans[i];
-                ASSERT_NEAR(result.pixels[i] >> (8 * k) & 255, limited(v + double(0.7f) * change) * a, 1)
+            for (std::size_t k = 0; k < 3 && a > 0; ++k) {
+                const std::size_t of = amount > 0 ? 3 : k;
+                const double change = planes[of][i] / a - means[of][i] / means[4][i];
+                ASSERT_NEAR(result.pixels[i] >> (8 * k) & 255,
+                    limited(planes[k][i] / a + double(amount) * change) * a, 1)
                     << width << " by " << height << ", " << radius << ": " << i;
             }
         }
@@ -397,6 +404,24 @@ TEST(UnsharpMask, SharpensAgainstTheMeanOfOpaqueNeighbours)
             variance += double(k) * k;
         EXPECT_NEAR(3 * variance / (2 * box.reach + 1 + 2 * double(box.edge)), radius * radius,
             radius * radius * 1e-4);
+    }
+}
+
+/// Alpha comes in late: means of the rows before are those of opaque ones.
+TEST(UnsharpMask, IsTheSameWhicheverRowIsTheFirstWithAlpha)
+{
+    for (const float amount : { 0.8f, -0.8f }) {
+        Picture picture = randomPicture(30, 50, 8, true);
+        for (std::size_t i = 1200; i < 1260; ++i)
+            picture.pixels[i] = picture.pixels[i] >> 1 & 0x7f7f7f7f;
+        const Operations operations { FilterOperation::sharpen(amount, 4) };
+        const Picture down = filtered(operations, picture);
+        std::reverse(picture.pixels.begin(), picture.pixels.end());
+        Picture up = filtered(operations, picture);
+        std::reverse(up.pixels.begin(), up.pixels.end());
+        for (std::size_t i = 0; i < up.pixels.size(); ++i)
+            for (int shift = 0; shift < 32; shift += 8)
+                ASSERT_NEAR(up.pixels[i] >> shift & 255, down.pixels[i] >> shift & 255, 1) << i;
     }
 }
 

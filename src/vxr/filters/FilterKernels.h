@@ -27,6 +27,9 @@ struct FilterKernels {
     // Premultiplied 32-bit pixels, alpha in the highest byte, to straight colours and back.
     void (*loadARGB)(
         const std::uint32_t* pixels, int count, float* red, float* green, float* blue, float* alpha);
+    /// Four straight 16-bit components a pixel, red to alpha.
+    void (*loadWide)(
+        const std::uint16_t* pixels, int count, float* red, float* green, float* blue, float* alpha);
     void (*storeARGB)(const float* red, const float* green, const float* blue, const float* alpha, int count,
         std::uint32_t* pixels);
 
@@ -39,6 +42,9 @@ struct FilterKernels {
     /// v + amount · (luma - mean), the mean divided by that of alpha where there is one.
     void (*sharpen)(const std::uint16_t* const (&colors)[3], const std::uint16_t* mean,
         const std::uint16_t* meanAlpha, int count, float amount, float* const (&out)[3]);
+    /// v + amount · (v - mean), likewise.
+    void (*soften)(const std::uint16_t* color, const std::uint16_t* mean, const std::uint16_t* meanAlpha,
+        int count, float amount, float* out);
 
     // Box filters, rounded: the mean of what lies between two prefix sums and a part of its neighbours ...
     void (*boxRow)(const std::uint32_t* from, const std::uint32_t* to, const std::uint16_t* before,

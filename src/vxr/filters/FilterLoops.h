@@ -106,6 +106,17 @@ void loadLoop(const std::uint32_t* __restrict pixels, int count, float* __restri
     }
 }
 
+void loadWideLoop(const std::uint16_t* __restrict pixels, int count, float* __restrict red,
+    float* __restrict green, float* __restrict blue, float* __restrict alpha)
+{
+    for (int i = 0; i < count; ++i) {
+        red[i] = float(std::int32_t(pixels[4 * i])) * (1 / 65535.0f);
+        green[i] = float(std::int32_t(pixels[4 * i + 1])) * (1 / 65535.0f);
+        blue[i] = float(std::int32_t(pixels[4 * i + 2])) * (1 / 65535.0f);
+        alpha[i] = float(std::int32_t(pixels[4 * i + 3])) * (1 / 65535.0f);
+    }
+}
+
 void storeLoop(const float* __restrict red, const float* __restrict green, const float* __restrict blue,
     const float* __restrict alpha, int count, std::uint32_t* __restrict pixels)
 {
@@ -197,6 +208,17 @@ void sharpenLoop(const std::uint16_t* const (&colors)[3], const std::uint16_t* _
     }
 }
 
+void softenLoop(const std::uint16_t* __restrict color, const std::uint16_t* __restrict mean,
+    const std::uint16_t* __restrict meanAlpha, int count, float amount, float* __restrict out)
+{
+    for (int i = 0; i < count; ++i) {
+        const float v = float(std::int32_t(color[i])), m = float(std::int32_t(mean[i]));
+        const float alpha = meanAlpha ? float(std::int32_t(meanAlpha[i])) : 65535.0f;
+        const float scale = alpha > 0 ? 65535.0f / alpha : 0;
+        out[i] = sharpened16(v, amount * (v - m * scale));
+    }
+}
+
 inline std::uint16_t boxMean(float sum, float edges, float edge, float scale)
 {
     const float mean = (sum + edges * edge) * scale;
@@ -226,8 +248,8 @@ void boxColumnsLoop(std::int32_t* __restrict sums, const std::uint16_t* before, 
 constexpr FilterKernels filterKernelsNamed(const char* name)
 {
     return { name, gainLoop, lineLoop, colorMatrixLoop, clampLoop, round16Loop, to16Loop, from16Loop,
-        encodeLoop, decodeLoop, loadLoop, storeLoop, isOpaqueLoop, lumaLoop, multiply16Loop, sharpenLoop,
-        boxRowLoop, boxColumnsLoop };
+        encodeLoop, decodeLoop, loadLoop, loadWideLoop, storeLoop, isOpaqueLoop, lumaLoop, multiply16Loop,
+        sharpenLoop, softenLoop, boxRowLoop, boxColumnsLoop };
 }
 
 } // namespace

@@ -15,7 +15,9 @@ struct FilterOperation {
         Gain, ///< linear: v · scale
         Line, ///< encoded: v · scale + offset
         Matrix, ///< linear: rows of `matrix` times (red, green, blue)
-        Sharpen, ///< encoded: v + scale · (Y - mean of Y in the neighbourhood of `radius` pixels)
+        /// Encoded: v + scale · (Y - mean of Y in the neighbourhood of `radius` pixels), Y the luma; with
+        /// negative scales v in the place of Y.
+        Sharpen,
         Custom, ///< encoded: `custom` on `count` pixels at a time, a plane per colour
         Lines, ///< encoded: v · matrix[c] + matrix[3 + c] for colour c
         Round, ///< either: to 16 bits, as between the layers of a stack

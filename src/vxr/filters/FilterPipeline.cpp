@@ -35,6 +35,11 @@ void setComponent(std::uint8_t* pixel, int place, int bits, float v)
 
 } // namespace
 
+FilterFormat FilterFormat::wideRGBA(Alpha alpha, bool isLinear)
+{
+    return { 16, 4, false, { 0, 1, 2, 3 }, alpha, isLinear };
+}
+
 FilterFormat FilterFormat::nativeARGB()
 {
     FilterFormat format;
@@ -108,6 +113,14 @@ void FilterPipeline::load(const void* row, int x)
     if (mInput.isNativeARGB()) {
         mKernels->loadARGB(reinterpret_cast<const std::uint32_t*>(pixel), block.count, block.red, block.green,
             block.blue, block.alpha);
+        return;
+    }
+    if (mInput == FilterFormat::wideRGBA(mInput.alpha, mInput.isLinear)
+        && mInput.alpha != FilterFormat::Alpha::Premultiplied) {
+        mKernels->loadWide(reinterpret_cast<const std::uint16_t*>(pixel), block.count, block.red, block.green,
+            block.blue, block.alpha);
+        if (mInput.alpha == FilterFormat::Alpha::None)
+            std::fill_n(block.alpha, block.count, 1.0f);
         return;
     }
     const int bits = mInput.bitsPerComponent;

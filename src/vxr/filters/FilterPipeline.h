@@ -29,6 +29,8 @@ struct FilterFormat {
 
     /// Premultiplied 32-bit pixels in the machine's byte order, alpha in the highest bits.
     VXR_EXPORT static FilterFormat nativeARGB();
+    /// Sixteen bits each of red, green, blue and alpha; without an alpha its place is there and ignored.
+    VXR_EXPORT static FilterFormat wideRGBA(Alpha alpha, bool isLinear);
     bool isNativeARGB() const { return *this == nativeARGB(); }
     std::size_t bytesPerPixel() const
     {

@@ -5,12 +5,12 @@
 #include <vxr/filters/FilterOperation.h>
 
 #include <memory>
-#include <optional>
 
 namespace vxr {
 
 /// Keeps the rows that the mean of a neighbourhood needs: planes of straight encoded colours and alpha of 16
-/// bits. The mean is that of the luminance, weighted by alpha, so that transparent pixels don't count in it.
+/// bits. Sharpening needs the mean of the luma, softening that of each colour. Means are weighted by alpha,
+/// so that transparent pixels don't count in them.
 class FilterSharpener {
 public:
     /// Called for each row that is complete.
@@ -28,23 +28,31 @@ public:
     bool isOpaque() const { return mIsRowOpaque[std::size_t(mGiven % mCapacity)]; } ///< that row
 
 private:
+    /// The means of a plane, in a window of rows as those of the pixels.
+    struct Means {
+        Means(double sigma, int width, int height, int capacity);
+        void take(const FilterKernels&); ///< what has been written to `rows.input()`
+
+        GaussianRows rows;
+        int width, capacity, given = 0;
+        std::vector<std::uint16_t> kept;
+    };
+
     std::uint16_t* rowAt(int y)
     {
         return mRows.data() + std::size_t(y % mCapacity) * 4 * std::size_t(mWidth);
     }
     void takeAlpha(const FilterKernels&, const std::uint16_t* alpha, bool isOpaque);
+    void takeColors(const FilterKernels&, const std::uint16_t* row, bool isOpaque);
 
     float mAmount;
     double mSigma;
     int mWidth, mHeight, mCapacity, mTaken = 0, mGiven = -1;
     std::vector<std::uint16_t> mRows;
     std::vector<bool> mIsRowOpaque;
-    GaussianRows mLumaMean;
-    const std::uint16_t* mMean = nullptr; ///< of the row that is being emitted
+    std::vector<Means> mMeans; ///< of luma, or of red, green and blue
     /// From the first row that is not opaque on: until then the mean is full.
-    std::unique_ptr<GaussianRows> mAlphaMean;
-    std::vector<std::uint16_t> mAlphaMeans; ///< rows that luminance has not caught up with
-    int mAlphaGiven = 0;
+    std::unique_ptr<Means> mAlphaMeans;
 };
 
 } // namespace vxr

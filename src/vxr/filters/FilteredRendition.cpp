@@ -50,9 +50,9 @@ void FilteredRendition::keepLower(const Layers& layers, std::size_t end)
     const auto below = operations(layers, first, end);
     if (below.empty())
         return;
-    FilterFormat format { 16, 4, false, { 0, 1, 2, 3 },
-        source.isOpaque() ? FilterFormat::Alpha::None : FilterFormat::Alpha::Straight };
-    format.isLinear = FilterPipeline::endsLinear(below);
+    using Alpha = FilterFormat::Alpha;
+    const FilterFormat format = FilterFormat::wideRGBA(
+        source.isOpaque() ? Alpha::None : Alpha::Straight, FilterPipeline::endsLinear(below));
     const std::size_t bytesPerRow = 8 * std::size_t(source.width());
     const auto pixels = std::make_shared<std::vector<std::uint16_t>>(
         4 * std::size_t(source.width()) * std::size_t(source.height()));

@@ -19,10 +19,10 @@ namespace vxr {
 /// Y = 0.2126 r + 0.7152 g + 0.0722 b (ITU-R BT.709) is kept. -1 gives grey.
 ///
 /// TesselUnsharpMask: inputIntensity i in [-1, 1], default 0, and inputRadius in [0.5, 100] pixels, default
-/// 2.5. Encoded: v' = v + i (Y - m), Y the luma (ITU-R BT.709) and m its mean under a Gaussian whose standard
-/// deviation is the radius, weighted by alpha; three box filters stand for the Gaussian. All colours change
-/// alike, so that edges get no coloured fringes. Beyond its edges the image goes on with the pixels of its
-/// edge. Negative intensities soften; at -1 the luma is the mean.
+/// 2.5. Encoded, with means under a Gaussian whose standard deviation is the radius, weighted by alpha; three
+/// box filters stand for the Gaussian. Positive intensities sharpen the luma Y (ITU-R BT.709), so that edges
+/// get no coloured fringes: v' = v + i (Y - mean of Y). Negative ones soften each colour, -1 leaves its mean:
+/// v' = v + i (v - mean of v). Beyond its edges the image goes on with the pixels of its edge.
 ///
 /// TesselTintCorrection: inputPower h in [-1.05, 1.05] radians, default 0. Linear: the hue rotation of the
 /// W3C's Filter Effects (feColorMatrix, hueRotate) by h with the luminances of ITU-R BT.709, which keeps Y.
