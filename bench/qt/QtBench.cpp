@@ -3,6 +3,7 @@
 // platform, VXR into the memory of its window.
 
 #include <bench/Compare.h>
+#include <bench/qt/QtPage.h>
 
 #include <vxr/compositing/canvas/VXRCanvas.h>
 #include <vxr/fills/VXRShadow.h>
@@ -12,18 +13,11 @@
 #include <vxr/renderables/VXRShape.h>
 #include <vxr/strokes/VXRStroke.h>
 
-#include <QApplication>
 #include <QGraphicsDropShadowEffect>
 #include <QGraphicsPathItem>
-#include <QGraphicsScene>
-#include <QGraphicsView>
-#include <QPixmapCache>
-
-#include <sched.h>
 
 #include <cmath>
 #include <numbers>
-#include <stdexcept>
 
 namespace vxr::bench {
 
@@ -103,83 +97,27 @@ struct VxrPage {
     }
 };
 
-void startQt()
+QGraphicsPathItem* add(QtPage& page, const Flower& from)
 {
-    static int count = 1;
-    static char name[] = "vxr_bench_qt", *arguments[] = { name, nullptr };
-    // On one processor, as VXR has one thread: shared out among threads, small fills take Qt longer.
-    cpu_set_t processor;
-    CPU_ZERO(&processor);
-    CPU_SET(std::size_t(sched_getcpu()), &processor);
-    sched_setaffinity(0, sizeof processor, &processor);
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    // Never deleted: its destructor needs what is gone at the end of the process.
-    [[maybe_unused]] static const auto* application = new QApplication(count, arguments);
-    QPixmapCache::setCacheLimit(256 * 1024); // KB: what is cached stays
-}
-
-QPainterPath painterPath(const Path& path)
-{
-    QPainterPath result;
-    result.setFillRule(Qt::WindingFill);
-    const auto point = [](Point p) { return QPointF(double(p.x), double(p.y)); };
-    for (std::size_t i = 0; i < path.elementCount(); ++i) {
-        const auto [kind, points] = path.elementAtIndex(i);
-        if (kind == PathElementKind::MoveTo)
-            result.moveTo(point(points[0]));
-        else if (kind == PathElementKind::LineTo)
-            result.lineTo(point(points[0]));
-        else if (kind == PathElementKind::CurveTo)
-            result.cubicTo(point(points[0]), point(points[1]), point(points[2]));
-        else
-            result.closeSubpath();
-    }
-    return result;
+    auto* item = page.page.addPath(painterPath(*from.path));
+    item->setBrush(
+        QColor::fromRgbF(double(from.red), double(from.green), double(from.blue), double(from.alpha)));
+    QPen pen(Qt::black, double(strokeWidth), Qt::SolidLine, Qt::FlatCap, Qt::SvgMiterJoin);
+    pen.setMiterLimit(4); // that of VXRStroke
+    item->setPen(pen);
+    return item;
 }
 
 /// A view that shows the upper left corner of its page.
-struct QtPage : QGraphicsView {
-    QGraphicsScene page;
-    long paints = 0;
-
-    QtPage(const std::vector<Flower>& flowers, Size size, QGraphicsItem::CacheMode cacheMode)
-        : page(0, 0, double(size.width), double(size.height))
-    {
-        page.setBackgroundBrush(Qt::white);
-        for (const Flower& each : flowers)
-            add(each)->setCacheMode(cacheMode);
-        setScene(&page);
-        setRenderHint(QPainter::Antialiasing);
-        setFrameShape(QFrame::NoFrame);
-        setSceneRect(0, 0, double(windowSize.width), double(windowSize.height)); // fits: nothing scrolls
-        resize(int(windowSize.width), int(windowSize.height));
-        show();
-        QCoreApplication::processEvents(); // exposes the window, which is painted
-    }
-    QGraphicsPathItem* add(const Flower& from)
-    {
-        auto* item = page.addPath(painterPath(*from.path));
-        item->setBrush(
-            QColor::fromRgbF(double(from.red), double(from.green), double(from.blue), double(from.alpha)));
-        QPen pen(Qt::black, double(strokeWidth), Qt::SolidLine, Qt::FlatCap, Qt::SvgMiterJoin);
-        pen.setMiterLimit(4); // that of VXRStroke
-        item->setPen(pen);
-        return item;
-    }
-    /// Paints what has changed, without waiting for anything.
-    void displayIfNeeded()
-    {
-        const long before = paints;
-        QCoreApplication::sendPostedEvents();
-        if (paints != before + 1)
-            throw std::runtime_error("Qt has not painted once");
-    }
-    void paintEvent(QPaintEvent* event) override
-    {
-        ++paints;
-        QGraphicsView::paintEvent(event);
-    }
-};
+std::shared_ptr<QtPage> qtPageOf(
+    const std::vector<Flower>& flowers, Size size, QGraphicsItem::CacheMode cacheMode)
+{
+    auto page = std::make_shared<QtPage>(size);
+    for (const Flower& each : flowers)
+        add(*page, each)->setCacheMode(cacheMode);
+    page->showPage(windowSize);
+    return page;
+}
 
 /// Every shape of 1,000 is drawn from its path. Qt renders the scene into an image, VXR redraws its window on
 /// the direct road.
@@ -187,7 +125,7 @@ struct QtPage : QGraphicsView {
     startQt();
     const auto flowers = pageOf(40, 25);
     const auto vxr = std::make_shared<VxrPage>(flowers, windowSize, false);
-    const auto qt = std::make_shared<QtPage>(flowers, windowSize, QGraphicsItem::NoCache);
+    const auto qt = qtPageOf(flowers, windowSize, QGraphicsItem::NoCache);
     const auto image = std::make_shared<QImage>(
         int(windowSize.width), int(windowSize.height), QImage::Format_ARGB32_Premultiplied);
     return Pair { [vxr] { vxr->window.display(); },
@@ -205,7 +143,7 @@ struct QtPage : QGraphicsView {
     const auto flowers = pageOf(100, 100);
     constexpr Size pageSize { 100 * cell.width, 100 * cell.height };
     const auto vxr = std::make_shared<VxrPage>(flowers, pageSize, false);
-    const auto qt = std::make_shared<QtPage>(flowers, pageSize, QGraphicsItem::NoCache);
+    const auto qt = qtPageOf(flowers, pageSize, QGraphicsItem::NoCache);
     return Pair { [vxr] {
                      vxr->canvas->setNeedsDisplayInRect({ 600, 600, 100, 100 });
                      vxr->window.displayIfNeeded();
@@ -228,8 +166,8 @@ struct QtPage : QGraphicsView {
         45, 8, 20, 0.6f, Color::colorWithCalibratedRGB(0, 0, 0)));
     vxr->window.display();
 
-    const auto qt = std::make_shared<QtPage>(flowers, windowSize, QGraphicsItem::DeviceCoordinateCache);
-    auto* item = qt->add(dragged);
+    const auto qt = qtPageOf(flowers, windowSize, QGraphicsItem::DeviceCoordinateCache);
+    auto* item = add(*qt, dragged);
     auto* shadow = new QGraphicsDropShadowEffect; // the item's from here on
     shadow->setBlurRadius(20);
     shadow->setOffset(8 * std::numbers::sqrt2 / 2);
