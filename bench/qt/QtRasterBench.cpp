@@ -5,8 +5,10 @@
 #include <bench/raster/MixedPage.h>
 #include <bench/raster/RasterScenes.h>
 
+#include <QGraphicsPathItem>
 #include <QImage>
 #include <QPainter>
+#include <QPen>
 
 #include <string>
 

@@ -33,7 +33,12 @@ void DrawingEngine::stopSurface()
 void DrawingEngine::saveState()
 {
     mStack.push_back(state);
-    didSaveState();
+    try {
+        didSaveState();
+    } catch (...) {
+        mStack.pop_back();
+        throw;
+    }
 }
 
 void DrawingEngine::restoreState()
@@ -103,6 +108,7 @@ void DrawingEngine::beginLayer()
 {
     if (!mIsOpen)
         return;
+    mLayerDepths.reserve(mLayerDepths.size() + 1);
     saveState();
     mLayerDepths.push_back(mStack.size());
     try {
@@ -134,40 +140,57 @@ void DrawingEngine::endLayer()
         leaveLayer(LayerEnd::Compose);
 }
 
-// A copy replaces only what it covers, so it is drawn over the shadow that its layer has cast.
-void DrawingEngine::drawWithShadow(const std::function<void()>& draw)
+template <class Steps> void DrawingEngine::closingOnFailure(Steps steps)
 {
-    const bool copies = state.operation == CompositeOperation::Copy;
-    beginLayer();
-    draw();
-    if (!copies)
-        return endLayer();
-    leaveLayer(LayerEnd::ShadowOnly);
-    const ShadowStyle shadow = std::exchange(state.shadow, {});
-    draw();
-    state.shadow = shadow;
+    const std::size_t depth = mStack.size();
+    GraphicsState before = state;
+    try {
+        steps();
+    } catch (...) {
+        unwindToDepth(depth);
+        state = std::move(before);
+        throw;
+    }
+}
+
+// A copy replaces only what it covers, so it is drawn over the shadow that its layer has cast.
+void DrawingEngine::drawWithShadow(DrawCall draw)
+{
+    closingOnFailure([&] {
+        const bool copies = state.operation == CompositeOperation::Copy;
+        beginLayer();
+        draw();
+        if (!copies)
+            return endLayer();
+        leaveLayer(LayerEnd::ShadowOnly);
+        const ShadowStyle shadow = std::exchange(state.shadow, {});
+        draw();
+        state.shadow = shadow;
+    });
 }
 
 // A copy clears first, so that following drawing has nothing below it.
-bool DrawingEngine::drawPatternWithAlpha(const Paint& paint, const std::function<void()>& draw)
+bool DrawingEngine::drawPatternWithAlpha(const Paint& paint, DrawCall draw)
 {
     const float alpha = paint.rgba[3];
     if (!paint.pattern || (alpha * state.alpha >= 1 && state.operation != CompositeOperation::Copy)
         || state.operation == CompositeOperation::Clear)
         return false;
-    const GraphicsState before = state;
-    state.shadow = {};
-    if (state.operation == CompositeOperation::Copy) {
-        state.operation = CompositeOperation::Clear;
+    closingOnFailure([&] {
+        GraphicsState before = state;
+        state.shadow = {};
+        if (state.operation == CompositeOperation::Copy) {
+            state.operation = CompositeOperation::Clear;
+            draw();
+            state.operation = CompositeOperation::SourceOver;
+        }
+        state.alpha *= alpha;
+        beginLayer();
+        state.fill.rgba[3] = state.stroke.rgba[3] = 1;
         draw();
-        state.operation = CompositeOperation::SourceOver;
-    }
-    state.alpha *= alpha;
-    beginLayer();
-    state.fill.rgba[3] = state.stroke.rgba[3] = 1;
-    draw();
-    endLayer();
-    state = before;
+        endLayer();
+        state = std::move(before);
+    });
     return true;
 }
 

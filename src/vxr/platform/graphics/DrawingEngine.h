@@ -2,10 +2,25 @@
 
 #include <vxr/platform/graphics/GraphicsState.h>
 
-#include <functional>
 #include <vector>
 
 namespace vxr {
+
+/// Drawing that is done during a call. Refers to what draws: nothing is copied, so nothing is allocated.
+class DrawCall {
+public:
+    template <class Draw>
+    DrawCall(const Draw& draw)
+        : mDraw(&draw)
+        , mCall([](const void* object) { (*static_cast<const Draw*>(object))(); })
+    {
+    }
+    void operator()() const { mCall(mDraw); }
+
+private:
+    const void* mDraw;
+    void (*mCall)(const void*);
+};
 
 /// The drawing back end of a context. Transform, style and the stack of states and layers are the same in
 /// every engine and live here; an engine adds drawing, its own form of the clip and the memory of layers.
@@ -61,10 +76,10 @@ protected:
     double deviceHeight() const { return mDeviceHeight; }
     DeviceBox deviceBounds(std::span<const Point>) const; ///< of points of user space
     /// Draws through a layer that casts the state's shadow.
-    void drawWithShadow(const std::function<void()>& draw);
+    void drawWithShadow(DrawCall draw);
     /// Composes what `draw` paints with a pattern as one object with the pattern's alpha. Returns false, and
     /// draws nothing, if the engine can paint it in one step.
-    bool drawPatternWithAlpha(const Paint&, const std::function<void()>& draw);
+    bool drawPatternWithAlpha(const Paint&, DrawCall draw);
 
     // Implemented by engines; called after the state itself has been saved or restored.
     virtual void didSaveState() { }
@@ -77,6 +92,8 @@ protected:
 private:
     void setTransform(const AffineTransform&);
     void leaveLayer(LayerEnd);
+    /// When a step throws, drops the layers it has opened and gives the state back.
+    template <class Steps> void closingOnFailure(Steps);
 
     bool mIsOpen = false;
     double mDeviceHeight = 0;

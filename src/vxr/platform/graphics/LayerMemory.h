@@ -18,13 +18,13 @@ public:
         std::size_t size = 0;
     };
 
-    LayerMemory() = default;
+    LayerMemory() { mKept.reserve(maxKept + 1); }
     ~LayerMemory();
     LayerMemory(const LayerMemory&) = delete;
     LayerMemory& operator=(const LayerMemory&) = delete;
 
     Block take(std::size_t size); ///< all zero; throws `std::bad_alloc`
-    void giveBack(Block zeroed);
+    void giveBack(Block zeroed); ///< allocates nothing
 
 private:
     static constexpr std::size_t maxKept = 3;

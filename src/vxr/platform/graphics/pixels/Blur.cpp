@@ -4,7 +4,6 @@
 #include <array>
 #include <cmath>
 #include <cstring>
-#include <memory>
 
 // The blur is separable. Columns are blurred in strips of 64, whose rows stay in the cache through all
 // passes, and written transposed; doing that twice blurs both ways and restores the orientation.
@@ -284,7 +283,7 @@ void blurColumns(const Source* source, std::ptrdiff_t sourceStride, int width, i
 int blurReach(float sigma) { return sigma > 0 ? static_cast<int>(3 * std::min(sigma, maxBlurSigma)) : 0; }
 
 void blurA8(const std::uint8_t* source, std::ptrdiff_t sourceStride, int width, int height, float sigma,
-    std::uint8_t* target, std::ptrdiff_t targetStride)
+    std::uint8_t* target, std::ptrdiff_t targetStride, BlurMemory& memory)
 {
     if (width < 1 || height < 1)
         return;
@@ -298,11 +297,17 @@ void blurA8(const std::uint8_t* source, std::ptrdiff_t sourceStride, int width, 
     const Kernel kernel = kernelOf(std::min(sigma, maxBlurSigma), reach);
     const std::size_t area = static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
     const std::size_t strip = static_cast<std::size_t>(std::max(width, height)) * stripWidth;
-    const auto memory = std::make_unique_for_overwrite<Fixed[]>(area + 2 * strip);
-    Fixed* between = memory.get();
+    Fixed* between = memory.take(area + 2 * strip);
     Fixed* a = between + area;
     blurColumns(source, sourceStride, width, height, kernel, between, height, a, a + strip);
     blurColumns(between, height, height, width, kernel, target, targetStride, a, a + strip);
+}
+
+void blurA8(const std::uint8_t* source, std::ptrdiff_t sourceStride, int width, int height, float sigma,
+    std::uint8_t* target, std::ptrdiff_t targetStride)
+{
+    BlurMemory memory;
+    blurA8(source, sourceStride, width, height, sigma, target, targetStride, memory);
 }
 
 } // namespace vxr

@@ -3,6 +3,7 @@
 #include <vxr/platform/graphics/pixels/SpanKernels.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstring>
 
@@ -58,11 +59,22 @@ const Weights& smoothWeights()
 /// Reaches over four pixels at most.
 constexpr double widestBox = 3;
 
-/// What a box covers of each pixel.
+/// What a box covers of each pixel. Pictures of one page tend to be reduced alike, and each takes two.
 Weights boxWeights(double size)
 {
+    struct Kept {
+        double width = 0;
+        Weights weights;
+    };
+    thread_local std::array<Kept, 16> kept;
+    thread_local std::size_t next = 0;
     const double width = std::min(size, widestBox);
-    return weightsOf([&](double x) { return std::clamp((width + 1) / 2 - x, 0.0, 1.0) / width; });
+    for (const Kept& each : kept)
+        if (each.width == width)
+            return each.weights;
+    const auto made = weightsOf([&](double x) { return std::clamp((width + 1) / 2 - x, 0.0, 1.0) / width; });
+    kept[next++ % kept.size()] = { width, made };
+    return made;
 }
 
 /// Thresholds of an ordered dither, 1 to 127 of 128, or those that round to the

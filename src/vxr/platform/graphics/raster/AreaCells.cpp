@@ -2,6 +2,7 @@
 
 #include <vxr/platform/graphics/pixels/SpanKernels.h>
 
+#include <algorithm>
 #include <bit>
 #include <cstring>
 
@@ -184,8 +185,31 @@ void AreaCells::addSamples(const Edge& edge)
 
 void AreaCells::sweep(WindingRule rule, CoverageSink& sink)
 {
-    for (int row = 0; row < mBox.height(); ++row)
+    constexpr int rowsAhead = 4;
+    const int rows = mBox.height();
+    for (int row = 0; row < std::min(rowsAhead, rows); ++row)
+        expectRow(row, sink);
+    for (int row = 0; row < rows; ++row) {
+        if (row + rowsAhead < rows)
+            expectRow(row + rowsAhead, sink);
         sweepRow(row, rule, sink);
+    }
+}
+
+// Only what has marks: constant runs between are long, and the processor notices them by itself.
+void AreaCells::expectRow(int row, CoverageSink& sink) const
+{
+    const std::uint64_t* marks = mMarks.data() + static_cast<std::ptrdiff_t>(row) * mWordsPerRow;
+    for (int word = 0; word < mWordsPerRow; ++word)
+        for (std::uint64_t left = marks[word]; left != 0;) {
+            const int bit = std::countr_zero(left);
+            const int length = std::min(std::countr_one(left >> bit), 64 - bit);
+            left &= length == 64 ? 0 : ~(((std::uint64_t(1) << length) - 1) << bit);
+            const int from = (word * 64 + bit) << groupBits;
+            const int count = std::min(length << groupBits, mBox.width() - from);
+            if (count > 0)
+                sink.expect(mBox.x0 + from, mBox.y0 + row, count);
+        }
 }
 
 void AreaCells::sweepRow(int row, WindingRule rule, CoverageSink& sink)

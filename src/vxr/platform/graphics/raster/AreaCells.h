@@ -26,6 +26,8 @@ struct Edge {
 /// left out.
 class CoverageSink {
 public:
+    /// Pixels that are going to be covered soon, for fetching them into the cache.
+    virtual void expect(int x, int y, int count) = 0;
     virtual void run(int x, int y, int count, std::uint8_t coverage) = 0;
     virtual void mask(int x, int y, int count, std::uint8_t* coverage) = 0; ///< the bytes may be changed
 
@@ -57,6 +59,7 @@ private:
         const struct EdgeLine&);
     void put(int row, int column, std::int32_t height, std::int32_t twiceX);
     void mark(int row, int column);
+    void expectRow(int row, CoverageSink&) const;
     void sweepRow(int row, WindingRule, CoverageSink&);
 
     IntRect mBox;

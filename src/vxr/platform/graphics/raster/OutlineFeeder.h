@@ -1,5 +1,6 @@
 #pragma once
 
+#include <vxr/platform/graphics/path/ContourSink.h>
 #include <vxr/platform/graphics/path/Path.h>
 #include <vxr/platform/graphics/raster/DeviceMatrix.h>
 #include <vxr/platform/graphics/raster/ShapeRaster.h>
@@ -15,7 +16,7 @@ namespace vxr {
 ///
 /// What lies beyond the range of fixed coordinates is cut off exactly, in quadruple precision, along lines
 /// that no bitmap reaches.
-class OutlineFeeder {
+class OutlineFeeder final : public ContourSink {
 public:
     OutlineFeeder(const DeviceMatrix& toDevice, double tolerance, ShapeRaster& raster)
         : mMatrix(toDevice)
@@ -25,7 +26,7 @@ public:
     }
 
     void addArea(const Path&); ///< open sub-paths are closed
-    void addContour(std::span<const Vec2>); ///< closed
+    void addContour(std::span<const Vec2> vertices) override;
     void addRect(const Rect&);
 
 private:

@@ -2,16 +2,29 @@
 
 #include <vxr/platform/graphics/pixels/SpanKernels.h>
 
+#include <algorithm>
 #include <cstring>
 
 namespace vxr {
 
-ClipMaker::ClipMaker(const IntRect& box, const RasterClip& cut)
-    : mMask(std::make_shared<ClipMask>())
+std::shared_ptr<ClipMask> ClipMasks::take(const IntRect& box)
+{
+    const std::size_t size = static_cast<std::size_t>(box.width()) * static_cast<std::size_t>(box.height());
+    const auto isFree = [](const std::shared_ptr<ClipMask>& mask) { return mask.use_count() == 1; };
+    const bool mayKeep = size <= mostBytes;
+    const auto found = mayKeep ? std::ranges::find_if(mKept, isFree) : mKept.end();
+    const auto mask = found != mKept.end() ? *found : std::make_shared<ClipMask>();
+    mask->box = box;
+    mask->rows.assign(size, 0);
+    if (mayKeep && found == mKept.end() && mKept.size() < mostKept)
+        mKept.push_back(mask);
+    return mask;
+}
+
+ClipMaker::ClipMaker(const IntRect& box, const RasterClip& cut, ClipMasks& masks)
+    : mMask(masks.take(box))
     , mCut(cut)
 {
-    mMask->box = box;
-    mMask->rows.resize(static_cast<std::size_t>(box.width()) * static_cast<std::size_t>(box.height()));
 }
 
 void ClipMaker::run(int x, int y, int count, std::uint8_t coverage)

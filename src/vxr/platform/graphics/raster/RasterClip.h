@@ -28,12 +28,24 @@ struct RasterClip {
     std::shared_ptr<const ClipMask> mask;
 };
 
+/// The memory of masks that no clip refers to any more, for those to come.
+class ClipMasks {
+public:
+    std::shared_ptr<ClipMask> take(const IntRect& box); ///< covers nothing; throws `std::bad_alloc`
+
+private:
+    static constexpr std::size_t mostKept = 8, mostBytes = 1 << 20; ///< of each
+
+    std::vector<std::shared_ptr<ClipMask>> mKept; ///< those in use too
+};
+
 /// Makes the mask of a clip out of the coverage of the outline that it is cut by.
 class ClipMaker final : public CoverageSink {
 public:
     /// `box` lies within the clip that is cut. Throws `std::bad_alloc`.
-    ClipMaker(const IntRect& box, const RasterClip& cut);
+    ClipMaker(const IntRect& box, const RasterClip& cut, ClipMasks&);
 
+    void expect(int, int, int) override { } // it is fresh in the cache
     void run(int x, int y, int count, std::uint8_t coverage) override;
     void mask(int x, int y, int count, std::uint8_t* coverage) override;
 

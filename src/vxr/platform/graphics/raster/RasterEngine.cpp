@@ -109,7 +109,7 @@ void RasterEngine::cutClip(const FixedBox& box)
     const IntRect pixels { int(around.x0), int(around.y0), int(around.x1), int(around.y1) };
     if (pixels.isEmpty() || bounds == bounds.roundedOut())
         return narrowClip({ pixels, mClip.mask }, bounds);
-    ClipMaker maker(pixels, mClip);
+    ClipMaker maker(pixels, mClip, mMasks);
     mRaster.start(pixels, true);
     mRaster.fillBox(box, maker);
     narrowClip(maker.take(), bounds);
@@ -120,7 +120,7 @@ void RasterEngine::cutClipToOutline(WindingRule rule, const DeviceBox& bounds)
     const IntRect box = mRaster.box();
     if (box.isEmpty())
         return narrowClip({}, {});
-    ClipMaker maker(box, mClip);
+    ClipMaker maker(box, mClip, mMasks);
     mRaster.finish(rule, maker);
     narrowClip(maker.take(), bounds);
 }
@@ -169,9 +169,9 @@ void RasterEngine::fillOutline(WindingRule rule, const Paint& paint)
     const IntRect box = mRaster.box();
     if (box.isEmpty() || !setPaint(paint, box))
         return;
+    noteInk(box);
     mRaster.finish(rule, mPainter);
     mPattern.reset();
-    noteInk(box);
 }
 
 void RasterEngine::fillBox(const FixedBox& box, const Paint& paint)
@@ -180,9 +180,9 @@ void RasterEngine::fillBox(const FixedBox& box, const Paint& paint)
     const IntRect pixels = mRaster.boxOf(box);
     if (pixels.isEmpty() || !setPaint(paint, pixels))
         return;
+    noteInk(pixels);
     mRaster.fillBox(box, mPainter);
     mPattern.reset();
-    noteInk(pixels);
 }
 
 void RasterEngine::fillPath(const Path& path, WindingRule rule)
@@ -228,16 +228,15 @@ void RasterEngine::strokePath(const Path& path, const LineStyle& style)
     const DeviceMatrix toDevice = matrix();
     mRaster.start(mClip.box, state.antialias);
     OutlineFeeder feeder(toDevice, tolerance(), mRaster);
-    const auto scale = static_cast<float>(std::sqrt(std::abs(toDevice.determinant())));
-    const float error = static_cast<float>(tolerance()) / scale;
+    const double error = tolerance() / std::sqrt(std::abs(toDevice.determinant()));
     const double reach = strokeReach(style, toDevice);
     if (reach > farthestReach || !FarStroke::isFar(path, toDevice)) {
-        feeder.addArea(*path.strokedOutline(style, error));
+        mStroker.stroke(path, style, error, feeder);
     } else {
         FarStroke::cut(path, toDevice, reach, tolerance(), [&](const Path& piece, double distance) {
             LineStyle dashed = style;
             dashed.dashPhase = phaseAfter(style, distance);
-            feeder.addArea(*piece.strokedOutline(dashed, error));
+            mStroker.stroke(piece, dashed, error, feeder);
         });
     }
     fillOutline(WindingRule::NonZero, state.stroke);
@@ -260,8 +259,8 @@ void RasterEngine::fillSource(const IntRect& box, SpanSource& source, std::uint8
 {
     startPainting(state.operation);
     mPainter.setSource(source, fade);
-    mPainter.fill(box);
     noteInk(box);
+    mPainter.fill(box);
 }
 
 } // namespace vxr

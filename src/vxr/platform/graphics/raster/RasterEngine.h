@@ -2,6 +2,8 @@
 
 #include <vxr/platform/graphics/DrawingEngine.h>
 #include <vxr/platform/graphics/LayerMemory.h>
+#include <vxr/platform/graphics/path/PathStroker.h>
+#include <vxr/platform/graphics/pixels/Blur.h>
 #include <vxr/platform/graphics/raster/DeviceMatrix.h>
 #include <vxr/platform/graphics/raster/OutlineFeeder.h>
 #include <vxr/platform/graphics/raster/SpanPainter.h>
@@ -80,12 +82,15 @@ private:
     const PixelTarget& bitmap() const { return mTargets.front().pixels; }
 
     std::vector<Target> mTargets;
+    ClipMasks mMasks;
     RasterClip mClip;
     std::vector<RasterClip> mSavedClips;
+    PathStroker mStroker;
     ShapeRaster mRaster;
     SpanPainter mPainter;
     std::unique_ptr<SpanSource> mPattern; ///< of the operation under way
-    std::vector<std::uint8_t> mShadowMask;
+    std::vector<std::uint8_t> mLayerMask; ///< of a shadow, or of what a layer clears
+    BlurMemory mBlurMemory;
     LayerMemory mLayerMemory;
 };
 

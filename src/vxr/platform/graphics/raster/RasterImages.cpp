@@ -177,12 +177,11 @@ void RasterEngine::drawImage(const Rect& rect, const Image& image)
     startPainting(state.operation);
     mPainter.setSource(blend ? static_cast<SpanSource&>(*blendSource) : *imageSource, fadeOf(state.alpha));
     if (upright) {
-        mRaster.fillBox(*upright, mPainter);
         noteInk(mRaster.boxOf(*upright));
+        mRaster.fillBox(*upright, mPainter);
     } else {
-        const IntRect box = mRaster.box();
+        noteInk(mRaster.box());
         mRaster.finish(WindingRule::NonZero, mPainter);
-        noteInk(box);
     }
 }
 

@@ -1,4 +1,3 @@
-#include <vxr/platform/graphics/pixels/Blur.h>
 #include <vxr/platform/graphics/pixels/SpanKernels.h>
 #include <vxr/platform/graphics/raster/RasterEngine.h>
 
@@ -48,8 +47,21 @@ void RasterEngine::pushLayer()
 
 void RasterEngine::popLayer(LayerEnd end)
 {
-    const Target layer = mTargets.back();
-    mTargets.pop_back();
+    /// Gives the layer's memory back, whatever happens.
+    struct Ended {
+        RasterEngine& engine;
+        const Target layer;
+
+        explicit Ended(RasterEngine& e)
+            : engine(e)
+            , layer(e.mTargets.back())
+        {
+            engine.mTargets.pop_back();
+        }
+        ~Ended() { engine.releaseLayer(layer); }
+    };
+    const Ended ended(*this);
+    const Target& layer = ended.layer;
     didRestoreState();
     if (end != LayerEnd::Drop && !mClip.box.isEmpty()) {
         if (end == LayerEnd::Compose && state.operation == CompositeOperation::Copy) {
@@ -62,7 +74,6 @@ void RasterEngine::popLayer(LayerEnd end)
         if (end == LayerEnd::Compose)
             drawLayer(layer);
     }
-    releaseLayer(layer);
 }
 
 void RasterEngine::releaseLayer(Target layer)
@@ -82,15 +93,16 @@ void RasterEngine::drawLayer(const Target& layer)
     LayerSource source(layer.pixels);
     startPainting(CompositeOperation::SourceOver);
     mPainter.setSource(source, channelByte(state.alpha));
-    mPainter.fill(seen);
     noteInk(seen);
+    mPainter.fill(seen);
 }
 
 // What a layer clears is what it covers.
 void RasterEngine::eraseWith(const Target& layer, const IntRect& seen)
 {
     startPainting(CompositeOperation::Clear);
-    std::vector<std::uint8_t> coverage(static_cast<std::size_t>(seen.width()));
+    std::vector<std::uint8_t>& coverage = mLayerMask;
+    coverage.resize(static_cast<std::size_t>(seen.width()));
     for (int y = seen.y0; y < seen.y1; ++y) {
         const std::uint32_t* row = layer.pixels.at(seen.x0, y);
         for (std::size_t i = 0; i < coverage.size(); ++i)
@@ -142,9 +154,9 @@ void RasterEngine::drawShadowOf(const Target& layer)
     const IntRect near = shown.moved(-shadow.dx, -shadow.dy).grown(shadow.reach);
     const IntRect area = intersection(ink.grown(shadow.reach), near);
     const auto width = static_cast<std::size_t>(area.width());
-    mShadowMask.assign(width * static_cast<std::size_t>(area.height()), 0);
+    mLayerMask.assign(width * static_cast<std::size_t>(area.height()), 0);
     const auto maskAt = [&](int x, int y) {
-        return mShadowMask.data() + static_cast<std::size_t>(y - area.y0) * width
+        return mLayerMask.data() + static_cast<std::size_t>(y - area.y0) * width
             + static_cast<std::size_t>(x - area.x0);
     };
     const IntRect casting = intersection(ink, area);
@@ -155,7 +167,8 @@ void RasterEngine::drawShadowOf(const Target& layer)
             to[i] = static_cast<std::uint8_t>(from[i] >> 24);
     }
     const auto stride = static_cast<std::ptrdiff_t>(width);
-    blurA8(mShadowMask.data(), stride, area.width(), area.height(), shadow.sigma, mShadowMask.data(), stride);
+    blurA8(mLayerMask.data(), stride, area.width(), area.height(), shadow.sigma, mLayerMask.data(), stride,
+        mBlurMemory);
 
     startPainting(CompositeOperation::SourceOver);
     const auto& [red, green, blue, alpha] = state.shadow.rgba;

@@ -3,6 +3,7 @@
 #include <vxr/platform/graphics/pixels/SpanKernels.h>
 
 #include <limits>
+#include <utility>
 
 namespace vxr {
 
@@ -11,7 +12,8 @@ namespace {
 constexpr int subpixelBits = 8;
 constexpr std::size_t bandCells = 1 << 16; ///< in a band, so that it stays in the cache
 constexpr int leastBandRows = 8;
-constexpr std::size_t maxKeptEdges = 1 << 20; ///< memory for more is given back
+constexpr std::size_t mostEdges = 1 << 18; ///< more are summed up at once rather than kept
+constexpr std::size_t mostSummed = 1 << 24; ///< cells; larger pictures keep all edges
 
 int pixelOf(std::int32_t v) { return v >> subpixelBits; }
 int pixelAfter(std::int32_t v) { return (v + subpixels - 1) >> subpixelBits; }
@@ -31,8 +33,10 @@ void ShapeRaster::start(const IntRect& visible, bool antialias)
     mLeast = { most, most };
     mMost = { least, least };
     mEdges.clear();
-    if (mEdges.capacity() > maxKeptEdges)
+    if (mEdges.capacity() > mostEdges)
         mEdges.shrink_to_fit();
+    if (std::exchange(mIsSummed, false))
+        mCells = {};
 }
 
 // What lies to the left counts by its height alone; above, below and to the right nothing does.
@@ -47,14 +51,36 @@ void ShapeRaster::add(const Edge& edge)
         return;
     mLeast = { std::min(mLeast.x, lowX), std::min(mLeast.y, lowY) };
     if (highX <= mLeft)
-        mEdges.push_back({ { mLeft, edge.from.y }, { mLeft, edge.to.y } });
+        put({ { mLeft, edge.from.y }, { mLeft, edge.to.y } });
     else
-        mEdges.push_back(edge);
+        put(edge);
+}
+
+inline void ShapeRaster::put(const Edge& edge)
+{
+    if (mEdges.size() == mostEdges)
+        sumUp();
+    mEdges.push_back(edge);
+}
+
+// Sums don't depend on the order of edges, nor on the box that is summed up.
+void ShapeRaster::sumUp()
+{
+    const auto cells
+        = static_cast<std::size_t>(mVisible.width()) * static_cast<std::size_t>(mVisible.height());
+    if (cells > mostSummed)
+        return;
+    if (!mIsSummed)
+        mCells.start(mVisible);
+    mIsSummed = true;
+    for (const Edge& edge : mEdges)
+        addToCells(edge);
+    mEdges.clear();
 }
 
 IntRect ShapeRaster::box() const
 {
-    if (mEdges.empty())
+    if (mEdges.empty() && !mIsSummed)
         return {};
     const IntRect edges { pixelOf(mLeast.x), pixelOf(mLeast.y), pixelAfter(mMost.x), pixelAfter(mMost.y) };
     return intersection(edges, mVisible);
@@ -73,6 +99,10 @@ void ShapeRaster::finish(WindingRule rule, CoverageSink& sink)
     const IntRect shape = box();
     if (shape.isEmpty())
         return;
+    if (mIsSummed) {
+        sumUp();
+        return mCells.sweep(rule, sink);
+    }
     const auto width = static_cast<std::size_t>(shape.width());
     if (width * static_cast<std::size_t>(shape.height()) <= bandCells) {
         mCells.start(shape);

@@ -10,7 +10,7 @@ struct FixedBox {
 };
 
 /// Turns the outline of a shape into the coverage of its pixels, band by band. What it allocates it keeps for
-/// the next shape.
+/// the next shape, but for what very many edges take.
 class ShapeRaster {
 public:
     /// Starts a shape of which `visible` is wanted.
@@ -28,6 +28,8 @@ public:
 private:
     void sortIntoBands(const IntRect& box, int rows, std::size_t bands);
     void addToCells(const Edge&);
+    void put(const Edge&);
+    void sumUp();
 
     IntRect mVisible;
     bool mAntialias = true;
@@ -35,6 +37,7 @@ private:
     FixedPoint mLeast, mMost; ///< of the edges
     std::vector<Edge> mEdges;
     AreaCells mCells;
+    bool mIsSummed = false; ///< the cells hold edges that are no longer kept, of all that is visible
     std::vector<std::uint32_t> mBandEnds, mOrder, mActive;
 };
 

@@ -61,6 +61,15 @@ void SpanPainter::mask(int x, int y, int count, std::uint8_t* coverage)
     mOperation->pixelsMask(to, size, mSource->span(x, y, count, mBuffer.data()), coverage);
 }
 
+void SpanPainter::expect(int x, int y, int count)
+{
+    constexpr int lineOfCache = 16; // pixels
+    const std::uint32_t* pixels = mTarget.at(x, y);
+    for (int i = 0; i < count; i += lineOfCache)
+        __builtin_prefetch(pixels + i, 1);
+    __builtin_prefetch(pixels + count - 1, 1);
+}
+
 void SpanPainter::fill(const IntRect& box)
 {
     for (int y = box.y0; y < box.y1 && box.x0 < box.x1; ++y)

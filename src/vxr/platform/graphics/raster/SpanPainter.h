@@ -34,6 +34,7 @@ public:
     void setColor(std::uint32_t premultiplied);
     void setSource(SpanSource&, std::uint8_t fade); ///< `fade` multiplies the source's pixels
 
+    void expect(int x, int y, int count) override;
     void run(int x, int y, int count, std::uint8_t coverage) override;
     void mask(int x, int y, int count, std::uint8_t* coverage) override;
 
