@@ -7,6 +7,7 @@ namespace vxr {
 namespace {
 
 constexpr double pi = std::numbers::pi;
+constexpr std::size_t longOutline = 1 << 23; ///< vertices, after which arcs and caps are coarse
 
 Vec2 rotated(Vec2 v, double cosine, double sine)
 {
@@ -104,7 +105,6 @@ void StrokeOutliner::turn(Vec2 direction, Turn kind)
 /// shorter. A very long outline gets coarse arcs, which bounds it.
 void StrokeOutliner::addArc(std::vector<Vec2>& points, Vec2 from, Vec2 to, bool toLeft) const
 {
-    constexpr std::size_t longOutline = 1 << 23;
     const bool coarse = mWritten > longOutline;
     const double cosine = coarse ? 0.5 : mStepCosine, sine = coarse ? std::numbers::sqrt3 / 2 : mStepSine;
     const double least = mRadius * mRadius * cosine;
@@ -118,8 +118,12 @@ void StrokeOutliner::addArc(std::vector<Vec2>& points, Vec2 from, Vec2 to, bool 
 /// Clockwise, without the ends.
 void StrokeOutliner::addHalfCircle(std::vector<Vec2>& points, Vec2 p, Vec2 from) const
 {
-    for (int i = 1; i < mHalfCircleSteps; ++i)
-        points.push_back(p + (from = rotated(from, mHalfCircleCosine, -mHalfCircleSine)));
+    const bool coarse = mWritten > longOutline && mHalfCircleSteps > 3;
+    const int steps = coarse ? 3 : mHalfCircleSteps;
+    const double cosine = coarse ? 0.5 : mHalfCircleCosine;
+    const double sine = coarse ? std::numbers::sqrt3 / 2 : mHalfCircleSine;
+    for (int i = 1; i < steps; ++i)
+        points.push_back(p + (from = rotated(from, cosine, -sine)));
 }
 
 /// From the left side of an end to its right side, looking along `direction`, without these two points.

@@ -28,6 +28,11 @@ struct EdgeLine {
     {
         return y == y1 ? x1 : x0 + std::int32_t(((std::int64_t(y) - y0) * slope + half) >> 32);
     }
+    /// As `xAt`, with the bits that it cuts off; not for the lower end, below which it wraps around.
+    std::uint64_t exactXAt(std::int32_t y) const
+    {
+        return (std::uint64_t(x0) << 32) + std::uint64_t(std::int64_t(y) - y0) * std::uint64_t(slope) + half;
+    }
     std::int32_t yAt(std::int32_t x) const
     {
         if (steepness == 0)
@@ -61,25 +66,35 @@ void AreaCells::start(const IntRect& box)
         mCoverage.resize(static_cast<std::size_t>(mStride));
 }
 
-inline void AreaCells::mark(int row, int column)
-{
-    const int group = column >> groupBits;
-    mMarks[static_cast<std::size_t>(row * mWordsPerRow + (group >> 6))] |= std::uint64_t(1) << (group & 63);
-}
+/// The cells and marks of one row.
+struct AreaCells::Row {
+    std::int32_t* cells;
+    std::uint64_t* marks;
 
-/// Adds an edge within one cell: `height` units high, the sum of its ends' x within the cell being `twiceX`.
-inline void AreaCells::put(int row, int column, std::int32_t height, std::int32_t twiceX)
-{
-    std::int32_t* cell = mCells.data() + static_cast<std::ptrdiff_t>(row) * mStride + column;
-    const auto carried = static_cast<std::uint32_t>(height * twiceX);
-    const auto whole = static_cast<std::uint32_t>(height * 2 * subpixels);
-    // Sums wrap around.
-    cell[0] = static_cast<std::int32_t>(static_cast<std::uint32_t>(cell[0]) + whole - carried);
-    cell[1] = static_cast<std::int32_t>(static_cast<std::uint32_t>(cell[1]) + carried);
-    mark(row, column);
-    if ((column & 7) == 7)
-        mark(row, column + 1);
-}
+    Row(AreaCells& of, int row)
+        : cells(of.mCells.data() + static_cast<std::ptrdiff_t>(row) * of.mStride)
+        , marks(of.mMarks.data() + static_cast<std::ptrdiff_t>(row) * of.mWordsPerRow)
+    {
+    }
+
+    /// Adds an edge within one cell: `height` units high, the sum of its ends' x within the cell being
+    /// `twiceX`.
+    void put(int column, std::int32_t height, std::int32_t twiceX)
+    {
+        std::int32_t* cell = cells + column;
+        const auto carried = static_cast<std::uint32_t>(height * twiceX);
+        const auto whole = static_cast<std::uint32_t>(height * 2 * subpixels);
+        // Sums wrap around.
+        cell[0] = static_cast<std::int32_t>(static_cast<std::uint32_t>(cell[0]) + whole - carried);
+        cell[1] = static_cast<std::int32_t>(static_cast<std::uint32_t>(cell[1]) + carried);
+        mark(column >> groupBits);
+        if ((column & 7) == 7)
+            mark((column + 1) >> groupBits);
+    }
+
+private:
+    void mark(int group) { marks[group >> 6] |= std::uint64_t(1) << (group & 63); }
+};
 
 void AreaCells::add(const Edge& edge)
 {
@@ -101,36 +116,45 @@ void AreaCells::add(const Edge& edge)
         const std::int32_t x = std::max(line.x0, left) - left;
         const int column = line.x0 <= left ? 0 : x >> subpixelBits;
         const std::int32_t twiceX = line.x0 <= left || line.x0 != line.x1 ? 0 : 2 * fraction(x);
-        for (int row = (y >> subpixelBits) - mBox.y0; y < end; ++row) {
-            const std::int32_t next = std::min((row + mBox.y0 + 1) * subpixels, end);
-            put(row, column, sign * (next - y), twiceX);
+        Row row(*this, (y >> subpixelBits) - mBox.y0);
+        for (; y < end; row.cells += mStride, row.marks += mWordsPerRow) {
+            const std::int32_t next = std::min((y | (subpixels - 1)) + 1, end);
+            row.put(column, sign * (next - y), twiceX);
             y = next;
         }
         return;
     }
-    std::int32_t x = y == line.y0 ? line.x0 : line.xAt(y);
-    for (int row = (y >> subpixelBits) - mBox.y0; y < end; ++row) {
-        const std::int32_t next = std::min((row + mBox.y0 + 1) * subpixels, end);
-        const std::int32_t nextX = line.xAt(next);
-        addColumns(row, x - left, y, nextX - left, next, sign, line);
+    const std::int32_t width = mBox.width() * subpixels;
+    std::int32_t x = (y == line.y0 ? line.x0 : line.xAt(y)) - left;
+    // Where the line crosses the rows' ends, in whole steps of exact numbers: the same as `xAt` gives.
+    std::uint64_t crossing = line.exactXAt((y | (subpixels - 1)) + 1);
+    Row row(*this, (y >> subpixelBits) - mBox.y0);
+    while (y < end) {
+        const std::int32_t next = std::min((y | (subpixels - 1)) + 1, end);
+        const std::int32_t nextX
+            = (next == line.y1 ? line.x1 : std::int32_t(std::int64_t(crossing) >> 32)) - left;
+        if (x >> subpixelBits == nextX >> subpixelBits && x >= 0 && x < width)
+            row.put(x >> subpixelBits, sign * (next - y), fraction(x) + fraction(nextX));
+        else
+            addColumns(row, x, y, nextX, next, sign, line);
         x = nextX;
         y = next;
+        crossing += std::uint64_t(line.slope) * subpixels;
+        row.cells += mStride;
+        row.marks += mWordsPerRow;
     }
 }
 
 /// Adds the part of an edge within one row: from (xa, ya) down to (xb, yb), x from the band's left side.
-inline void AreaCells::addColumns(int row, std::int32_t xa, std::int32_t ya, std::int32_t xb, std::int32_t yb,
+void AreaCells::addColumns(Row row, std::int32_t xa, std::int32_t ya, std::int32_t xb, std::int32_t yb,
     int sign, const EdgeLine& line)
 {
     const std::int32_t width = mBox.width() * subpixels;
     const int columnA = xa >> subpixelBits, columnB = xb >> subpixelBits;
-    if (columnA == columnB && xa >= 0) {
-        if (xa < width)
-            put(row, columnA, sign * (yb - ya), fraction(xa) + fraction(xb));
+    if (columnA == columnB && xa >= 0) // beside the band: what lies within goes by another way
         return;
-    }
     if (xa <= 0 && xb <= 0)
-        return put(row, 0, sign * (yb - ya), 0);
+        return row.put(0, sign * (yb - ya), 0);
     if (xa >= width && xb >= width)
         return;
     // From left to right; the heights keep the sign of a walk downwards.
@@ -147,7 +171,7 @@ inline void AreaCells::addColumns(int row, std::int32_t xa, std::int32_t ya, std
     std::int32_t from = fraction(xa);
     if (xa < 0) {
         const std::int32_t next = crossing(0);
-        put(row, 0, sign * (next - y), 0);
+        row.put(0, sign * (next - y), 0);
         y = next;
         column = 0;
         from = 0;
@@ -156,12 +180,12 @@ inline void AreaCells::addColumns(int row, std::int32_t xa, std::int32_t ya, std
     const int stop = std::min(last, mBox.width());
     for (; column < stop; ++column) {
         const std::int32_t next = crossing((column + 1) * subpixels);
-        put(row, column, sign * (next - y), from + subpixels);
+        row.put(column, sign * (next - y), from + subpixels);
         y = next;
         from = 0;
     }
     if (column == last && xb < width)
-        put(row, column, sign * (yb - y), from + fraction(xb));
+        row.put(column, sign * (yb - y), from + fraction(xb));
 }
 
 void AreaCells::addSamples(const Edge& edge)
@@ -179,7 +203,7 @@ void AreaCells::addSamples(const Edge& edge)
         const std::int32_t x = line.xAt(row * subpixels + half);
         const int column = std::max((x + half - 1) >> subpixelBits, mBox.x0) - mBox.x0;
         if (column < mBox.width())
-            put(row - mBox.y0, column, sign * subpixels, 0);
+            Row(*this, row - mBox.y0).put(column, sign * subpixels, 0);
     }
 }
 

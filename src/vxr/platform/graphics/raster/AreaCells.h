@@ -54,11 +54,10 @@ private:
     static constexpr int groupBits = 3;
     static constexpr int leastRun = 16; ///< pixels of one coverage that are handed on as a run
 
-    void addRow(int row, std::int32_t xa, std::int32_t xb, std::int32_t height, int sign);
-    void addColumns(int row, std::int32_t xa, std::int32_t ya, std::int32_t xb, std::int32_t yb, int sign,
+    struct Row;
+
+    void addColumns(Row, std::int32_t xa, std::int32_t ya, std::int32_t xb, std::int32_t yb, int sign,
         const struct EdgeLine&);
-    void put(int row, int column, std::int32_t height, std::int32_t twiceX);
-    void mark(int row, int column);
     void expectRow(int row, CoverageSink&) const;
     void sweepRow(int row, WindingRule, CoverageSink&);
 

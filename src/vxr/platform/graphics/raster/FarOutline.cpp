@@ -152,16 +152,40 @@ void FarOutline::cutArea(const Path& path, const DeviceMatrix& toDevice, const S
     walk.move({});
 }
 
+/// Whether a point lies above the near range (-1) or below it (1) for sure, as double precision can tell.
+static int surelyBeyond(Vec2 p, const DeviceMatrix& m)
+{
+    constexpr double error = 1e-14; // more than rounding makes of the sum's largest term
+    const double across = m.yx * p.x, down = m.yy * p.y, y = across + down + m.y0;
+    const double least = nearRange + error * (std::abs(across) + std::abs(down) + std::abs(m.y0));
+    return y < -least ? -1 : y > least ? 1 : 0;
+}
+
+// A contour may have millions of vertices, most of them far above or below.
 void FarOutline::cutContour(std::span<const Vec2> vertices, const DeviceMatrix& toDevice, const Sink& sink)
 {
-    const QuadMatrix matrix(toDevice);
-    Cutter cutter(sink);
     if (vertices.empty())
         return;
-    Vec2 from = vertices.back();
+    const QuadMatrix matrix(toDevice);
+    Cutter cutter(sink);
+    const Vec2* mapped = nullptr; // the vertex that `last` is
+    QuadPoint last {};
+    const auto map = [&](const Vec2& v) {
+        if (mapped != &v)
+            last = matrix.map(v);
+        mapped = &v;
+        return last;
+    };
+    const Vec2* from = &vertices.back();
+    int sideOfFrom = surelyBeyond(*from, toDevice);
     for (const Vec2& to : vertices) {
-        cutter.line(matrix.map(from), matrix.map(to));
-        from = to;
+        const int side = surelyBeyond(to, toDevice);
+        if (side == 0 || side != sideOfFrom) {
+            const QuadPoint start = map(*from);
+            cutter.line(start, map(to));
+        }
+        from = &to;
+        sideOfFrom = side;
     }
 }
 

@@ -3,6 +3,7 @@
 #include <vxr/platform/graphics/path/PointMagnitude.h>
 #include <vxr/platform/graphics/raster/FarOutline.h>
 
+#include <array>
 #include <cmath>
 
 namespace vxr {
@@ -16,7 +17,15 @@ bool isNear(double magnitude, const DeviceMatrix& m)
         && (std::abs(m.yx) + std::abs(m.yy)) * magnitude + std::abs(m.y0) < nearRange;
 }
 
-std::int32_t fixedOf(double v) { return static_cast<std::int32_t>(std::floor(v * subpixels + 0.5)); }
+/// The next whole number, halves upwards, of a value within 2^29. Without a call of `floor`: a conversion
+/// cuts off what follows the point of positive numbers.
+inline std::int32_t nearest(double v)
+{
+    constexpr std::int64_t bias = 1 << 30;
+    return static_cast<std::int32_t>(static_cast<std::int64_t>(v + (bias + 0.5)) - bias);
+}
+
+inline std::int32_t fixedOf(double v) { return nearest(v * subpixels); }
 FixedPoint fixedPointOf(Vec2 p) { return { fixedOf(p.x), fixedOf(p.y) }; }
 
 } // namespace
@@ -88,9 +97,19 @@ void OutlineFeeder::addContour(std::span<const Vec2> vertices)
 
 void OutlineFeeder::addRect(const Rect& r)
 {
-    Path path;
-    path.appendRect(r);
-    addArea(path);
+    const std::array<Point, 4> corners { r.origin, Point { r.maxX(), r.minY() }, Point { r.maxX(), r.maxY() },
+        Point { r.minX(), r.maxY() } };
+    if (!isNear(largestMagnitude(corners), mMatrix)) {
+        Path path;
+        path.appendRect(r);
+        return addArea(path);
+    }
+    FixedPoint pen = fixed(corners.back());
+    for (const Point corner : corners) {
+        const FixedPoint to = fixed(corner);
+        addLine(pen, to);
+        pen = to;
+    }
 }
 
 // In equal steps of the parameter the error of the chords is at most 3/4 of the second difference over the
@@ -122,8 +141,7 @@ void OutlineFeeder::addCurve(FixedPoint p0, FixedPoint p1, FixedPoint p2, FixedP
             const double t = i * h;
             const double x = ((cubicX * t + 3 * firstX) * t + 3 * x1) * t - outwards * (firstX + cubicX * t);
             const double y = ((cubicY * t + 3 * firstY) * t + 3 * y1) * t - outwards * (firstY + cubicY * t);
-            const FixedPoint to { p0.x + static_cast<std::int32_t>(std::floor(x + 0.5)),
-                p0.y + static_cast<std::int32_t>(std::floor(y + 0.5)) };
+            const FixedPoint to { p0.x + nearest(x), p0.y + nearest(y) };
             addLine(pen, to);
             pen = to;
         }

@@ -15,7 +15,8 @@ constexpr double maxPeriodPixels = 1 << 22; ///< larger periods are painted wher
 constexpr double wholePixels = 1e-3; ///< steps this close to whole pixels are
 constexpr double leastCellPixels = 64; ///< smaller cells are drawn once and repeated
 constexpr double leastCellSide = 4;
-constexpr double mostCells = 1 << 16; ///< drawn one by one
+constexpr double mostCells = 1 << 16; ///< drawn one by one, however the cells are skewed
+constexpr double leastPixelsPerCell = 8; ///< of an area, for each cell that is drawn into it
 constexpr double mostOverlap = 8; ///< cells that may lie over one another along an axis
 constexpr double leastPixels = 8; ///< a repeated cell is drawn in, to be averaged
 constexpr double leastStep = 1; ///< of a repeated cell in pixels
@@ -200,8 +201,9 @@ public:
             return std::make_unique<TiledSource>(keptPeriod(period));
         const double columnStep = std::hypot(mMatrix.xx, mMatrix.yx) * mXStep;
         const double rowStep = std::hypot(mMatrix.xy, mMatrix.yy) * mYStep;
-        if (std::abs(mMatrix.determinant()) * mXStep * mYStep >= leastCellPixels
-            && columnStep >= leastCellSide && rowStep >= leastCellSide && cellsIn(area).count() <= mostCells)
+        const double pixels = std::abs(mMatrix.determinant()) * mXStep * mYStep;
+        if (pixels >= std::max(leastCellPixels, leastPixelsPerCell * overlap()) && columnStep >= leastCellSide
+            && rowStep >= leastCellSide && cellsIn(area).count() <= mostCells)
             return std::make_unique<PaintedSource>(painted(area));
         return repeatedCell(columnStep, rowStep);
     }
@@ -211,8 +213,22 @@ private:
     struct Range {
         double i0, i1, j0, j1;
 
-        double count() const { return (i1 - i0 + 1) * (j1 - j0 + 1); }
+        /// Infinite where indices are no whole numbers any more.
+        double count() const
+        {
+            constexpr double farthest = 1 << 30;
+            const bool isNear = std::max({ -i0, i1, -j0, j1 }) < farthest;
+            return isNear ? (i1 - i0 + 1) * (j1 - j0 + 1) : HUGE_VAL;
+        }
     };
+
+    /// How many cells lie over one another.
+    double overlap() const
+    {
+        const auto along
+            = [](double cell, double step) { return std::ceil(std::min(cell / step, mostOverlap)); };
+        return along(mPattern.cell().size.width, mXStep) * along(mPattern.cell().size.height, mYStep);
+    }
 
     /// The cells that reach into a box, not those that touch it.
     Range cellsIn(const IntRect& box) const

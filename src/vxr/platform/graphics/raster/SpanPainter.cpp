@@ -15,10 +15,10 @@ void SpanPainter::start(const PixelTarget& target, const RasterClip& clip, Compo
     mSource = nullptr;
     mFade = 255;
     const auto width = static_cast<std::size_t>(target.extents.width());
-    if (mBuffer.size() < width) {
+    if (mBuffer.size() < width)
         mBuffer.resize(width);
+    if (mCoverage.size() < width)
         mCoverage.resize(width);
-    }
 }
 
 void SpanPainter::setColor(std::uint32_t premultiplied) { mColor = premultiplied; }
