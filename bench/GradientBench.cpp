@@ -109,24 +109,14 @@ void addStops(cairo_pattern_t* pattern, const VXRGradient& gradient)
 
 void addPath(cairo_t* cr, const Path& path)
 {
-    for (std::size_t i = 0; i < path.elementCount(); ++i) {
-        const PathElement element = path.elementAtIndex(i);
-        const auto& p = element.points;
-        switch (element.kind) {
-        case PathElementKind::MoveTo:
-            cairo_move_to(cr, p[0].x, p[0].y);
-            break;
-        case PathElementKind::LineTo:
-            cairo_line_to(cr, p[0].x, p[0].y);
-            break;
-        case PathElementKind::CurveTo:
-            cairo_curve_to(cr, p[0].x, p[0].y, p[1].x, p[1].y, p[2].x, p[2].y);
-            break;
-        case PathElementKind::Close:
-            cairo_close_path(cr);
-            break;
-        }
-    }
+    struct Adder {
+        cairo_t* cr;
+        void moveTo(Point p) { cairo_move_to(cr, p.x, p.y); }
+        void lineTo(Point p) { cairo_line_to(cr, p.x, p.y); }
+        void curveTo(Point a, Point b, Point p) { cairo_curve_to(cr, a.x, a.y, b.x, b.y, p.x, p.y); }
+        void close() { cairo_close_path(cr); }
+    };
+    path.visit(Adder { cr });
 }
 
 void paintByLibrary(const Page& page)

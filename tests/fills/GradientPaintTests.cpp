@@ -140,6 +140,27 @@ TEST(AngleGradientPainting, BothRoutesShowTheSameColours)
     }
 }
 
+// Seven levels over the whole width: without a dither, or with one that is lost on the way, there are bands.
+TEST(AngleGradientPainting, AStretchedRampKeepsItsMeans)
+{
+    constexpr int high = 120, block = 20;
+    VXRAngleGradient gradient(rgb(0.4f, 0.4f, 0.4f), rgb(0.43f, 0.43f, 0.43f), VXRLinearGradient);
+    for (const int stretch : { 1, 3, 8 }) {
+        const int wide = 100 * stretch;
+        const auto bitmap = bitmapOf(wide, high, [&] {
+            currentDrawingPort().scale(float(stretch), float(stretch));
+            gradient.paintRect({ 0, 0, 100, high });
+        });
+        for (int x = 0; x < wide; x += block) {
+            double sum = 0;
+            for (int i = 0; i < block * high; ++i)
+                sum += pixelAt(*bitmap, x + i % block, i / block).red;
+            const double ramp = 0.4 + 0.03 * (x + block / 2) / wide;
+            EXPECT_NEAR(sum / (block * high), 255 * ramp, 0.2) << stretch << " at " << x;
+        }
+    }
+}
+
 TEST(TransformGradientPainting, TheAxisRunsFromStartToEndUnderTheTransform)
 {
     const auto gradient = redToBlue<VXRTransformGradient>();

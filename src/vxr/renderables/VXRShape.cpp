@@ -216,34 +216,37 @@ bool VXRShape::tellsOfChangedBounds() const
     return type == typeid(VXRShape) || type == typeid(VXRStar) || type == typeid(VXRRegularPolygon);
 }
 
+namespace {
+
+/// Looks for a segment of a flat path that meets a rectangle.
+struct OutlineMeetsRect {
+    Rect rect;
+    bool found = false;
+    Point current {}, start {};
+
+    void moveTo(Point p) { current = start = p; }
+    void lineTo(Point p)
+    {
+        found = found || VXRLineIntersectsRect(current, p, rect);
+        current = p;
+    }
+    void curveTo(Point, Point, Point)
+    {
+        VXULog_Fn(
+            VXULogLevelWarning, "VXRShape.cpp", "Warning: VXRShape got illegal NSCurveToBezierPathElement");
+    }
+    void close() { found = found || VXRLineIntersectsRect(current, start, rect); }
+};
+
+} // namespace
+
 bool VXRShape::intersectsRect(const Rect& rect) const
 {
     if (!rectsIntersect(rect, geometricBounds()))
         return false;
-    const auto flat = transformedPath()->bezierPathByFlatteningPath();
-    Point current, start;
-    for (std::size_t i = 0; i < flat->elementCount(); ++i) {
-        const PathElement element = flat->elementAtIndex(i);
-        switch (element.kind) {
-        case PathElementKind::MoveTo:
-            current = start = element.endPoint();
-            break;
-        case PathElementKind::LineTo:
-            if (VXRLineIntersectsRect(current, element.endPoint(), rect))
-                return true;
-            current = element.endPoint();
-            break;
-        case PathElementKind::Close:
-            if (VXRLineIntersectsRect(current, start, rect))
-                return true;
-            break;
-        case PathElementKind::CurveTo:
-            VXULog_Fn(
-                VXULogLevelWarning, __FILE__, "Warning: VXRShape got illegal NSCurveToBezierPathElement");
-            break;
-        }
-    }
-    return false;
+    OutlineMeetsRect outline { rect };
+    transformedPath()->bezierPathByFlatteningPath()->visit(outline);
+    return outline.found;
 }
 
 // Line ends of an open shape.

@@ -78,7 +78,7 @@ void VXRCanvas::setAccelerated(bool accelerated)
 {
     mAccelerated = false;
     if (accelerated)
-        VXULog_Fn(VXULogLevelWarning, __FILE__, "WARNING, no accelerated road is built in.");
+        VXULog_Fn(VXULogLevelWarning, "VXRCanvas.cpp", "WARNING, no accelerated road is built in.");
 }
 
 // Registration.

@@ -44,7 +44,7 @@ std::shared_ptr<const VXRStrokeBundle> VXRStrokeBundleFolder::strokeBundleForNam
         text.resize(static_cast<std::size_t>(file.gcount()));
         bundle = VXRStrokeBundle::bundleFromText(text, mFolder, &error);
         if (!bundle)
-            VXULog_Fn(VXULogLevelWarning, __FILE__,
+            VXULog_Fn(VXULogLevelWarning, "VXRStrokeBundleFolder.cpp",
                 fmt::format("WARNING, stroke bundle {} can't be read: {}", path, error).c_str());
     }
     if (mRead.size() < mostKept)

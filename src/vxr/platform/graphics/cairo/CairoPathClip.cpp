@@ -32,30 +32,32 @@ public:
     /// Calls `take(polyline, closed)` for each sub-path whose coordinates are all finite.
     template <class Take> void walk(const Path& path, Take take)
     {
-        const Point* p = path.points().data();
-        const auto finish = [&](bool closed) {
-            if (mFinite && mLine.size() > 1)
-                take(mLine, closed);
-        };
-        for (const PathElementKind kind : path.kinds()) {
-            if (kind == PathElementKind::Close) {
-                finish(true);
-                mLine.resize(std::min<std::size_t>(mLine.size(), 1)); // what follows goes on from the start
-                continue;
+        struct Walk {
+            DeviceFlattener& to;
+            Take& take;
+
+            void finish(bool closed)
+            {
+                if (to.mFinite && to.mLine.size() > 1)
+                    take(to.mLine, closed);
             }
-            if (kind == PathElementKind::MoveTo) {
+            void moveTo(Point p)
+            {
                 finish(false);
-                mLine.clear();
-                mFinite = true;
+                to.mLine.clear();
+                to.mFinite = true;
+                lineTo(p);
             }
-            if (kind == PathElementKind::CurveTo) {
-                add(map(p[0]), map(p[1]), map(p[2]));
-                p += 3;
-            } else {
-                mLine.push_back(map(*p++));
+            void lineTo(Point p) { to.mLine.push_back(to.map(p)); }
+            void curveTo(Point a, Point b, Point p) { to.add(to.map(a), to.map(b), to.map(p)); }
+            void close()
+            {
+                finish(true);
+                to.mLine.resize(std::min<std::size_t>(to.mLine.size(), 1)); // what follows starts there
             }
-        }
-        finish(false);
+        } walk { *this, take };
+        path.visit(walk);
+        walk.finish(false);
     }
 
 private:
