@@ -243,6 +243,31 @@ TEST(Canvas, WideSquareCapsAreWholeOnBothRoads)
     }
 }
 
+/// Of what reaches far out of sight on all sides, all that can be seen is there.
+TEST(Canvas, FarCoordinatesAreExactOnBothRoads)
+{
+    for (const bool compositor : { false, true }) {
+        for (const float far : { 1e5f, 7.7e5f, 5e7f, 1e9f, 1e30f }) {
+            PageScene scene(windowSize, pageSize);
+            scene.canvas->setUsesCompositor(compositor);
+            auto path = Path::path();
+            path->appendPolygon(std::vector<Point> { { -far, 100 }, { far, 100 }, { 0, far } });
+            auto shape = VXRShape::shapeWithBezierPath(path);
+            shape->setFill(Color::blackColor());
+            scene.canvas->add(shape);
+            const auto blackRows = [&] {
+                int black = 0;
+                for (const std::uint32_t pixel : scene.redrawn())
+                    black += pixel == 0xff000000;
+                return black / float(windowSize.width);
+            };
+            EXPECT_EQ(blackRows(), windowSize.height - 100) << compositor << " " << far;
+            scene.canvas->scrollPoint({ 50, 30 });
+            EXPECT_EQ(blackRows(), windowSize.height - 70) << compositor << " " << far;
+        }
+    }
+}
+
 /// Where several paints of one object meet, a layer rounds them before it is blended, and a redraw without
 /// one after. In groups more of them meet.
 TEST(Canvas, RoadsAgreeAtWholeZooms)

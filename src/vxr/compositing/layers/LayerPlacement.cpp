@@ -5,9 +5,27 @@
 #include <vxr/protocols/VXRCanvasRole.h>
 #include <vxr/protocols/VXRLayeredRenderable.h>
 
+#include <algorithm>
 #include <cmath>
 
 namespace vxr {
+
+// Cut at multiples of a power of two, so that the part is a different one after far scrolling only.
+Rect boundsOfLayer(const VXRLayeredRenderable& renderable, float zoom)
+{
+    const Rect bounds = renderable.alignmentBounds();
+    const float farthest = std::max({ std::abs(bounds.minX()), std::abs(bounds.minY()),
+        std::abs(bounds.maxX()), std::abs(bounds.maxY()) });
+    const VXRCanvasRole* canvas = renderable.canvas();
+    if (farthest * zoom <= 0x1p22f || !canvas)
+        return bounds;
+    const Rect seen = canvas->clipViewVisibleRect();
+    const float step = std::exp2(std::ceil(std::log2(0x1p19f / zoom)));
+    const Rect around { (std::floor(seen.minX() / step) - 1) * step,
+        (std::floor(seen.minY() / step) - 1) * step, 4 * step, 4 * step };
+    const Rect part = intersectionRect(bounds, around);
+    return part == Rect {} ? bounds : part;
+}
 
 Point placeOfLayer(const Rect& bounds, const Rect& seen, float zoom, bool isFlipped)
 {
@@ -40,7 +58,7 @@ Rect rectThatShows(const VXRLayeredRenderable& renderable, const Rect& visible, 
         showing = { visible.minX() - (cast.maxX() - visible.maxX()),
             visible.minY() - (cast.maxY() - visible.maxY()), cast.size.width, cast.size.height };
     }
-    const Point origin = renderable.alignmentBounds().origin;
+    const Point origin = boundsOfLayer(renderable, zoom).origin;
     if (isNearlyWhole((origin.x - visible.minX()) * zoom)
         && isNearlyWhole((origin.y - visible.minY()) * zoom))
         return showing;

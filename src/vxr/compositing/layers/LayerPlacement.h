@@ -9,6 +9,10 @@ class VXRLayeredRenderable;
 
 // Where a layer's pixels lie: at whole pixels, hardly ever exactly where the renderable does.
 
+/// What a layer covers: the alignment bounds, or of those that reach too far for a grid of tiles the part
+/// around what is seen.
+Rect boundsOfLayer(const VXRLayeredRenderable&, float zoom);
+
 /// Where the first pixel of a layer over `bounds` is put, in pixels from the corner of what is seen.
 Point placeOfLayer(const Rect& bounds, const Rect& seen, float zoom, bool isFlipped);
 

@@ -42,7 +42,7 @@ TilePainter::TilePainter(VXRCompositorLayer& layer, VXRTile& tile)
 
 void TilePainter::update(const std::optional<Rect>& part)
 {
-    mTile.setArea(mLayer.scaleRect(mRenderable.alignmentBounds()));
+    mTile.setArea(mLayer.scaleRect(mLayer.bounds()));
     const bool wholly = !part || mTile.isDirty();
     mTile.beginUpdate(
         wholly ? mTile.bitmapRect() : pixelsTouchedBy(*part), !wholly || mLayer.shouldClearOnUpdate());
@@ -75,7 +75,7 @@ void TilePainter::drawPasses()
 /// In pixels from the tile's own upper left corner, its margin not counted.
 Rect TilePainter::tileRect(const Rect& r) const
 {
-    const Point origin = mRenderable.alignmentBounds().origin;
+    const Point origin = mLayer.bounds().origin;
     return { (r.origin.x - origin.x) * mZoom - mOffset.x, (r.origin.y - origin.y) * mZoom - mOffset.y,
         r.size.width * mZoom, r.size.height * mZoom };
 }
@@ -89,7 +89,7 @@ IntRect TilePainter::pixelsTouchedBy(const Rect& canvasRect) const
 
 void TilePainter::draw(Context& context) const
 {
-    const Rect bounds = mRenderable.alignmentBounds();
+    const Rect bounds = mLayer.bounds();
     const StateSaver saved(context);
     context.translate(0, float(mTile.pixelsHigh()));
     context.scale(1, -1);

@@ -98,18 +98,20 @@ void VXRCompositorLayer::setRenderingMode(int mode)
 
 // The grid.
 
+Rect VXRCompositorLayer::bounds() const { return boundsOfLayer(*_renderable, _zoomFactor); }
+
 bool VXRCompositorLayer::needsMultipleTilesInView(const VXRCanvasRole&) const
 {
     if (!_renderable->allowsTiling())
         return false;
-    const Size size = _renderable->alignmentBounds().size;
+    const Size size = bounds().size;
     const auto side = float(VXRTile::tileSize());
     return size.width * _zoomFactor > side || size.height * _zoomFactor > side;
 }
 
 TileGrid VXRCompositorLayer::grid() const
 {
-    return _multipleTiles ? TileGrid(scaleRect(_renderable->alignmentBounds()).size, VXRTile::tileSize())
+    return _multipleTiles ? TileGrid(scaleRect(bounds()).size, VXRTile::tileSize())
                           : TileGrid(VXRTile::tileSize());
 }
 
@@ -126,7 +128,7 @@ int VXRCompositorLayer::maxNumberOfValidTiles() const
 
 std::vector<int> VXRCompositorLayer::tileIndicesHitByRect(const Rect& rect) const
 {
-    return grid().tilesHit(scaleRect(rect), scaleRect(_renderable->alignmentBounds()));
+    return grid().tilesHit(scaleRect(rect), scaleRect(bounds()));
 }
 
 std::shared_ptr<VXRTile> VXRCompositorLayer::tileContainingPoint(Point p)
@@ -152,7 +154,7 @@ bool VXRCompositorLayer::isPartlyInvalid(const VXRTile& tile) const
     if (_invalidRect == Rect {})
         return false;
     const Rect reached = _renderable->shadowBoundsForRect(invalidCanvasRect());
-    const Point origin = _renderable->alignmentBounds().origin;
+    const Point origin = bounds().origin;
     const auto margin = float(tile.margin());
     return tileContainsRect(
         tile, insetRect(scaleRect(offsetRect(reached, -origin.x, -origin.y)), -margin, -margin));
@@ -203,13 +205,13 @@ std::shared_ptr<VXRTile> VXRCompositorLayer::tileWithIndex(int index)
 Point VXRCompositorLayer::_originPosition() const
 {
     const VXRCanvasRole* canvas = _renderable->canvas();
-    return placeOfLayer(_renderable->alignmentBounds(), canvas ? canvas->clipViewVisibleRect() : Rect {},
-        _zoomFactor, !canvas || canvas->isFlipped());
+    return placeOfLayer(bounds(), canvas ? canvas->clipViewVisibleRect() : Rect {}, _zoomFactor,
+        !canvas || canvas->isFlipped());
 }
 
 void VXRCompositorLayer::computeErrorInView(const VXRCanvasRole& canvas)
 {
-    _error = errorOfPlace(_originPosition(), _renderable->alignmentBounds(), _zoomFactor, canvas);
+    _error = errorOfPlace(_originPosition(), bounds(), _zoomFactor, canvas);
 }
 
 void VXRCompositorLayer::prepareGrid(const Rect& visible)
@@ -219,7 +221,7 @@ void VXRCompositorLayer::prepareGrid(const Rect& visible)
     _multipleTiles = true;
     const float outset = (_renderable->paintedOutset() + paintingSlack(_zoomFactor)) * _zoomFactor;
     const Rect shown = scaleRect(rectThatShows(*_renderable, visible, _zoomFactor));
-    for (const int index : grid().tilesThatShow(shown, scaleRect(_renderable->alignmentBounds()), outset))
+    for (const int index : grid().tilesThatShow(shown, scaleRect(bounds()), outset))
         _activeTiles.push_back(tileWithIndex(index));
     // Those out of sight have missed a partial change: they are drawn wholly when they come back.
     for (const auto& tile : _tiles)
@@ -233,6 +235,12 @@ void VXRCompositorLayer::prepareToDraw()
     const VXRCanvasRole* canvas = _renderable ? _renderable->canvas() : nullptr;
     if (!canvas)
         return;
+    const Rect whole = _renderable->alignmentBounds(), part = bounds();
+    const Cut cut = part == whole ? Cut {} : Cut { part, whole };
+    if (cut != _cut) {
+        _cut = cut;
+        _completelyInvalid = true;
+    }
     const bool multiple = needsMultipleTilesInView(*canvas);
     if (_completelyInvalid)
         computeErrorInView(*canvas);
@@ -335,9 +343,9 @@ void VXRCompositorLayer::clearTextures()
 
 bool VXRCompositorLayer::pixelIsTransparent(Point p)
 {
-    const Point origin = _renderable->alignmentBounds().origin;
+    const Point origin = bounds().origin;
     const Point q { (p.x - origin.x) * _zoomFactor, (p.y - origin.y) * _zoomFactor };
-    const Rect layer = scaleRect(_renderable->alignmentBounds());
+    const Rect layer = scaleRect(bounds());
     if (!(q.x >= 0 && q.y >= 0 && q.x < layer.size.width && q.y < layer.size.height))
         return true;
     const auto tile = tileContainingPoint(q);
@@ -347,7 +355,7 @@ bool VXRCompositorLayer::pixelIsTransparent(Point p)
 
 bool VXRCompositorLayer::rectIsTransparent(const Rect& rect)
 {
-    const Point origin = _renderable->alignmentBounds().origin;
+    const Point origin = bounds().origin;
     const Rect scaled = scaleRect(offsetRect(rect, -origin.x, -origin.y));
     if (!_multipleTiles)
         return tileContainingPoint({})->rectIsTransparent(scaled);

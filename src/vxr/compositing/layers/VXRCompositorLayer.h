@@ -60,6 +60,7 @@ public:
     void clearTextures() override;
 
     // The grid.
+    Rect bounds() const; ///< of what the layer covers, in canvas coordinates
     const std::vector<std::shared_ptr<VXRTile>>& tiles() const { return _tiles; }
     const std::vector<std::shared_ptr<VXRTile>>& activeTiles() const { return _activeTiles; }
     bool isMultiTiled() const { return _multipleTiles; }
@@ -91,6 +92,10 @@ public:
     bool rectIsTransparent(const Rect&);
 
 private:
+    /// The part of the renderable's bounds that the layer covers, and the whole; both zero when it covers
+    /// all.
+    using Cut = std::pair<Rect, Rect>;
+
     Point _originPosition() const;
     void _rebuild();
     void _updateTile(VXRTile&);
@@ -112,6 +117,7 @@ private:
     bool _invalidShadow = false;
     bool _multipleTiles = false;
     Rect _invalidRect;
+    Cut _cut;
 };
 
 } // namespace vxr

@@ -165,7 +165,7 @@ bool VXRTile::isInSight() const
     if (!canvas)
         return false;
     // In pixels from the renderable's corner, as the tile lies.
-    const Point corner = renderable->alignmentBounds().origin, offset = mLayer.offsetForIndex(mIndex);
+    const Point corner = mLayer.bounds().origin, offset = mLayer.offsetForIndex(mIndex);
     const float x = corner.x + (offset.x - float(mMargin)) / mZoom,
                 y = corner.y + (offset.y - float(mMargin)) / mZoom;
     const Rect covered { x, y, float(mWide) / mZoom, float(mHigh) / mZoom };
