@@ -5,8 +5,10 @@
 #include <vxr/compositing/layers/VXRLayerBudget.h>
 #include <vxr/fills/VXRAngleGradient.h>
 #include <vxr/geometry/Color.h>
+#include <vxr/platform/graphics/pixels/LayerCompositor.h>
 #include <vxr/strokes/VXRStroke.h>
 
+#include <algorithm>
 #include <cmath>
 #include <memory>
 #include <vector>
@@ -151,6 +153,50 @@ double scratchMegabytes(bool layers)
     return (double(peakBytes()) - double(before) - double(VXRLayerBudget::bytesUsed())) / (1 << 20);
 }
 
+/// From which side on a layer of one opaque colour is composed faster without its pixels: the least of the
+/// powers of two for which, and for all above, it is.
+double sideFromWhichColorsAreCheaper()
+{
+    constexpr int width = 1600, height = 1200;
+    std::vector<std::uint32_t> window(std::size_t { width } * height);
+    LayerInfo destination;
+    destination.bitmapType = LayerBitmap32;
+    destination.colorData = reinterpret_cast<std::uint8_t*>(window.data());
+    destination.colorBytesPerRow = width * 4;
+    destination.setFrame({ 0, 0, width, height });
+    destination.setClip({ 0, 0, width, height });
+    double least = 1024;
+    for (int side = 1024; side >= 4; side /= 2) {
+        // As many layers as a page might have, so that their pixels come from memory.
+        const int count = std::clamp((1 << 24) / (side * side), 8, 1000);
+        std::vector<std::uint32_t> pixels(
+            std::size_t(count) * std::size_t(side) * std::size_t(side), 0xff336699);
+        const auto compose = [&](bool keepsPixels) {
+            return [&, keepsPixels] {
+                for (int i = 0; i < count; ++i) {
+                    const int x = i * 389 % (width - side), y = i * 263 % (height - side);
+                    const IntRect box { x, y, x + side, y + side };
+                    LayerInfo layer;
+                    layer.fade = 1;
+                    layer.bitmapType = keepsPixels ? LayerBitmap32 : LayerBitmapConstant;
+                    layer.constantColor = 0x336699ff;
+                    layer.colorData
+                        = reinterpret_cast<std::uint8_t*>(pixels.data() + std::ptrdiff_t(i) * side * side);
+                    layer.colorBytesPerRow = side * 4;
+                    layer.setFrame(box);
+                    layer.setClip(box);
+                    layer.setOpaque(box);
+                    LayerCompositor::composite(destination, &layer);
+                }
+            };
+        };
+        if (growth({ compose(true), compose(false) }) > 1)
+            break;
+        least = side;
+    }
+    return least;
+}
+
 // A page whose layers would take four times the budget, from top to bottom and back.
 
 struct LimitRestored {
@@ -232,6 +278,7 @@ const int registered[] = {
         [] { return inFreshProcess("SCALE/scratch-MB-layers", [] { return scratchMegabytes(true); }); }),
     measure("SCALE/scratch-MB-direct", atMost(12),
         [] { return inFreshProcess("SCALE/scratch-MB-direct", [] { return scratchMegabytes(false); }); }),
+    measure("SCALE/one-colour-cheaper-from-side", atMost(8), sideFromWhichColorsAreCheaper),
     measure("SCALE/bytes-per-object", atMost(800), bytesPerObject),
     measure("SCALE/building-growth", atMost(1.5), buildingGrowth),
 };

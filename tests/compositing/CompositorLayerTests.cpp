@@ -400,7 +400,11 @@ TEST(CompositorLayer, TilesKeepNoPixelsWhereNothingIsDrawn)
     EXPECT_LE(bytesOf(3000), 3 * one); // three of nine
 
     Layered wide(canvas, {}, { side + 6, 100 });
-    wide.renderable.paint = [](Context& port) { port.fillRect({ 0, 0, side + 6, 100 }); };
+    wide.renderable.paint = [](Context& port) {
+        port.fillRect({ 0, 0, side + 6, 50 });
+        port.setFillColor(ColorValue::rgb(1, 0, 0));
+        port.fillRect({ 0, 50, side + 6, 50 });
+    };
     wide.prepare();
     ASSERT_EQ(wide.layer.tiles().size(), 2u);
     EXPECT_EQ(wide.layer.tiles()[1]->byteSize(), 4u * 6 * 100);

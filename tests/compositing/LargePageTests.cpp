@@ -57,7 +57,7 @@ public:
     {
         auto& page = scene.canvas->page;
         auto& object = static_cast<VXRShape&>(*page[std::size_t(random.below(int(page.size())))]);
-        switch (random.below(9)) {
+        switch (random.below(12)) {
         case 0:
             object.offsetTo(random.frame().origin);
             return "move across the page";
@@ -95,10 +95,24 @@ public:
             object.setAutoInvalidates(true);
             object.invalidate();
             return "silent move";
-        default:
+        case 8:
             scene.canvas->scrollPoint(
                 { random.between(0, pageSize.width), random.between(0, pageSize.height) });
             return "scroll";
+        case 9: { // where its layer's place rounds one way or the other
+            const Point seen = scene.canvas->visibleRect().origin;
+            const Point now = object.alignmentBounds().origin;
+            const float half = 0.5f / scene.canvas->viewScale() - random.between(-1e-4f, 1e-4f);
+            object.offsetBy(std::floor(seen.x) + float(random.below(200)) + half - now.x,
+                std::floor(seen.y) + float(random.below(150)) + half - now.y);
+            return "move between pixels";
+        }
+        default: {
+            const Point seen = scene.canvas->visibleRect().origin;
+            scene.canvas->scrollPoint({ std::floor(seen.x) + float(random.below(61) - 30),
+                std::floor(seen.y) + float(random.below(61) - 30) });
+            return "scroll by pixels";
+        }
         }
     }
 
@@ -155,7 +169,7 @@ TEST(LargePages, IncrementalEqualsAWalkOverAllWithAnyBudget)
         scene.canvas->setUsesCompositor(one.layers);
         scene.canvas->setScale(one.zoom);
         scene.window.displayIfNeeded();
-        for (int step = 0; step < 120; ++step) {
+        for (int step = 0; step < 160; ++step) {
             VXRLayerBudget::setLimit(one.limit);
             const std::string what = page.change();
             scene.window.displayIfNeeded();

@@ -48,6 +48,21 @@ bool meet(const Rect& a, const Rect& b)
     return a.minX() <= b.maxX() && b.minX() <= a.maxX() && a.minY() <= b.maxY() && b.minY() <= a.maxY();
 }
 
+/// Errors of differences of coordinates within the steady reach stay below 1/2048.
+bool isUnsteadyCoordinate(float v)
+{
+    if (!(std::abs(v) < RenderableIndex::steadyReach))
+        return true;
+    const float eighths = v * 8, beside = std::abs(eighths - std::nearbyint(eighths));
+    return beside != 0 && beside < 1.0f / 64;
+}
+
+bool isUnsteadyPlace(const Rect& bounds, const Rect& reached)
+{
+    return isUnsteadyCoordinate(bounds.origin.x) || isUnsteadyCoordinate(bounds.origin.y)
+        || !(std::max(reached.size.width, reached.size.height) <= RenderableIndex::steadyView);
+}
+
 } // namespace
 
 RenderableIndex::RenderableIndex(const VXRCanvasRole& canvas)
@@ -193,6 +208,7 @@ void RenderableIndex::place(std::uint32_t index)
     if (const VXRRenderable* object = objectOf(entry)) {
         entry.bounds = object->hitBounds();
         entry.hasShadow = object->hasShadow();
+        entry.isUnsteady = isUnsteadyPlace(object->alignmentBounds(), entry.bounds);
     }
     entry.inGrid = mayLieInGrid(entry);
     if (!entry.inGrid) {
@@ -266,7 +282,8 @@ void RenderableIndex::refresh()
 
 // Finding.
 
-std::vector<std::uint32_t> RenderableIndex::findInAnyOrder(const Rect& rect) const
+template <class Accepts>
+std::vector<std::uint32_t> RenderableIndex::findInAnyOrder(const Rect& rect, Accepts accepts) const
 {
     std::vector<std::uint32_t> ranks;
     for (const std::uint32_t entry : mAlwaysFound)
@@ -274,18 +291,27 @@ std::vector<std::uint32_t> RenderableIndex::findInAnyOrder(const Rect& rect) con
             ranks.push_back(mEntries[entry].rank);
     for (int level = 0; level < levels; ++level)
         if (mCountAtLevel[std::size_t(level)])
-            findAtLevel(level, rect, ranks);
+            visitLevel(level, rect, [&](const Entry& entry) {
+                if (accepts(entry) && meet(entry.bounds, rect))
+                    ranks.push_back(entry.rank);
+            });
     return ranks;
 }
 
 std::vector<std::uint32_t> RenderableIndex::find(const Rect& rect) const
 {
-    std::vector<std::uint32_t> ranks = findInAnyOrder(rect);
+    std::vector<std::uint32_t> ranks = findInAnyOrder(rect, [](const Entry&) { return true; });
     std::sort(ranks.begin(), ranks.end());
     return ranks;
 }
 
-void RenderableIndex::findAtLevel(int level, const Rect& rect, std::vector<std::uint32_t>& ranks) const
+std::vector<std::uint32_t> RenderableIndex::findUnsteady(const Rect& rect) const
+{
+    return findInAnyOrder(rect, [](const Entry& entry) { return entry.isUnsteady; });
+}
+
+/// All entries of cells that the rectangle comes near.
+template <class Take> void RenderableIndex::visitLevel(int level, const Rect& rect, Take take) const
 {
     const float half = sideAtLevel(level) * 0.501f; // an object reaches at most half a cell out of its own
     const auto limited = [](float v) { return std::clamp(v, -2 * farthest, 2 * farthest); };
@@ -295,8 +321,7 @@ void RenderableIndex::findAtLevel(int level, const Rect& rect, std::vector<std::
                        y1 = cellOf(limited(rect.maxY() + half), level);
     const auto takeFrom = [&](std::uint32_t index) {
         for (; index != none; index = mEntries[index].next)
-            if (meet(mEntries[index].bounds, rect))
-                ranks.push_back(mEntries[index].rank);
+            take(mEntries[index]);
     };
     if (double(x1 - x0 + 1) * double(y1 - y0 + 1) > double(mCells.size())) {
         for (const auto& [key, first] : mCells)

@@ -36,7 +36,12 @@ public:
     /// Places in the list, ascending, of all objects whose hit bounds meet the rectangle, edges included, and
     /// of those that are found every time.
     std::vector<std::uint32_t> find(const Rect&) const;
-    std::vector<std::uint32_t> findInAnyOrder(const Rect&) const; ///< the same places
+    /// In any order, those of them whose layer may round to another pixel when the view scrolls by whole
+    /// pixels at scale 1, 2 or 4, within the view's reach: near an eighth of a unit but not at it, the
+    /// difference of two coordinates can round across half a pixel.
+    std::vector<std::uint32_t> findUnsteady(const Rect&) const;
+    /// The largest coordinate, and the largest view, for which that holds.
+    static constexpr float steadyReach = 1 << 20, steadyView = 4096;
 
     std::size_t byteSize() const;
 
@@ -52,6 +57,7 @@ private:
         bool inGrid = false;
         bool isStale = false;
         bool hasShadow = false;
+        bool isUnsteady = true;
     };
 
     bool isSame(std::size_t rank, const List&) const;
@@ -63,7 +69,8 @@ private:
     void unlink(std::uint32_t entry);
     void refresh();
     bool mayLieInGrid(const Entry&) const;
-    void findAtLevel(int level, const Rect&, std::vector<std::uint32_t>& ranks) const;
+    template <class Accepts> std::vector<std::uint32_t> findInAnyOrder(const Rect&, Accepts accepts) const;
+    template <class Take> void visitLevel(int level, const Rect&, Take take) const;
 
     const VXRCanvasRole& mCanvas;
     // By place in the list.

@@ -141,6 +141,21 @@ void VXRCanvas::invalidateRenderableInRect(VXRRenderable&, const Rect& rect)
         View::setNeedsDisplayInRect(insetRect(rect, -placementSlack / _scale, -placementSlack / _scale));
 }
 
+namespace {
+
+/// Whether the index knows which layers have to be looked at when the view scrolls to or from `seen`.
+bool isSteadyScroll(const Rect& seen, float scale)
+{
+    const auto isWholePixel = [&](float v) {
+        return std::abs(v) < RenderableIndex::steadyReach && std::nearbyint(v * scale) == v * scale;
+    };
+    return (scale == 1 || scale == 2 || scale == 4) && isWholePixel(seen.origin.x)
+        && isWholePixel(seen.origin.y)
+        && std::max(seen.size.width, seen.size.height) <= RenderableIndex::steadyView;
+}
+
+} // namespace
+
 /// A composite needs no more than what comes into sight: every layer is put at whole pixels from the corner
 /// of what is seen. One whose place now rounds the other way is composited anew.
 bool VXRCanvas::keepsPixelsOnScroll(const Rect& seenBefore)
@@ -152,7 +167,9 @@ bool VXRCanvas::keepsPixelsOnScroll(const Rect& seenBefore)
     const float dx = VXRRound((seenBefore.origin.x - seen.origin.x) * _scale);
     const float dy = VXRRound((seenBefore.origin.y - seen.origin.y) * _scale);
     const RenderableList& list = indexedObjects();
-    for (const std::uint32_t rank : mIndex->findInAnyOrder(insetRect(seenBefore, -slack, -slack))) {
+    const Rect area = insetRect(seenBefore, -slack, -slack);
+    const bool isSteady = isFlipped() && isSteadyScroll(seenBefore, _scale) && isSteadyScroll(seen, _scale);
+    for (const std::uint32_t rank : isSteady ? mIndex->findUnsteady(area) : mIndex->find(area)) {
         const VXRRenderable& renderable = *list[rank];
         const Rect bounds = renderable.alignmentBounds();
         const Point before = placeOfLayer(bounds, seenBefore, _scale, isFlipped());

