@@ -2,6 +2,7 @@
 // caches, the baseline. Both may keep 256 MB of pixels.
 
 #include <bench/Compare.h>
+#include <bench/qt/QtPage.h>
 #include <bench/scale/ScalePage.h>
 
 #include <vxr/compositing/layers/VXRLayerBudget.h>
@@ -13,47 +14,11 @@
 #include <QPixmapCache>
 #include <QScrollBar>
 
-#include <sched.h>
-
 #include <stdexcept>
 
 namespace vxr::bench {
 
 namespace {
-
-/// On one processor, as VXR has one thread: shared out among threads, small fills take Qt longer.
-void startQt()
-{
-    static int count = 1;
-    static char name[] = "vxr_bench_qt", *arguments[] = { name, nullptr };
-    cpu_set_t processor;
-    CPU_ZERO(&processor);
-    CPU_SET(std::size_t(sched_getcpu()), &processor);
-    sched_setaffinity(0, sizeof processor, &processor);
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    // Never deleted: its destructor needs what is gone at the end of the process.
-    [[maybe_unused]] static const auto* application = new QApplication(count, arguments);
-    QPixmapCache::setCacheLimit(256 * 1024); // KB: what is cached stays
-}
-
-QPainterPath painterPath(const Path& path)
-{
-    QPainterPath result;
-    result.setFillRule(Qt::WindingFill);
-    const auto point = [](Point p) { return QPointF(double(p.x), double(p.y)); };
-    for (std::size_t i = 0; i < path.elementCount(); ++i) {
-        const auto [kind, points] = path.elementAtIndex(i);
-        if (kind == PathElementKind::MoveTo)
-            result.moveTo(point(points[0]));
-        else if (kind == PathElementKind::LineTo)
-            result.lineTo(point(points[0]));
-        else if (kind == PathElementKind::CurveTo)
-            result.cubicTo(point(points[0]), point(points[1]), point(points[2]));
-        else
-            result.closeSubpath();
-    }
-    return result;
-}
 
 QColor color(float red, float green, float blue, float alpha = 1)
 {
