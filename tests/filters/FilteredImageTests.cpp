@@ -126,6 +126,14 @@ TEST(FilteredImage, RunsOnlyTheLayersFromTheChangedOneOnAndGivesTheSameBytes)
         EXPECT_THAT(passes(set(3, 0.4f)), ElementsAre(1, 1, 1));
         EXPECT_THAT(passes(set(3, 0.5f)), ElementsAre(0, 1, 1));
         EXPECT_THAT(passes([&] { image->setClipFraction(0.02f); }), ElementsAre(1, 1, 1));
+        // With nothing left above what is kept.
+        passes(set(5, 0.55f));
+        passes(set(5, 0.5f));
+        for (const std::size_t layer : { 5, 6 })
+            stack.setEnabledAtIndex(false, layer);
+        EXPECT_EQ(pixelsOf(image->filteredImage()), pixelsOf(image->copyWithZone()->filteredImage()));
+        for (const std::size_t layer : { 5, 6 })
+            stack.setEnabledAtIndex(true, layer);
         // Whatever has been kept.
         passes(set(5, 0.6f));
         passes(set(5, 0.7f));

@@ -20,7 +20,7 @@ struct FilterOperation {
         Sharpen,
         Custom, ///< encoded: `custom` on `count` pixels at a time, a plane per colour
         Lines, ///< encoded: v · matrix[c] + matrix[3 + c] for colour c
-        Round, ///< either: to 16 bits, as between the layers of a stack
+        Round, ///< either: to 16 bits, as after each layer of a stack
     };
     using CustomLoop = std::function<void(float* red, float* green, float* blue, int count)>;
 

@@ -24,10 +24,6 @@ std::vector<FilterOperation> FilteredRendition::operations(
 {
     std::vector<FilterOperation> all;
     for (std::size_t i = first; i < std::min(end, layers.size()); ++i) {
-        if (layers[i].empty())
-            continue;
-        if (!all.empty())
-            all.push_back(FilterOperation::round());
         for (FilterOperation operation : layers[i]) {
             operation.radius = static_cast<float>(double { operation.radius } * mScale);
             all.push_back(std::move(operation));

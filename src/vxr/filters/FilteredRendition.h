@@ -10,7 +10,7 @@ namespace vxr {
 /// layers from there on run again. Both give the same bytes.
 class FilteredRendition {
 public:
-    /// What the layers do, from the lowest one on; layers that do nothing are empty.
+    /// What the layers do, from the lowest one on. Each ends by rounding to 16 bits, or is empty.
     using Layers = std::vector<std::vector<FilterOperation>>;
 
     /// Radii shrink by `scale`, for a source that is smaller than the image by that.

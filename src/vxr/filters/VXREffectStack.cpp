@@ -92,9 +92,9 @@ std::vector<FilterOperation> VXREffectStack::operations(std::size_t first, std::
         if (!mLayers[i - 1].isEnabled)
             continue;
         const auto operations = mLayers[i - 1].filter->operations();
-        if (!all.empty() && !operations.empty())
-            all.push_back(FilterOperation::round());
         all.insert(all.end(), operations.begin(), operations.end());
+        if (!operations.empty())
+            all.push_back(FilterOperation::round());
     }
     return all;
 }

@@ -35,7 +35,7 @@ public:
     void setEnabledAtIndex(bool enabled, std::size_t index);
 
     /// What the enabled filters from layer `first` up to and without layer `end` do to pixels, rounded to 16
-    /// bits between layers. Throws what a filter of the host's throws.
+    /// bits after each layer. Throws what a filter of the host's throws.
     std::vector<FilterOperation> operations(std::size_t first = 1, std::size_t end = SIZE_MAX) const;
     /// Whether no pixel changes.
     bool isIdentity() const { return operations().empty(); }

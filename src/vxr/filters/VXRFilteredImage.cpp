@@ -41,6 +41,11 @@ template <class Draw> std::shared_ptr<const Image> drawnImage(Size size, const D
     return rep ? rep->image(nullptr) : nullptr;
 }
 
+std::vector<FilterOperation> layerOf(const LevelPoints& points)
+{
+    return { points.operation(), FilterOperation::round() };
+}
+
 std::shared_ptr<const Image> reducedForPreview(const Image& image)
 {
     const auto side = [](int pixels) { return std::max(1.0f, float(std::lround(previewScale * pixels))); };
@@ -216,7 +221,7 @@ std::vector<std::vector<FilterOperation>> VXRFilteredImage::layers() const
 {
     std::vector<std::vector<FilterOperation>> all(1);
     if (const LevelPoints points = levelPoints(); !points.isIdentity())
-        all[0].push_back(points.operation());
+        all[0] = layerOf(points);
     for (std::size_t i = 1; i < mStack->layerCount(); ++i)
         all.push_back(mStack->operations(i, i + 1));
     return all;
@@ -275,7 +280,7 @@ std::shared_ptr<const Image> VXRFilteredImage::leveledImage()
     if (!mLeveled) {
         if (auto pixels = source()) {
             FilteredRendition rendition(std::move(*pixels), 1);
-            mLeveled = rendition.run({ { points.operation() } }, 0, 0);
+            mLeveled = rendition.run({ layerOf(points) }, 0, 0);
             VXUObjectFlusher::instance().objectAddedData(*this);
         }
     }
