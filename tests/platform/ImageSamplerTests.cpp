@@ -1,7 +1,9 @@
 #include <vxr/platform/graphics/pixels/ImageSampler.h>
+#include <vxr/platform/graphics/pixels/SpanKernels.h>
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cmath>
 #include <functional>
 #include <random>
@@ -215,6 +217,45 @@ TEST(ImageSampler, EveryCutOfARowGivesTheSameBytes)
             const auto part = sampled(sampler, x + int(from), y, count);
             ASSERT_TRUE(std::equal(part.begin(), part.end(), whole.begin() + std::ptrdiff_t(from))) << trial;
             from += count;
+        }
+    }
+}
+
+TEST(ImageSampler, EveryProcessorGivesTheSameBytes)
+{
+    std::mt19937 random(36);
+    const Picture picture = randomPicture(random, 300, 40);
+    constexpr int bits = 20;
+    CubicWeights weights;
+    for (auto& phase : weights) {
+        phase[0] = std::int16_t(-int(random() % 900));
+        phase[3] = std::int16_t(-int(random() % 900));
+        phase[1] = std::int16_t(random() % 16384);
+        phase[2] = std::int16_t(16384 - phase[0] - phase[1] - phase[3]);
+    }
+    std::uint8_t offsets[8];
+    for (std::uint8_t& offset : offsets)
+        offset = std::uint8_t(random() % 128);
+    for (int trial = 0; trial < 300; ++trial) {
+        ImageGrid grid { picture.source(), bits };
+        const auto below = [&](int pixels) { return std::int64_t(random() % unsigned(pixels << bits)); };
+        grid.columnU = below(trial % 7 ? 2 : 9) - (trial % 3 ? 0 : below(3));
+        grid.columnV = trial % 2 ? 0 : below(1) - below(1);
+        grid.boxWidth = 256 + std::int64_t(random() % 2000);
+        grid.boxHeight = 256 + std::int64_t(random() % 2000);
+        const std::int64_t u = below(400) - (50 << bits), v = below(60) - (10 << bits);
+        const std::size_t count = 1 + random() % 150;
+        const int x = int(random() % 50);
+        using Span = std::vector<std::uint32_t>;
+        std::array<Span, 3> expected;
+        for (const SpanKernels* kernels : availableSpanKernels()) {
+            std::array<Span, 3> spans { Span(count), Span(count), Span(count) };
+            kernels->linear(grid, u, v, count, spans[0].data());
+            kernels->cubic(grid, weights, weights, offsets, u, v, x, count, spans[1].data());
+            kernels->average(grid, offsets, u, v, x, count, spans[2].data());
+            if (expected[0].empty())
+                expected = spans;
+            ASSERT_EQ(spans, expected) << kernels->name << " " << trial;
         }
     }
 }

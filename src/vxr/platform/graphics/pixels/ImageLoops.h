@@ -245,61 +245,15 @@ VXR_SPAN_INLINE std::uint32_t mixSixteen(
 
 #endif
 
-/// Copies `count` pixels of a row, outermost ones repeated.
-VXR_SPAN_INLINE void rowPixels(
-    const PixelSource& source, std::int64_t row, std::int64_t first, int count, std::uint32_t* pixels)
-{
-    const std::uint32_t* from = source.pixels + source.stride * std::ptrdiff_t(clampTo(row, source.height));
-    if (isWithin(first, count, source.width)) {
-        memcpy(pixels, from + first, std::size_t(count) * 4);
-        return;
-    }
-    for (int i = 0; i < count; ++i)
-        pixels[i] = from[clampTo(first + i, source.width)];
-}
+} // namespace
 
-/// The pixels of an upright row that the next device pixels need: as many of
-/// these as have them within `columnsAtOnce`.
-struct ColumnRun {
-    std::size_t count;
-    std::int64_t first;
-    int columns;
+} // namespace vxr
 
-    ColumnRun(const ImageGrid& grid, std::int64_t u, std::size_t left, int support)
-    {
-        const int bits = grid.fractionBits;
-        const std::int64_t step = grid.columnU < 0 ? -grid.columnU : grid.columnU;
-        const std::int64_t room = std::int64_t(columnsAtOnce - support - 1) << bits;
-        count = step ? std::size_t(room / step) + 1 : left;
-        count = count < left ? count : left;
-        const std::int64_t a = u >> bits, b = (u + grid.columnU * std::int64_t(count - 1)) >> bits;
-        first = a < b ? a : b;
-        columns = int((a < b ? b - a : a - b) + support);
-    }
-};
+#include <vxr/platform/graphics/pixels/ImageUprightLoops.h>
 
-void linearUpright(
-    const ImageGrid& grid, std::int64_t u, std::int64_t v, std::size_t count, std::uint32_t* out)
-{
-    const int bits = grid.fractionBits;
-    const std::int64_t row = v >> bits;
-    const int below = int(v >> (bits - 7)) & 127;
-    while (count) {
-        const ColumnRun run(grid, u, count, 2);
-        std::uint32_t upper[columnsAtOnce], lower[columnsAtOnce];
-        rowPixels(grid.source, row, run.first, run.columns, upper);
-        rowPixels(grid.source, row + 1, run.first, run.columns, lower);
-        std::int16_t columns[4 * columnsAtOnce];
-        const auto *a = reinterpret_cast<const std::uint8_t*>(upper),
-                   *b = reinterpret_cast<const std::uint8_t*>(lower);
-        for (int i = 0; i < 4 * run.columns; ++i)
-            columns[i] = std::int16_t(a[i] * (128 - below) + b[i] * below);
-        for (std::size_t i = 0; i < run.count; ++i, u += grid.columnU)
-            out[i] = mixTwoColumns(columns + 4 * ((u >> bits) - run.first), int(u >> (bits - 7)) & 127);
-        out += run.count;
-        count -= run.count;
-    }
-}
+namespace vxr {
+
+namespace {
 
 void linear(const ImageGrid& grid, std::int64_t u, std::int64_t v, std::size_t count, std::uint32_t* out)
 {
@@ -331,34 +285,6 @@ void linear(const ImageGrid& grid, std::int64_t u, std::int64_t v, std::size_t c
             const Neighbours<2> four(source, column, row);
             out[i] = mixFour(four.rows[0], four.rows[1], right, below);
         }
-    }
-}
-
-void cubicUpright(const ImageGrid& grid, const CubicWeights& across, const CubicWeights& down,
-    const std::uint8_t* offsets, std::int64_t u, std::int64_t v, int x, std::size_t count, std::uint32_t* out)
-{
-    const int bits = grid.fractionBits;
-    const std::int64_t row = (v >> bits) - 1;
-    const std::int16_t* rowWeights = down[v >> (bits - 8) & 255];
-    while (count) {
-        ColumnRun run(grid, u, count, 4);
-        const std::int64_t first = run.first - 1;
-        std::uint32_t rows[4][columnsAtOnce];
-        for (int j = 0; j < 4; ++j)
-            rowPixels(grid.source, row + j, first, run.columns, rows[j]);
-        std::int16_t columns[4 * columnsAtOnce];
-        const auto bytes = [&](int j) { return reinterpret_cast<const std::uint8_t*>(rows[j]); };
-        const auto *a = bytes(0), *b = bytes(1), *c = bytes(2), *d = bytes(3);
-        for (int i = 0; i < 4 * run.columns; ++i)
-            columns[i] = std::int16_t((a[i] * rowWeights[0] + b[i] * rowWeights[1] + c[i] * rowWeights[2]
-                                          + d[i] * rowWeights[3] + (1 << 7))
-                >> 8);
-        for (std::size_t i = 0; i < run.count; ++i, u += grid.columnU)
-            out[i] = mixFourColumns(columns + 4 * ((u >> bits) - 1 - first), across[u >> (bits - 8) & 255],
-                offsets[(x + int(i)) & 7]);
-        x += int(run.count);
-        out += run.count;
-        count -= run.count;
     }
 }
 
