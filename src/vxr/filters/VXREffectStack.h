@@ -1,6 +1,7 @@
 #pragma once
 
 #include <vxr/filters/VXRFilter.h>
+#include <vxr/protocols/VXREffectStackRole.h>
 
 #include <cstdint>
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <vxr/platform/base/Object.h>
+#include <vxr/protocols/VXREffectStackRole.h>
 #include <vxr/protocols/VXRFilterRole.h>
 
 #include <cstdint>

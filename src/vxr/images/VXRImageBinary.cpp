@@ -13,6 +13,7 @@
 #include <vxr/platform/base/Data.h>
 #include <vxr/platform/base/NotificationCenter.h>
 #include <vxr/platform/pictures/PDFImageRep.h>
+#include <vxr/platform/pictures/PICTImageRep.h>
 #include <vxr/platform/pictures/Pasteboard.h>
 #include <vxr/platform/pictures/PlatformImage.h>
 

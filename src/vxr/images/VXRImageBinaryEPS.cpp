@@ -2,6 +2,7 @@
 #include <vxr/images/ImageNames.h>
 #include <vxr/images/VXRImageBinary.h>
 #include <vxr/platform/base/Data.h>
+#include <vxr/platform/pictures/DataConsumer.h>
 #include <vxr/platform/pictures/DataProvider.h>
 #include <vxr/platform/pictures/EPSImageRep.h>
 #include <vxr/platform/pictures/PSConverter.h>

@@ -4,7 +4,7 @@
 #include <vxr/images/ImageNames.h>
 #include <vxr/images/VXRPICTRenderer.h>
 #include <vxr/platform/base/Data.h>
-#include <vxr/platform/pictures/PDFImageRep.h>
+#include <vxr/platform/pictures/PICTImageRep.h>
 #include <vxr/platform/pictures/PlatformImage.h>
 
 namespace vxr {

@@ -3,7 +3,7 @@
 #include <vxr/images/VXRPagePixels.h>
 #include <vxr/platform/base/Data.h>
 #include <vxr/platform/graphics/GraphicsContext.h>
-#include <vxr/platform/pictures/PDFImageRep.h>
+#include <vxr/platform/pictures/PICTImageRep.h>
 
 namespace vxr {
 

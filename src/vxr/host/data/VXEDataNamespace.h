@@ -1,24 +1,10 @@
 #pragma once
 
-#include <vxr/platform/base/Object.h>
+#include <vxr/host/data/VXEUniqueID.h>
 
 #include <set>
 
 namespace vxr {
-
-/// A name that no other data object of the document has.
-class VXR_EXPORT VXEUniqueID {
-public:
-    explicit VXEUniqueID(std::string string)
-        : mString(std::move(string))
-    {
-    }
-
-    const std::string& string() const { return mString; }
-
-private:
-    std::string mString;
-};
 
 /// The save names of a document's data objects.
 class VXR_EXPORT VXEDataNamespace {

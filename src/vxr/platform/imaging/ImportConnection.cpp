@@ -31,14 +31,14 @@ void closeIfOpen(int& descriptor)
 
 } // namespace
 
-Connection::Connection(std::string programPath)
+ImportConnection::ImportConnection(std::string programPath)
     : mPath(std::move(programPath))
 {
 }
 
-Connection::~Connection() { stop(); }
+ImportConnection::~ImportConnection() { stop(); }
 
-bool Connection::start(std::string& message)
+bool ImportConnection::start(std::string& message)
 {
     if (mSocket >= 0)
         return true;
@@ -59,7 +59,7 @@ bool Connection::start(std::string& message)
     return true;
 }
 
-void Connection::stop()
+void ImportConnection::stop()
 {
     closeIfOpen(mSocket); // the program ends, and its job with it
     if (mProcess >= 0) {
@@ -70,7 +70,7 @@ void Connection::stop()
     closeIfOpen(mProcess);
 }
 
-bool Connection::send(const Request& request, int input)
+bool ImportConnection::send(const Request& request, int input)
 {
     iovec content { const_cast<Request*>(&request), sizeof request };
     alignas(cmsghdr) std::array<char, CMSG_SPACE(sizeof(int))> control {};
@@ -93,7 +93,7 @@ bool Connection::send(const Request& request, int input)
     return sent == ssize_t(sizeof request);
 }
 
-bool Connection::receive(Answer& answer)
+bool ImportConnection::receive(Answer& answer)
 {
     iovec content { &answer.reply, sizeof answer.reply };
     alignas(cmsghdr) std::array<char, CMSG_SPACE(2 * sizeof(int))> control {};
@@ -120,7 +120,7 @@ bool Connection::receive(Answer& answer)
     return received == ssize_t(sizeof answer.reply) && (message.msg_flags & (MSG_TRUNC | MSG_CTRUNC)) == 0;
 }
 
-bool Connection::waitForAnswer(int milliseconds)
+bool ImportConnection::waitForAnswer(int milliseconds)
 {
     using Clock = std::chrono::steady_clock;
     const auto end = Clock::now() + std::chrono::milliseconds(milliseconds);
@@ -133,7 +133,8 @@ bool Connection::waitForAnswer(int milliseconds)
     }
 }
 
-std::optional<Connection::Answer> Connection::ask(Request request, int input, std::string& message)
+std::optional<ImportConnection::Answer> ImportConnection::ask(
+    Request request, int input, std::string& message)
 {
     request.id = ++mLastId;
     const bool wasRunning = mSocket >= 0;

@@ -7,12 +7,12 @@ namespace vxr::importing {
 /// The library's end of the socket to a running import program. Starts it when it is first needed, and again
 /// after it has gone. The program is no child of this process: the host sees no SIGCHLD and has nobody to
 /// wait for, and no descriptor of the host's is inherited.
-class Connection {
+class ImportConnection {
 public:
-    explicit Connection(std::string programPath);
-    ~Connection();
-    Connection(const Connection&) = delete;
-    Connection& operator=(const Connection&) = delete;
+    explicit ImportConnection(std::string programPath);
+    ~ImportConnection();
+    ImportConnection(const ImportConnection&) = delete;
+    ImportConnection& operator=(const ImportConnection&) = delete;
 
     struct Answer {
         Reply reply;

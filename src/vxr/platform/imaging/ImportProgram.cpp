@@ -95,7 +95,7 @@ ImportProgram::ImportProgram()
 }
 
 ImportProgram::ImportProgram(std::string path)
-    : mConnection(std::make_unique<Connection>(std::move(path)))
+    : mConnection(std::make_unique<ImportConnection>(std::move(path)))
     , mLimits(std::make_unique<Limits>())
 {
 }

@@ -5,7 +5,7 @@
 namespace vxr {
 
 namespace importing {
-class Connection;
+class ImportConnection;
 struct Limits;
 struct Request;
 } // namespace importing
@@ -61,7 +61,7 @@ private:
     std::shared_ptr<const ImportedBitmap> runForBitmap(
         importing::Request, const MemoryFile& input, ImportFailure*);
 
-    std::unique_ptr<importing::Connection> mConnection;
+    std::unique_ptr<importing::ImportConnection> mConnection;
     std::unique_ptr<importing::Limits> mLimits;
     std::optional<std::vector<ImportFileType>> mFileTypes;
 };

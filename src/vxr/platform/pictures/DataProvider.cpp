@@ -16,21 +16,4 @@ DataProvider::~DataProvider()
         mRelease(mInfo, mBytes, mSize);
 }
 
-DataConsumer::DataConsumer(void* info, Callbacks callbacks)
-    : mInfo(info)
-    , mCallbacks(callbacks)
-{
-}
-
-DataConsumer::~DataConsumer()
-{
-    if (mCallbacks.releaseConsumer)
-        mCallbacks.releaseConsumer(mInfo);
-}
-
-bool DataConsumer::put(const void* bytes, std::size_t count)
-{
-    return mCallbacks.putBytes && mCallbacks.putBytes(mInfo, bytes, count) == count;
-}
-
 } // namespace vxr

@@ -25,26 +25,6 @@ private:
     std::shared_ptr<const PDFDocument> mDocument;
 };
 
-/// A QuickDraw picture, as large as its frame.
-class VXR_EXPORT PICTImageRep final : public ImageRep {
-public:
-    /// Bytes with or without the 512 bytes of a file's header. None when they are no picture.
-    static std::shared_ptr<PICTImageRep> imageRepWithData(const std::shared_ptr<const Data>&);
-
-    PICTImageRep(std::shared_ptr<const Data> picture, std::shared_ptr<const PDFDocument>);
-    ~PICTImageRep() override;
-
-    const std::shared_ptr<const Data>& PICTRepresentation() const { return mPicture; } ///< without a header
-    const std::shared_ptr<const PDFDocument>& document() const { return mDocument; } ///< what it draws like
-
-    Size size() const override { return mDocument->box(PDFBox::Media).size; }
-    bool drawInRect(const Rect&) const override;
-
-private:
-    std::shared_ptr<const Data> mPicture;
-    std::shared_ptr<const PDFDocument> mDocument;
-};
-
 /// Draws the page into the current graphics context: as vectors where that can be, else as pixels made for
 /// the occasion, at the resolution of the context.
 VXR_EXPORT bool drawPDFDocument(const PDFDocument&, const Rect&);

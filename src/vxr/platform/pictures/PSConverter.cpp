@@ -1,4 +1,5 @@
 #include <vxr/platform/imaging/Importer.h>
+#include <vxr/platform/pictures/DataConsumer.h>
 #include <vxr/platform/pictures/DataProvider.h>
 #include <vxr/platform/pictures/PSConverter.h>
 
