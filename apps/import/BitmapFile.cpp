@@ -172,7 +172,7 @@ void BitmapFile::readMetadata(std::span<const std::byte> bytes)
         && mInfo.format.model != BitmapModel::CMYK;
 }
 
-void BitmapFile::readRows(const std::function<void(std::uint32_t row, const std::byte* samples)>& take)
+void BitmapFile::readRows(const TakeRow& take)
 {
     // Strips in this thread: no pool of threads, and little more memory than a strip.
     const std::unique_ptr<VipsRegion, ObjectReleaser> region(vips_region_new(mImage));

@@ -1,9 +1,8 @@
 #pragma once
 
-#include <vxr/platform/imaging/ImportedBitmap.h>
+#include <apps/import/BitmapReader.h>
 
 #include <cstddef>
-#include <functional>
 #include <span>
 
 struct _VipsImage;
@@ -11,19 +10,16 @@ struct _VipsImage;
 namespace vxr::importing {
 
 /// A bitmap file as libvips reads it, from top to bottom. Throws `Refusal` for what can't be read.
-class BitmapFile {
+class BitmapFile final : public BitmapReader {
 public:
     /// Reads the header. The bytes must outlive the object.
     explicit BitmapFile(std::span<const std::byte> bytes);
-    ~BitmapFile();
+    ~BitmapFile() override;
     BitmapFile(const BitmapFile&) = delete;
     BitmapFile& operator=(const BitmapFile&) = delete;
 
-    /// What the file says, with sides as stored: the orientation is still to be applied.
-    const BitmapInfo& info() const { return mInfo; }
-
-    /// Calls `take` with each row, top to bottom. Rows can be read once.
-    void readRows(const std::function<void(std::uint32_t row, const std::byte* samples)>& take);
+    const BitmapInfo& info() const override { return mInfo; }
+    void readRows(const TakeRow& take) override;
 
 private:
     void openPSD(std::span<const std::byte> bytes);

@@ -1,7 +1,5 @@
 #include <apps/import/Job.h>
 
-#include <apps/import/pict/Pict.h>
-
 #include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -85,43 +83,6 @@ void JobOutput::finish(ImportOutcome outcome, std::string_view message)
     message.copy(report.message, sizeof report.message - 1);
     writeAt(mReport, 0, &report, sizeof report);
     writeAt(mReport, sizeof report, trailing.data(), trailing.size());
-}
-
-void convertPICT(const JobInput& input, JobOutput& output)
-{
-    std::string pdf, error;
-    if (!convertPictToPDF(input.bytes(), pdf, error))
-        throw Refusal(error);
-    output.writePayload(pdf);
-}
-
-void runJob(const Request& request, const JobInput& input, JobOutput& output)
-{
-    if (request.job != Job::FileTypes && request.job != Job::Misbehave && input.bytes().empty())
-        throw Refusal("The file is empty.");
-    switch (request.job) {
-    case Job::FileTypes:
-        return listFileTypes(output);
-    case Job::MeasureBitmap:
-        return measureBitmap(input, output);
-    case Job::DecodeBitmap:
-        return decodeBitmap(request, input, output);
-    case Job::MeasureDocument:
-        return measureDocument(input, output);
-    case Job::RenderPageArea:
-        return renderPageArea(request, input, output);
-    case Job::NormaliseDocument:
-        return normaliseDocument(input, output);
-    case Job::ConvertEPS:
-        return convertEPS(input, output);
-    case Job::ConvertPICT:
-        return convertPICT(input, output);
-    case Job::PlacePages:
-        return placePages(input, output);
-    case Job::Misbehave:
-        return misbehave(Misdeed(request.misdeed), output);
-    }
-    throw Refusal("There is no such job.");
 }
 
 } // namespace vxr::importing

@@ -69,19 +69,4 @@ private:
     std::span<std::byte> mMapped;
 };
 
-/// Does what the request asks; throws when it can't. Runs in the job's process.
-void runJob(const Request&, const JobInput&, JobOutput&);
-
-// The jobs.
-void listFileTypes(JobOutput&);
-void measureBitmap(const JobInput&, JobOutput&);
-void decodeBitmap(const Request&, const JobInput&, JobOutput&);
-void measureDocument(const JobInput&, JobOutput&);
-void renderPageArea(const Request&, const JobInput&, JobOutput&);
-void normaliseDocument(const JobInput&, JobOutput&);
-void convertEPS(const JobInput&, JobOutput&); ///< becomes Ghostscript and does not return
-void convertPICT(const JobInput&, JobOutput&);
-void placePages(const JobInput&, JobOutput&);
-void misbehave(Misdeed, JobOutput&);
-
 } // namespace vxr::importing

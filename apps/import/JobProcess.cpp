@@ -1,9 +1,8 @@
 #include <apps/import/JobProcess.h>
 
 #include <apps/import/Job.h>
-#include <apps/import/Libraries.h>
+#include <apps/import/JobRunner.h>
 #include <apps/import/Messages.h>
-#include <apps/import/Signatures.h>
 #include <apps/import/TemporaryFolder.h>
 
 #include <fcntl.h>
@@ -22,8 +21,10 @@
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
+#include <ctime>
 #include <fstream>
 #include <new>
+#include <optional>
 #include <utility>
 
 namespace vxr::importing {
@@ -31,6 +32,7 @@ namespace vxr::importing {
 namespace {
 
 constexpr int firstJobDescriptor = 40; ///< beyond what the program itself has open
+constexpr std::size_t mostKept = 3; ///< documents
 constexpr rlim_t mostDescriptors = 64; ///< that a job may open
 constexpr std::uint64_t leastMemory = std::uint64_t { 256 } << 20;
 /// Address space for reservations (arenas, stacks of threads) that never become memory.
@@ -81,14 +83,19 @@ ImportOutcome outcomeOf(int signal)
     return signal == SIGXCPU ? ImportOutcome::TimedOut : ImportOutcome::Crashed;
 }
 
+/// What a job's process says when it has left its result.
+enum class Word : char { Done, NotDone, ForOthers };
+
 /// Runs the job and leaves its result, or why there is none.
-void runAndReport(const Request& request, const JobFiles& files)
+Word runAndReport(JobRunner& runner, const Request& request, const JobInput& input, const JobFiles& files)
 {
     JobOutput output(files.report, files.payload, request.limits.outputBytes);
     try {
-        const JobInput input(files.input);
-        runJob(request, input, output);
+        runner.run(request, input, output);
         output.finish(ImportOutcome::Done);
+        return Word::Done;
+    } catch (const JobForOthers&) {
+        return Word::ForOthers;
     } catch (const OversizeError& error) {
         output.finish(ImportOutcome::TooLarge, error.what());
     } catch (const std::bad_alloc&) {
@@ -96,12 +103,16 @@ void runAndReport(const Request& request, const JobFiles& files)
     } catch (const std::exception& error) {
         output.finish(ImportOutcome::Refused, error.what());
     }
+    return Word::NotDone;
 }
+
+bool isKeptFor(const Request& request) { return request.job == Job::RenderPageArea; }
 
 } // namespace
 
-JobProcess::JobProcess(const Sandbox& sandbox, int hostSocket)
-    : mSandbox(sandbox)
+JobProcess::JobProcess(JobRunner& runner, const Sandbox& sandbox, int hostSocket)
+    : mRunner(runner)
+    , mSandbox(sandbox)
     , mHostSocket(hostSocket)
     , mOwnProcess(::getpid())
 {
@@ -112,6 +123,8 @@ JobProcess::JobProcess(const Sandbox& sandbox, int hostSocket)
 JobProcess::~JobProcess()
 {
     dismiss(mNext);
+    for (const KeptWorker& kept : mKept)
+        dismiss(kept.worker);
     reap(true);
 }
 
@@ -150,16 +163,25 @@ void JobProcess::work(int socket)
     ::syscall(SYS_close_range, 3u, unsigned(firstJobDescriptor - 1), 0u);
     if (!mSandbox.enter(socket + 1))
         ::_exit(8);
-    Request request;
-    int files[3];
-    if (!receiveMessage(socket, &request, sizeof request, files))
-        ::_exit(0);
-    const bool hasInput = request.job != Job::FileTypes && request.job != Job::Misbehave;
-    runAndReport(
-        request, hasInput ? JobFiles { files[2], files[0], files[1] } : JobFiles { -1, files[0], files[1] });
-    if (::write(socket, "", 1) != 1)
-        ::_exit(7);
-    ::_exit(0); // what the libraries would do at the end is of no use
+    std::optional<JobInput> input;
+    for (;;) {
+        Request request;
+        int files[3];
+        if (!receiveMessage(socket, &request, sizeof request, files))
+            ::_exit(0);
+        const bool hasInput = request.job != Job::FileTypes && request.job != Job::Misbehave;
+        const JobFiles job
+            = hasInput ? JobFiles { files[2], files[0], files[1] } : JobFiles { -1, files[0], files[1] };
+        if (!input)
+            input.emplace(job.input); // that of each later job, too
+        const Word word = runAndReport(mRunner, request, *input, job);
+        for (const int file : files)
+            ::close(file);
+        if (::write(socket, &word, 1) != 1)
+            ::_exit(7);
+        if (word != Word::Done || !isKeptFor(request))
+            ::_exit(0); // what the libraries would do at the end is of no use
+    }
 }
 
 JobProcess::Worker JobProcess::startPostScript(
@@ -183,7 +205,7 @@ void JobProcess::becomePostScript(const Request& request, JobFiles files, const 
     if (folder.empty()
         || !mSandbox.enterForPostScript(std::max({ files.input, files.report, files.payload }) + 1, folder))
         ::_exit(8);
-    runAndReport(request, files);
+    runAndReport(mRunner, request, JobInput(files.input), files);
     ::_exit(1); // it has not become Ghostscript
 }
 
@@ -199,12 +221,26 @@ void JobProcess::limit(const Worker& worker, const Request& request, const JobFi
     set(RLIMIT_DATA, mBasePrivateBytes + memory);
     set(RLIMIT_AS, mBaseAddressBytes + memory + reservedBytes + mapped);
     set(RLIMIT_FSIZE, request.limits.outputBytes);
-    set(RLIMIT_CPU, request.limits.processorSeconds, 1);
+    if (!isKeptFor(request))
+        set(RLIMIT_CPU, request.limits.processorSeconds, 1);
+    else // only a process that may ask for more later is trusted to heed the signal; the wait ends the others
+        limitSeconds(worker, request);
     set(RLIMIT_NOFILE, mostDescriptors);
     set(RLIMIT_CORE, 0);
 }
 
-JobProcess::End JobProcess::waitFor(Worker worker, const Request& request)
+/// From now on, beyond what the process has used already.
+void JobProcess::limitSeconds(const Worker& worker, const Request& request) const
+{
+    clockid_t clock {};
+    timespec used {};
+    if (::clock_getcpuclockid(worker.process, &clock) == 0)
+        ::clock_gettime(clock, &used);
+    const rlimit limits { rlim_t(used.tv_sec) + request.limits.processorSeconds, RLIM_INFINITY };
+    ::prlimit(worker.process, RLIMIT_CPU, &limits, nullptr);
+}
+
+JobProcess::End JobProcess::waitFor(Worker worker, const Request& request, int input)
 {
     using Clock = std::chrono::steady_clock;
     const auto limit = Clock::now() + std::chrono::milliseconds(request.limits.waitMilliseconds);
@@ -215,10 +251,16 @@ JobProcess::End JobProcess::waitFor(Worker worker, const Request& request)
         const int count = ::poll(watched, 3, left > 0 ? int(left) : 0);
         if (count < 0 && errno == EINTR)
             continue;
-        char done = 1;
-        if (count > 0 && watched[2].revents != 0 && ::read(worker.socket, &done, 1) == 1) {
-            dismiss(worker);
-            return {};
+        Word word {};
+        if (count > 0 && watched[2].revents != 0 && ::read(worker.socket, &word, 1) == 1) {
+            if (word == Word::Done && isKeptFor(request))
+                keep(worker, input);
+            else
+                dismiss(worker);
+            End end;
+            end.isDone = word == Word::Done;
+            end.isForOthers = word == Word::ForOthers;
+            return end;
         }
         if (count > 0 && watched[0].revents == 0 && watched[1].revents == 0) {
             ::close(std::exchange(worker.socket, -1)); // it is about to end
@@ -227,7 +269,9 @@ JobProcess::End JobProcess::waitFor(Worker worker, const Request& request)
         if (count > 0 && watched[1].revents == 0)
             return endOf(worker, request);
         dismiss(worker);
-        return { ImportOutcome::TimedOut, 0, count > 0 };
+        End end { .outcome = ImportOutcome::TimedOut };
+        end.hostIsGone = count > 0;
+        return end;
     }
 }
 
@@ -275,19 +319,56 @@ void JobProcess::reap(bool all)
     });
 }
 
+void JobProcess::keep(Worker worker, int input)
+{
+    struct stat status { };
+    ::fstat(input, &status);
+    if (mKept.size() >= mostKept) {
+        dismiss(mKept.back().worker);
+        mKept.pop_back();
+    }
+    mKept.insert(mKept.begin(), { worker, status.st_dev, status.st_ino });
+}
+
+/// The process that has the file of the request open; it is no longer among those that are kept.
+JobProcess::Worker JobProcess::keptFor(const Request& request, int input)
+{
+    struct stat status { };
+    if (!isKeptFor(request) || ::fstat(input, &status) != 0)
+        return {};
+    // A kept process has the file mapped, so its number can't be another file's.
+    const auto found = std::ranges::find_if(mKept,
+        [&](const KeptWorker& kept) { return kept.device == status.st_dev && kept.file == status.st_ino; });
+    if (found == mKept.end())
+        return {};
+    const Worker worker = found->worker;
+    mKept.erase(found);
+    return worker;
+}
+
+std::array<std::byte, 16> JobProcess::startOf(int input, std::size_t& count)
+{
+    std::array<std::byte, 16> start {};
+    const ssize_t read = input < 0 ? 0 : ::pread(input, start.data(), start.size(), 0);
+    count = std::size_t(std::max<ssize_t>(read, 0));
+    return start;
+}
+
+bool JobProcess::takes(const Request& request, int input) const
+{
+    std::size_t count = 0;
+    const auto start = startOf(input, count);
+    return mRunner.takes(request, std::span(start).first(count));
+}
+
 /// Looks at the first bytes to know which libraries the job will need.
 void JobProcess::loadWhatIsNeeded(const Request& request, int input)
 {
-    std::array<std::byte, 16> start {};
-    const bool isBitmap = request.job == Job::MeasureBitmap || request.job == Job::DecodeBitmap;
-    const ssize_t count = isBitmap ? ::pread(input, start.data(), start.size(), 0) : 0;
-    if (count <= 0)
-        return;
-    const std::string kind = bitmapKind(std::span(start).first(std::size_t(count)));
-    if (isLoadedFor(kind))
+    std::size_t count = 0;
+    const auto start = startOf(input, count);
+    if (!mRunner.load(request, std::span(start).first(count)))
         return;
     dismiss(std::exchange(mNext, {})); // it was made without them
-    loadFor(kind);
     noteBaseSize();
 }
 
@@ -297,30 +378,46 @@ void JobProcess::noteBaseSize()
     mBaseAddressBytes = statusNumber("VmSize:") << 10;
 }
 
+JobProcess::End JobProcess::runPostScript(const Request& request, const JobFiles& files)
+{
+    const TemporaryFolder folder;
+    const Worker worker = startPostScript(request, files, folder.path());
+    if (worker.process < 0)
+        return { .outcome = ImportOutcome::TooLarge };
+    limit(worker, request, files);
+    const End end = waitFor(worker, request, files.input);
+    reap(true); // nothing more comes into the folder
+    return end;
+}
+
+bool JobProcess::tell(const Worker& worker, const Request& request, const JobFiles& files) const
+{
+    const int descriptors[] { files.report, files.payload, files.input };
+    const std::size_t count = files.input < 0 ? 2 : 3;
+    return sendMessage(worker.socket, &request, sizeof request, std::span(descriptors).first(count));
+}
+
 JobProcess::End JobProcess::run(const Request& request, const JobFiles& files)
 {
     reap(false);
-    const bool isPostScript = request.job == Job::ConvertEPS;
-    const TemporaryFolder folder(isPostScript);
-    if (isPostScript) {
-        const Worker worker = startPostScript(request, files, folder.path());
-        if (worker.process < 0)
-            return { ImportOutcome::TooLarge, 0, false };
-        limit(worker, request, files);
-        const End end = waitFor(worker, request);
-        reap(true); // nothing more comes into the folder
-        return end;
+    if (request.job == Job::ConvertEPS)
+        return runPostScript(request, files);
+    if (const Worker kept = keptFor(request, files.input); kept.process >= 0) {
+        limitSeconds(kept, request);
+        tell(kept, request, files);
+        const End end = waitFor(kept, request, files.input);
+        // What it has gathered may have been too much: a fresh one may do what it can't.
+        if (end.isDone || end.hostIsGone || end.outcome == ImportOutcome::TimedOut)
+            return end;
     }
     loadWhatIsNeeded(request, files.input);
     const Worker worker = mNext.process >= 0 ? std::exchange(mNext, {}) : startWorker();
     if (worker.process < 0)
-        return { ImportOutcome::TooLarge, 0, false };
+        return { .outcome = ImportOutcome::TooLarge };
     limit(worker, request, files);
-    const int descriptors[] { files.report, files.payload, files.input };
-    const std::size_t count = files.input < 0 ? 2 : 3;
-    sendMessage(worker.socket, &request, sizeof request, std::span(descriptors).first(count));
+    tell(worker, request, files);
     mNext = startWorker();
-    return waitFor(worker, request);
+    return waitFor(worker, request, files.input);
 }
 
 } // namespace vxr::importing

@@ -3,6 +3,7 @@
 #include <apps/import/BitmapFile.h>
 #include <apps/import/PageArea.h>
 #include <apps/import/PixelConversion.h>
+#include <apps/import/SamplePictures.h>
 #include <apps/import/Signatures.h>
 
 #include <gmodule.h>
@@ -23,21 +24,6 @@ constexpr const char* blockedLoaders[]
           "VipsForeignLoadFits", "VipsForeignLoadCsv", "VipsForeignLoadMatrix", "VipsForeignLoadVips",
           "VipsForeignLoadAnalyze", "VipsForeignLoadRad", "VipsForeignLoadNifti", "VipsForeignLoadPpm" };
 
-/// Pictures of one pixel, as hexadecimal digits.
-constexpr const char* samplePictures[] = {
-    "89504e470d0a1a0a0000000d49484452000000010000000108000000003a7e9b550000000a49444154789c636000000002000148"
-    "70"
-    "af6e0000000049454e44ae426082",
-    "ffd8ffdb004300080606070605080707070909080a0c140d0c0b0b0c1912130f141d1a1f1e1d1a1c1c20242e2720222c231c1c28"
-    "37"
-    "292c30313434341f27393d38323c2e333432ffc0000b080001000101011100ffc400140001000000000000000000000000000000"
-    "08ffc40014100100000000000000000000000000000000ffda0008010100003f003fbfffd9",
-};
-
-constexpr const char* sampleBMP = "424d3a00000000000000360000002800000001000000010000000100180000000000040000"
-                                  "000000000000000000000000000000"
-                                  "000000000000";
-
 constexpr char samplePage[]
     = "%PDF-1.4\n1 0 obj<</Type/Catalog/Pages 2 0 R>>endobj "
       "2 0 obj<</Type/Pages/Kids[3 0 R]/Count 1>>endobj "
@@ -46,18 +32,9 @@ constexpr char samplePage[]
       "4 0 obj<</Length 24>>stream\nBT/F 9 Tf 1 1 Td(a)Tj ET\nendstream endobj "
       "trailer<</Root 1 0 R>>";
 
-std::string fromHexadecimal(std::string_view digits)
-{
-    std::string bytes;
-    for (std::size_t i = 0; i + 1 < digits.size(); i += 2)
-        bytes += char(std::stoi(std::string(digits.substr(i, 2)), nullptr, 16));
-    return bytes;
-}
-
 /// Decoding only: saving runs a pool of threads.
-void decodeSample(const char* digits)
+void decodeSample(const std::string& bytes)
 {
-    const std::string bytes = fromHexadecimal(digits);
     try {
         BitmapFile file(std::as_bytes(std::span(bytes)));
         file.readRows([](std::uint32_t, const std::byte*) {});
@@ -92,8 +69,8 @@ void loadLibraries()
     vips_concurrency_set(1);
     vips_cache_set_max(0);
     blockLoaders();
-    for (const char* digits : samplePictures)
-        decodeSample(digits);
+    for (const std::string& picture : { samplePNG(), sampleJPEG() })
+        decodeSample(picture);
     loadDefaultConversions();
     try {
         drawSamplePage(samplePage);
@@ -122,7 +99,7 @@ void loadFor(std::string_view bitmapKind)
         (moduleFolder() + module).c_str(), GModuleFlags(0)); // or the loader is missing, as jobs will say
     blockLoaders();
     if (bitmapKind != "heic" && bitmapKind != "avif" && bitmapKind != "jxl")
-        decodeSample(sampleBMP);
+        decodeSample(sampleBMP());
 }
 
 } // namespace vxr::importing

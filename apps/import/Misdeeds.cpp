@@ -1,4 +1,4 @@
-#include <apps/import/Job.h>
+#include <apps/import/DecoderJobs.h>
 
 #include <fcntl.h>
 #include <poll.h>

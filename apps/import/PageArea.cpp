@@ -1,6 +1,6 @@
 #include <apps/import/PageArea.h>
 
-#include <apps/import/Job.h>
+#include <apps/import/DecoderJobs.h>
 #include <apps/import/PdfDocument.h>
 
 #include <poppler.h>
@@ -43,6 +43,21 @@ Page firstPage(PopplerDocument* document)
     return page;
 }
 
+/// A document stays open in the process that draws areas of it: the process is asked for no other one.
+struct OpenDocument {
+    explicit OpenDocument(const JobInput& input)
+        // Poppler shows the crop box, turned as the page says; wanted is the media box as it lies.
+        : plain(documentWithPlainBoxes(input))
+        , document(open(plain.empty() ? input.text() : std::string_view(plain)))
+        , page(firstPage(document.get()))
+    {
+    }
+
+    std::string plain;
+    Document document;
+    Page page;
+};
+
 /// Whole numbers of 16.16 arithmetic lie well beyond any area that can be seen.
 bool isPossible(const Request& request)
 {
@@ -67,11 +82,7 @@ void renderPageArea(const Request& request, const JobInput& input, JobOutput& ou
 {
     if (!isPossible(request))
         throw Refusal("The area is impossible.");
-    // Poppler shows the crop box, turned as the page says; wanted is the media box as it lies.
-    const std::string plain = documentWithPlainBoxes(input);
-    const Document document = open(plain.empty() ? input.text() : std::string_view(plain));
-    const Page page = firstPage(document.get());
-
+    static const OpenDocument opened(input);
     const int stride = cairo_format_stride_for_width(CAIRO_FORMAT_ARGB32, request.width);
     auto* const pixels = reinterpret_cast<unsigned char*>(
         output.mapPayload(std::uint64_t(stride) * std::uint64_t(request.height)));
@@ -80,7 +91,7 @@ void renderPageArea(const Request& request, const JobInput& input, JobOutput& ou
     const Drawing drawing(cairo_create(surface.get()));
     cairo_translate(drawing.get(), request.offsetX - request.x, request.offsetY - request.y);
     cairo_scale(drawing.get(), request.scaleX, request.scaleY);
-    poppler_page_render(page.get(), drawing.get());
+    poppler_page_render(opened.page.get(), drawing.get());
     cairo_surface_flush(surface.get());
     if (cairo_status(drawing.get()) == CAIRO_STATUS_NO_MEMORY)
         throw std::bad_alloc();

@@ -1,4 +1,4 @@
-#include <apps/import/Job.h>
+#include <apps/import/DecoderJobs.h>
 #include <apps/import/JpegProfiles.h>
 #include <apps/import/PdfDocument.h>
 

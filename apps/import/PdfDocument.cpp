@@ -1,5 +1,7 @@
 #include <apps/import/PdfDocument.h>
 
+#include <apps/import/DecoderJobs.h>
+
 #include <qpdf/Buffer.hh>
 #include <qpdf/QPDF.hh>
 #include <qpdf/QPDFPageDocumentHelper.hh>

@@ -11,6 +11,12 @@ public:
     /// CMYK by the system's default profile or plainly.
     PixelConversion(const BitmapFormat& source, std::span<const std::byte> profile);
 
+    /// Whether drawable pixels have the values of opaque grey or RGB samples of 8 bits.
+    bool leavesSamples() const
+    {
+        return !mTransform && !mShared && !mSource.hasAlpha && mSource.bitsPerSample == 8
+            && mSource.model != BitmapModel::CMYK;
+    }
     void convertRow(const std::byte* samples, std::uint32_t* pixels);
 
 private:

@@ -1,4 +1,4 @@
-#include <apps/import/Job.h>
+#include <apps/import/DecoderJobs.h>
 #include <apps/import/PostScriptHeader.h>
 
 #include <sys/mman.h>

@@ -1,6 +1,7 @@
 #include <apps/import/Service.h>
 
 #include <apps/import/Messages.h>
+#include <apps/import/Successor.h>
 
 #include <fcntl.h>
 #include <sys/mman.h>
@@ -42,6 +43,8 @@ private:
 
 bool Service::answer(const Request& request, int input)
 {
+    if (!mJobs.takes(request, input))
+        return forward(request, input);
     Reply reply;
     reply.id = request.id;
     const MemoryOutput report("report"), payload("payload");
@@ -53,6 +56,8 @@ bool Service::answer(const Request& request, int input)
     const JobProcess::End end = mJobs.run(request, { input, results[0], results[1] });
     if (end.hostIsGone)
         return false;
+    if (end.isForOthers)
+        return forward(request, input);
     reply.outcome = end.outcome;
     reply.signal = end.signal;
     if (end.outcome != ImportOutcome::Done)
@@ -60,6 +65,16 @@ bool Service::answer(const Request& request, int input)
     if (report.seal() && payload.seal())
         return sendMessage(mSocket, &reply, sizeof reply, results);
     reply.outcome = ImportOutcome::Crashed; // it has kept its files mapped
+    return sendMessage(mSocket, &reply, sizeof reply, {});
+}
+
+bool Service::forward(const Request& request, int input)
+{
+    if (mSuccessor)
+        return mSuccessor->answer(request, input, mSocket);
+    Reply reply;
+    reply.id = request.id;
+    reply.outcome = ImportOutcome::Refused;
     return sendMessage(mSocket, &reply, sizeof reply, {});
 }
 

@@ -4,11 +4,15 @@
 
 namespace vxr::importing {
 
+class Successor;
+
 /// Reads requests from the socket and answers each, until the host closes its end.
 class Service {
 public:
-    Service(JobProcess& jobs, int socket)
+    /// `successor` gets the jobs that are for others; null when there are none.
+    Service(JobProcess& jobs, int socket, Successor* successor)
         : mJobs(jobs)
+        , mSuccessor(successor)
         , mSocket(socket)
     {
     }
@@ -17,8 +21,10 @@ public:
 
 private:
     bool answer(const Request&, int input); ///< false when the host has gone
+    bool forward(const Request&, int input);
 
     JobProcess& mJobs;
+    Successor* mSuccessor;
     int mSocket;
 };
 

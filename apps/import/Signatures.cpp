@@ -1,6 +1,6 @@
 #include <apps/import/Signatures.h>
 
-#include <apps/import/Job.h>
+#include <apps/import/DecoderJobs.h>
 #include <apps/import/Libraries.h>
 #include <apps/import/pict/Pict.h>
 

@@ -98,6 +98,29 @@ TEST_F(DocumentImport, AreasShowTheMediaBoxAsItLies)
     EXPECT_EQ(pixelAt(*area(pdf, { 1, 1, -500, 900, 8, 8 }), 4, 4), 0u) << "beside the page";
 }
 
+// A process keeps a document open for its next area: what it has drawn before must not show.
+TEST_F(DocumentImport, AreasComeOutTheSameInWhateverOrderTheyAreAskedFor)
+{
+    std::vector<std::shared_ptr<const MemoryFile>> documents;
+    std::vector<std::string> sources;
+    for (int i = 0; i < 5; ++i) {
+        sources.push_back(makePage("/MediaBox[0 0 100 100]",
+            std::to_string(i) + " 5 div 0 0 rg 10 10 60 60 re f 0 0 1 rg 40 " + std::to_string(30 + 5 * i)
+                + " 30 30 re f"));
+        documents.push_back(memoryFile(sources.back()));
+    }
+    const PageAreaRequest areas[] { { 2, 2, 0, 0, 100, 100 }, { 3, 3, 50, 60, 90, 70 },
+        { 2, 2, 100, 100, 100, 100 } };
+    for (const std::size_t i : { 0, 0, 1, 0, 2, 3, 4, 0, 4, 2, 2, 1 })
+        for (const PageAreaRequest& wanted : areas) {
+            const auto kept = importer().renderPageArea(*documents[i], wanted, &failure);
+            const auto fresh = area(sources[i], wanted);
+            ASSERT_TRUE(kept && fresh) << failure.message;
+            ASSERT_TRUE(std::ranges::equal(kept->pixels(), fresh->pixels())) << i;
+            EXPECT_FALSE(importer().renderPageArea(*documents[i], { 2, 2, 0, 0, 0, 5 }, &failure));
+        }
+}
+
 TEST_F(DocumentImport, RefusesBadDocuments)
 {
     for (const std::string& pdf : { std::string("%PDF-1.4\nnothing"), makePage("/MediaBox[0 0 0 300]", ""),

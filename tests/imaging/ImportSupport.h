@@ -11,6 +11,7 @@
 
 #ifndef VXR_IMPORT
 #define VXR_IMPORT ""
+#define VXR_IMPORT_DECODERS ""
 #endif
 
 namespace vxr::test {
