@@ -41,7 +41,10 @@ int runConvert(const ConvertOptions& options)
             const svg::Drawing drawing = svg::readDrawing(readWholeFile(input, svg::XmlLimits {}.bytes));
             for (const svg::Warning& warning : drawing.warnings)
                 console.warning(input, warning);
-            document.insertPage(document.pageCount(), pageFrom(importDrawing(drawing)));
+            const ImportedDrawing imported = importDrawing(drawing, folderOf(input));
+            for (const svg::Warning& warning : imported.warnings)
+                console.warning(input, warning);
+            document.insertPage(document.pageCount(), pageFrom(imported));
         } catch (const svg::DocumentError& error) {
             console.error(input, error.line, error.what());
             status = exitFailed;

@@ -85,6 +85,14 @@ std::string readWholeFile(const std::string& path, std::size_t limit)
     return readAll(file, limit);
 }
 
+std::string folderOf(const std::string& path)
+{
+    if (path == "-")
+        return {};
+    const std::string folder = std::filesystem::path(path).parent_path().string();
+    return folder.empty() ? "." : folder;
+}
+
 bool isDocumentFile(const std::string& path)
 {
     if (path == "-" || !fs::is_regular_file(path))

@@ -14,6 +14,9 @@ void writeFile(const std::string& path, std::string_view bytes);
 /// All bytes of a file, or of standard input for `-`. One larger than `limit` is refused.
 std::string readWholeFile(const std::string& path, std::size_t limit);
 
+/// Where a file is; empty for standard input.
+std::string folderOf(const std::string& path);
+
 /// Whether the file is a document rather than a drawing, by its first bytes or its name.
 bool isDocumentFile(const std::string& path);
 

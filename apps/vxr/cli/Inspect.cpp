@@ -168,7 +168,9 @@ void inspectDrawing(const std::string& input, Console& console)
     const svg::Drawing drawing = svg::readDrawing(readWholeFile(input, svg::XmlLimits {}.bytes));
     for (const svg::Warning& warning : drawing.warnings)
         console.warning(input, warning);
-    const ImportedDrawing imported = importDrawing(drawing);
+    const ImportedDrawing imported = importDrawing(drawing, folderOf(input));
+    for (const svg::Warning& warning : imported.warnings)
+        console.warning(input, warning);
     fmt::print("{}: {} x {}, {} shapes\n", input, number(imported.size.width), number(imported.size.height),
         imported.shapeCount);
     printTree(imported, 1);

@@ -94,7 +94,10 @@ ImportedDrawing readDrawing(const std::string& input, Console& console)
     const svg::Drawing drawing = svg::readDrawing(readWholeFile(input, svg::XmlLimits {}.bytes));
     for (const svg::Warning& warning : drawing.warnings)
         console.warning(input, warning);
-    return importDrawing(drawing);
+    ImportedDrawing imported = importDrawing(drawing, folderOf(input));
+    for (const svg::Warning& warning : imported.warnings)
+        console.warning(input, warning);
+    return imported;
 }
 
 void renderDrawing(

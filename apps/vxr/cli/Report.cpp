@@ -34,7 +34,7 @@ template <typename Work> double milliseconds(Work work)
 void reportOne(const std::string& input)
 {
     const svg::Drawing drawing = svg::readDrawing(readWholeFile(input, svg::XmlLimits {}.bytes));
-    const ImportedDrawing imported = importDrawing(drawing);
+    const ImportedDrawing imported = importDrawing(drawing, folderOf(input));
     const double scale = pictureSide / std::max(drawing.width, drawing.height);
     const Page page { imported, std::max(1, static_cast<int>(std::lround(drawing.width * scale))),
         std::max(1, static_cast<int>(std::lround(drawing.height * scale))), static_cast<float>(scale),

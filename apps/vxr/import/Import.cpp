@@ -2,9 +2,11 @@
 
 #include "Clips.h"
 #include "DrawnGroup.h"
+#include "DrawnPicture.h"
 #include "DrawnShape.h"
 #include "Gradients.h"
 #include "OutlineStroke.h"
+#include "PictureReferences.h"
 
 #include <vxr/renderables/VXRLineEnd.h>
 #include <vxr/strokes/VXRStrokePattern.h>
@@ -83,8 +85,9 @@ std::shared_ptr<vxr::VXRLineEnd> lineEndFrom(const svg::LineEnd& end, const svg:
 
 class Importer {
 public:
-    explicit Importer(ImportedDrawing& result)
+    Importer(ImportedDrawing& result, const std::string& folder)
         : mResult(result)
+        , mPictures(folder)
     {
     }
 
@@ -103,6 +106,8 @@ public:
 private:
     std::shared_ptr<vxr::VXRRenderable> import(const svg::Shape& shape)
     {
+        if (shape.picture)
+            return importPlacedPicture(shape);
         const std::shared_ptr<vxr::Path> path = pathFrom(shape.outline, shape.fillRule);
         const vxr::Point origin = path->bounds().origin;
         const svg::Vec offset { origin.x, origin.y };
@@ -115,6 +120,19 @@ private:
             result->setTailLineEnd(lineEndFrom(*shape.startEnd, shape));
         if (shape.finalEnd)
             result->setHeadLineEnd(lineEndFrom(*shape.finalEnd, shape));
+        ++mResult.shapeCount;
+        note(*result, shape.element, shape.id, shape.line);
+        return result;
+    }
+
+    std::shared_ptr<vxr::VXRRenderable> importPlacedPicture(const svg::Shape& shape)
+    {
+        std::string reason;
+        const auto binary = mPictures.binary(shape.picture->reference, reason);
+        if (!reason.empty())
+            mResult.warnings.push_back({ shape.line, reason });
+        const auto result = drawnPicture(*shape.picture, binary, shape.toCanvas);
+        result->setOpacity(static_cast<float>(shape.opacity));
         ++mResult.shapeCount;
         note(*result, shape.element, shape.id, shape.line);
         return result;
@@ -140,15 +158,16 @@ private:
     }
 
     ImportedDrawing& mResult;
+    PictureReferences mPictures;
 };
 
 } // namespace
 
-ImportedDrawing importDrawing(const svg::Drawing& drawing)
+ImportedDrawing importDrawing(const svg::Drawing& drawing, const std::string& folder)
 {
     ImportedDrawing result;
     result.size = { static_cast<float>(drawing.width), static_cast<float>(drawing.height) };
-    result.renderables = Importer(result).import(drawing.nodes);
+    result.renderables = Importer(result, folder).import(drawing.nodes);
     return result;
 }
 

@@ -16,10 +16,12 @@ struct ImportedDrawing {
     std::unordered_map<const vxr::VXRRenderable*, std::pair<std::string, int>> sources;
     std::size_t shapeCount = 0;
     double pointsPerUnit = 0.75; ///< on paper; a drawing's unit is 1/96 inch
+    std::vector<svg::Warning> warnings; ///< about pictures
 };
 
 /// One renderable a shape, drawn through its own fill and stroke; groups where an opacity or clip is
-/// shared.
-ImportedDrawing importDrawing(const svg::Drawing&);
+/// shared. Pictures that are files are read from `folder`, where the drawing is, or below it; none when that
+/// is empty.
+ImportedDrawing importDrawing(const svg::Drawing&, const std::string& folder = {});
 
 } // namespace app

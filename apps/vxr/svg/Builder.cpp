@@ -8,7 +8,7 @@ namespace app::svg {
 
 namespace {
 
-enum class Role { Container, Switch, Use, Viewport, Shape, Silent, Skipped };
+enum class Role { Container, Switch, Use, Viewport, Shape, Image, Silent, Skipped };
 
 Role roleOf(std::string_view name)
 {
@@ -16,7 +16,7 @@ Role roleOf(std::string_view name)
         { "a", Role::Container }, { "switch", Role::Switch }, { "use", Role::Use }, { "svg", Role::Viewport },
         { "path", Role::Shape }, { "rect", Role::Shape }, { "circle", Role::Shape },
         { "ellipse", Role::Shape }, { "line", Role::Shape }, { "polyline", Role::Shape },
-        { "polygon", Role::Shape }, { "text", Role::Skipped }, { "image", Role::Skipped },
+        { "polygon", Role::Shape }, { "text", Role::Skipped }, { "image", Role::Image },
         { "foreignObject", Role::Skipped }, { "animate", Role::Skipped },
         { "animateTransform", Role::Skipped }, { "animateMotion", Role::Skipped }, { "set", Role::Skipped } };
     const auto found = roles.find(name);
@@ -94,6 +94,9 @@ void Builder::addElement(const XmlElement& element, const Scope& scope, Nodes& o
         break;
     case Role::Viewport:
         addViewport(element, nullptr, own, nodes);
+        break;
+    case Role::Image:
+        addImage(element, own, nodes);
         break;
     default:
         addShape(element, own, nodes);
@@ -270,8 +273,6 @@ void Builder::warnOfSkipped(const XmlElement& element)
 {
     if (element.name == "text")
         mDocument.warnOnce("text", element.line, "text is not drawn");
-    else if (element.name == "image")
-        mDocument.warnOnce("image", element.line, "images are not drawn");
     else if (element.name == "foreignObject")
         mDocument.warnOnce("foreignObject", element.line, "foreign objects are not drawn");
     else

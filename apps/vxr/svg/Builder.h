@@ -32,6 +32,8 @@ private:
     /// The contents of an `svg` or `symbol` fitted into its viewport.
     void addViewport(const XmlElement&, const XmlElement* use, Scope, Nodes&);
     void addShape(const XmlElement&, const Scope&, Nodes&);
+    void addImage(const XmlElement&, const Scope&, Nodes&);
+    void countShape(const XmlElement&); ///< throws `DocumentError` past the limit
     void warnOfSkipped(const XmlElement&);
     bool meetsConditions(const XmlElement&); ///< `systemLanguage` and `requiredExtensions`
 

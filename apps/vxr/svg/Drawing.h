@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Style.h"
+#include "Values.h"
 
 #include <memory>
 #include <optional>
@@ -63,6 +64,14 @@ struct LineEnd {
     Outline outline;
 };
 
+/// A placed picture. Its shape is the viewport that it is fitted to, at (0, 0) of the shape's user space,
+/// without paints of its own.
+struct Picture {
+    std::string reference; ///< a data URL or where the file is, as written
+    double width = 0, height = 0; ///< 0 for what follows the picture
+    AspectRatio aspect;
+};
+
 struct Shape {
     std::string element, id;
     int line = 0;
@@ -73,6 +82,7 @@ struct Shape {
     Stroke stroke;
     double opacity = 1;
     std::optional<LineEnd> startEnd, finalEnd;
+    std::shared_ptr<const Picture> picture; ///< none for an ordinary shape
 };
 
 /// The union of areas, in canvas coordinates. No area at all clips everything away.

@@ -118,12 +118,17 @@ void Builder::addShape(const XmlElement& element, const Scope& scope, Nodes& out
     if (shape.stroke.paints() && shape.stroke.cap != Cap::Butt)
         shape.outline = shape.outline.withDotsOfLength(shape.stroke.width * invisiblePart);
     if (shape.fill.kind != Paint::Kind::None || shape.stroke.paints()) {
-        if (++mShapes > mDocument.limits().shapes)
-            throw DocumentError(
-                element.line, fmt::format("the drawing has more than {} shapes", mDocument.limits().shapes));
+        countShape(element);
         out.push_back({ std::move(shape) });
     }
     std::move(markers.begin(), markers.end(), std::back_inserter(out));
+}
+
+void Builder::countShape(const XmlElement& element)
+{
+    if (++mShapes > mDocument.limits().shapes)
+        throw DocumentError(
+            element.line, fmt::format("the drawing has more than {} shapes", mDocument.limits().shapes));
 }
 
 void Builder::addMarkers(Shape& shape, const Scope& scope, Nodes& after)
