@@ -11,7 +11,7 @@ const std::vector<Scene>& scenes()
     static const std::vector<Scene> all = [] {
         std::vector<Scene> list;
         for (auto subject : { pathScenes, outlineScenes, gradientScenes, textWrapScenes, modelScenes,
-                 imageScenes, filterScenes, curveScenes, strokeScenes }) {
+                 imageScenes, fileScenes, filterScenes, curveScenes, strokeScenes }) {
             std::vector<Scene> more = subject();
             std::move(more.begin(), more.end(), std::back_inserter(list));
         }

@@ -41,6 +41,7 @@ std::vector<Scene> gradientScenes();
 std::vector<Scene> textWrapScenes();
 std::vector<Scene> modelScenes();
 std::vector<Scene> imageScenes();
+std::vector<Scene> fileScenes();
 std::vector<Scene> filterScenes();
 std::vector<Scene> curveScenes();
 std::vector<Scene> strokeScenes();
