@@ -1,16 +1,21 @@
 #include <tests/images/ImageTestSupport.h>
+#include <tests/support/LogCapture.h>
 #include <vxr/host/archiving/VXACoder.h>
 #include <vxr/host/archiving/VXADecoder.h>
 #include <vxr/host/data/VXEPasteboardAssistant.h>
 #include <vxr/host/utility/VXUAssertionHandler.h>
 #include <vxr/host/utility/VXUObjectFlusher.h>
+#include <vxr/host/utility/VXUSystemVersion.h>
 #include <vxr/images/VXRBitmapImageData.h>
+#include <vxr/images/VXRBitmapImages.h>
 #include <vxr/images/VXRBitmapRenderer.h>
 #include <vxr/images/VXRDummyImageRenderer.h>
 #include <vxr/images/VXRPDFImageData.h>
 #include <vxr/images/VXRPICTImageData.h>
 #include <vxr/images/VXRPixelConversions.h>
 #include <vxr/platform/base/NotificationCenter.h>
+#include <vxr/platform/graphics/Image.h>
+#include <vxr/platform/pictures/BitmapImageRep.h>
 #include <vxr/platform/pictures/PDFDocument.h>
 #include <vxr/platform/pictures/Pasteboard.h>
 
@@ -24,8 +29,8 @@ namespace vxr::test {
 namespace {
 
 namespace fs = std::filesystem;
-using testing::Contains;
-using testing::Not;
+using ::testing::Contains;
+using ::testing::Not;
 
 /// A folder of its own, gone at the end.
 struct Folder {
@@ -119,6 +124,44 @@ TEST(ImageBinary, TriesKindsInOrderAndMarksWhatNoneTakes)
     auto named = std::make_shared<VXEData>(dataOf("bitmap"), "x", "x.png", 0x50494354, nullptr);
     EXPECT_TRUE(VXRBitmapImageData::initWithVXEData(named));
     EXPECT_EQ(named->hfsType(), 0u) << "the bytes have turned out to be a bitmap";
+}
+
+TEST(ImageBinary, RepresentationsHaveAFormatFromVersion1040On)
+{
+    static constexpr std::uint8_t sample[] { 0x80, 0xff, 0x40, 0xff };
+    const auto pixelOn = [](int version) {
+        const int before = VXUSetSystemVersion(version);
+        BitmapPlanes planes;
+        planes.planes[0] = sample;
+        planes.pixelsWide = planes.pixelsHigh = 1;
+        planes.samplesPerPixel = planes.bytesPerRow = 4;
+        planes.bitsPerPixel = 32;
+        planes.hasAlpha = true;
+        planes.colorSpaceName = kDeviceRGBColorSpace;
+        planes.bitmapFormat = kBitmapAlphaFirst;
+        const auto rep = BitmapImageRep::imageRepWithPlanes(planes, nullptr);
+        const AlphaFormat alpha = VXRImageRefFromBitmapImageRep(*rep, true)->layout().alpha;
+        VXUSetSystemVersion(before);
+        return alpha;
+    };
+    EXPECT_EQ(pixelOn(4160), AlphaFormat::PremultipliedFirst);
+    EXPECT_EQ(pixelOn(4159), AlphaFormat::PremultipliedLast);
+}
+
+TEST(ImageBinary, OneSentenceIsLoggedForAPictureThatNothingDecodes)
+{
+    KnownFiles files;
+    vxr::testing::LogCapture log;
+    for (const char* name : { "a.jpg", "b.pdf", "c.pict" }) {
+        const auto broken = binaryOf(std::string("junk of ") + name, name);
+        broken->imageRenderer();
+        broken->naturalImageSize();
+    }
+    ASSERT_EQ(log.lines().size(), 3u);
+    EXPECT_THAT(log.lines()[1], ::testing::HasSubstr("\"b.pdf\""));
+    VXRImageBinary::pdfDataFromEPSDataPathError(dataOf("no PostScript"), "/there/logo.eps", nullptr);
+    ASSERT_EQ(log.lines().size(), 4u);
+    EXPECT_THAT(log.lines()[3], ::testing::HasSubstr("logo.eps"));
 }
 
 TEST(ImageBinary, PicturesGetTheHeaderThatTheyLack)
@@ -341,7 +384,7 @@ TEST(PixelConversions, RearrangeComponents)
     EXPECT_EQ(alpha, 0x55);
     alpha = 255;
     VXRColorizeAlphaBuffer(&alpha, 1, colored, 4, 1, 1, 255, 128, 0, 255);
-    EXPECT_THAT(colored, testing::ElementsAre(0, 127, 253, 254)) << "one step short";
+    EXPECT_THAT(colored, ::testing::ElementsAre(0, 127, 253, 254)) << "one step short";
 }
 
 } // namespace vxr::test

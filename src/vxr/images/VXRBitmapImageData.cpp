@@ -18,13 +18,14 @@ VXRBitmapImageData::VXRBitmapImageData(const std::shared_ptr<VXEData>& data)
 
 VXRBitmapImageData::~VXRBitmapImageData() = default;
 
-std::shared_ptr<VXRBitmapImageData> VXRBitmapImageData::initWithVXEData(const std::shared_ptr<VXEData>& data)
+std::shared_ptr<VXRBitmapImageData> VXRBitmapImageData::initWithVXEData(
+    const std::shared_ptr<VXEData>& data, std::string* reason)
 {
     const std::string extension = lowerCase(data->pathExtension());
     if (!data->hasGoodData() || extension == "pdf" || extension == "pict")
         return nullptr;
     std::shared_ptr<VXRBitmapImageData> made(new VXRBitmapImageData(data));
-    made->mImageRep = BitmapImageRep::imageRepWithData(data->data());
+    made->mImageRep = BitmapImageRep::imageRepWithData(data->data(), reason);
     if (!made->mImageRep || !made->imageRef())
         return nullptr;
     if (data->hfsType() == kHFSTypePICT || data->hfsType() == kHFSTypePDF)

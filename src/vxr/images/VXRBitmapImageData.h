@@ -12,7 +12,8 @@ class VXR_EXPORT VXRBitmapImageData final : public VXRImageData {
 public:
     /// None for data that is not good, that is named as PDF or PICT, or that no decoder takes. A data object
     /// whose file type says PICT or PDF loses it: the bytes have turned out to be a bitmap.
-    static std::shared_ptr<VXRBitmapImageData> initWithVXEData(const std::shared_ptr<VXEData>&);
+    static std::shared_ptr<VXRBitmapImageData> initWithVXEData(
+        const std::shared_ptr<VXEData>&, std::string* reason = nullptr);
     ~VXRBitmapImageData() override;
 
     const std::shared_ptr<BitmapImageRep>& imageRep() const { return mImageRep; }

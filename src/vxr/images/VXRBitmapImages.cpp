@@ -2,6 +2,7 @@
 
 #include <vxr/geometry/VXRColorUtilities.h>
 #include <vxr/host/utility/VXULog.h>
+#include <vxr/host/utility/VXUSystemVersion.h>
 #include <vxr/platform/graphics/Context.h>
 #include <vxr/platform/graphics/Image.h>
 #include <vxr/platform/pictures/BitmapImageRep.h>
@@ -27,8 +28,12 @@ std::shared_ptr<const BitmapImageRep> drawnRep(
 
 std::shared_ptr<const ColorSpace> VXRColorSpaceForRep(const BitmapImageRep& rep)
 {
+    // A file's own profile has been honoured where the file was read, and its bytes are opened nowhere else.
+    if (rep.isConverted())
+        return VXRColorSpaceForRep(
+            VXRImageRep { rep.planes().samplesPerPixel, rep.planes().hasAlpha, nullptr });
     return VXRColorSpaceForRep(
-        VXRImageRep { rep.sourceSamplesPerPixel(), rep.sourceHasAlpha(), rep.colorSyncProfileData() });
+        VXRImageRep { rep.planes().samplesPerPixel, rep.planes().hasAlpha, rep.colorSyncProfileData() });
 }
 
 std::shared_ptr<const Image> VXRImageRefFromBitmapImageRep(const BitmapImageRep& rep, bool useEmbeddedProfile)
@@ -37,7 +42,11 @@ std::shared_ptr<const Image> VXRImageRefFromBitmapImageRep(const BitmapImageRep&
         VXULog_Fn(VXULogLevelWarning, "VXRBitmapImages.cpp", "Could not get bitmap data planes");
         return nullptr;
     }
-    return useEmbeddedProfile ? rep.image(VXRColorSpaceForRep(rep)) : rep.imageWithoutProfile();
+    // The platform's representations have had a format since version 10.4.0.
+    constexpr int firstVersionWithFormats = 4160;
+    const bool heedsFormat = GetSystemVersion() >= firstVersionWithFormats;
+    return useEmbeddedProfile ? rep.image(VXRColorSpaceForRep(rep), heedsFormat)
+                              : rep.imageWithoutProfile(heedsFormat);
 }
 
 std::shared_ptr<const Image> VXRImageRefFromJPEGData(

@@ -4,6 +4,7 @@
 #include <vxr/host/archiving/VXADecoder.h>
 #include <vxr/host/data/VXEData.h>
 #include <vxr/host/data/VXEPasteboardAssistant.h>
+#include <vxr/host/utility/VXULog.h>
 #include <vxr/host/utility/VXUObjectFlusher.h>
 #include <vxr/images/ImageNames.h>
 #include <vxr/images/VXRBitmapImageData.h>
@@ -23,9 +24,10 @@ namespace {
 
 constexpr Size defaultNaturalSize { 100, 100 };
 
-template <class Kind> std::shared_ptr<VXRImageData> tryKind(const std::shared_ptr<VXEData>& data)
+template <class Kind>
+std::shared_ptr<VXRImageData> tryKind(const std::shared_ptr<VXEData>& data, std::string* reason)
 {
-    return Kind::initWithVXEData(data);
+    return Kind::initWithVXEData(data, reason);
 }
 
 } // namespace
@@ -39,17 +41,21 @@ void VXRImageBinary::_constructImageData()
     if (isMissing() || isCorrupted())
         return;
     std::shared_ptr<VXRImageData> made;
+    std::string reason = "No program reads files of its kind.";
     for (const auto kind :
         { tryKind<VXRPICTImageData>, tryKind<VXRPDFImageData>, tryKind<VXRBitmapImageData> }) {
-        made = kind(mData);
+        made = kind(mData, &reason);
         if (made)
             break;
     }
     setImageData(made);
-    if (made)
+    if (made) {
         mNaturalImageSize = made->naturalSize();
-    else
+    } else {
         mData->setFileIsCorrupt(true);
+        VXULog_Fn(VXULogLevelWarning, "VXRImageBinary.cpp",
+            "The picture \"" + name() + "\" can't be shown: " + reason);
+    }
     VXUObjectFlusher::instance().objectAddedData(*this);
 }
 

@@ -1,4 +1,5 @@
 #include <vxr/host/utility/VXUAssertionHandler.h>
+#include <vxr/host/utility/VXULog.h>
 #include <vxr/images/ImageNames.h>
 #include <vxr/images/VXRImageBinary.h>
 #include <vxr/platform/base/Data.h>
@@ -58,7 +59,7 @@ void VXRImageBinary::setApplicationPDFDataFromEPSData(EPSConversion conversion)
 }
 
 std::shared_ptr<MutableData> VXRImageBinary::pdfDataFromEPSDataPathError(
-    const std::shared_ptr<const Data>& eps, const std::string&, std::string*)
+    const std::shared_ptr<const Data>& eps, const std::string& path, std::string*)
 {
     if (!eps)
         return nullptr;
@@ -67,7 +68,12 @@ std::shared_ptr<MutableData> VXRImageBinary::pdfDataFromEPSDataPathError(
     auto pdf = std::make_shared<MutableData>();
     DataConsumer consumer(pdf.get(), { PutBytesIntoNSData, nullptr });
     const auto converter = PSConverter::create();
-    return converter && converter->convert(provider, consumer) ? pdf : nullptr;
+    std::string reason = "There is no program that does it.";
+    if (converter && converter->convert(provider, consumer, &reason))
+        return pdf;
+    VXULog_Fn(VXULogLevelWarning, "VXRImageBinaryEPS.cpp",
+        "\"" + lastPathComponent(path) + "\" can't be converted: " + reason);
+    return nullptr;
 }
 
 std::shared_ptr<VXRImageBinary> VXRImageBinary::pdfImageBinaryFromEPSFileUsingDataManagerError(

@@ -16,12 +16,13 @@ VXRPDFImageData::VXRPDFImageData(const std::shared_ptr<VXEData>& data)
 
 VXRPDFImageData::~VXRPDFImageData() = default;
 
-std::shared_ptr<VXRPDFImageData> VXRPDFImageData::initWithVXEData(const std::shared_ptr<VXEData>& data)
+std::shared_ptr<VXRPDFImageData> VXRPDFImageData::initWithVXEData(
+    const std::shared_ptr<VXEData>& data, std::string* reason)
 {
     if (!data->hasGoodData() || lowerCase(data->pathExtension()) != "pdf")
         return nullptr;
     std::shared_ptr<VXRPDFImageData> made(new VXRPDFImageData(data));
-    made->_setupPDF();
+    made->_setupPDF(reason);
     if (made->mPDFRep && (made->naturalSize().width == 0 || made->naturalSize().height == 0))
         made->setPdfRep(nullptr);
     if (!made->mPDFRep)
@@ -37,19 +38,20 @@ void VXRPDFImageData::setPdfRep(std::shared_ptr<PDFImageRep> rep)
 }
 
 // A page is cut to its art box. That it is turned is forgotten on purpose.
-void VXRPDFImageData::_setupPDF()
+void VXRPDFImageData::_setupPDF(std::string* reason)
 {
     const auto bytes = data()->data();
     if (!bytes || bytes->isEmpty())
         return;
-    auto rep = PDFImageRep::imageRepWithData(bytes);
+    auto rep = PDFImageRep::imageRepWithData(bytes, reason);
     if (!rep)
         return;
     const PDFDocument& document = *rep->document();
     const Rect media = document.box(PDFBox::Media);
     const bool isNormal
         = intersectionRect(media, document.box(PDFBox::Art)) == media && document.rotationAngle() == 0;
-    setPdfRep(isNormal ? std::move(rep) : PDFImageRep::imageRepWithData(document.normalisedData()));
+    setPdfRep(
+        isNormal ? std::move(rep) : PDFImageRep::imageRepWithData(document.normalisedData(reason), reason));
 }
 
 Size VXRPDFImageData::naturalSize() const { return mPDFRep->size(); }

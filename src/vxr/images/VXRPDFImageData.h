@@ -12,7 +12,8 @@ class VXR_EXPORT VXRPDFImageData final : public VXRImageData {
 public:
     /// None for data that is not good, not named as PDF, or without a page that has an area. Sets the data
     /// object's file type.
-    static std::shared_ptr<VXRPDFImageData> initWithVXEData(const std::shared_ptr<VXEData>&);
+    static std::shared_ptr<VXRPDFImageData> initWithVXEData(
+        const std::shared_ptr<VXEData>&, std::string* reason = nullptr);
     ~VXRPDFImageData() override;
 
     const std::shared_ptr<const PDFDocument>& pdfRef() const { return mPDFRef; }
@@ -26,7 +27,7 @@ public:
 
 private:
     explicit VXRPDFImageData(const std::shared_ptr<VXEData>&);
-    void _setupPDF();
+    void _setupPDF(std::string* reason = nullptr);
 
     std::shared_ptr<const PDFDocument> mPDFRef;
     std::shared_ptr<PDFImageRep> mPDFRep;

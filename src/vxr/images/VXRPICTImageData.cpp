@@ -31,13 +31,14 @@ VXRPICTImageData::VXRPICTImageData(const std::shared_ptr<VXEData>& data)
 
 VXRPICTImageData::~VXRPICTImageData() = default;
 
-std::shared_ptr<VXRPICTImageData> VXRPICTImageData::initWithVXEData(const std::shared_ptr<VXEData>& data)
+std::shared_ptr<VXRPICTImageData> VXRPICTImageData::initWithVXEData(
+    const std::shared_ptr<VXEData>& data, std::string* reason)
 {
     const std::string extension = lowerCase(data->pathExtension());
     if (!data->hasGoodData() || (!extension.empty() && extension != "pict" && extension != "pct"))
         return nullptr;
     std::shared_ptr<VXRPICTImageData> made(new VXRPICTImageData(data));
-    made->mPICTImageRep = PICTImageRep::imageRepWithData(data->data());
+    made->mPICTImageRep = PICTImageRep::imageRepWithData(data->data(), reason);
     if (!made->mPICTImageRep)
         return nullptr;
     if (made->mPICTImageRep->PICTRepresentation()->length() == data->byteSize())

@@ -12,7 +12,8 @@ class VXR_EXPORT VXRPICTImageData final : public VXRImageData {
 public:
     /// None for data that is not good, named as something else, or no picture. Gives the data object's bytes
     /// the 512-byte header that they lack, and sets its file type.
-    static std::shared_ptr<VXRPICTImageData> initWithVXEData(const std::shared_ptr<VXEData>&);
+    static std::shared_ptr<VXRPICTImageData> initWithVXEData(
+        const std::shared_ptr<VXEData>&, std::string* reason = nullptr);
     ~VXRPICTImageData() override;
 
     const std::shared_ptr<PICTImageRep>& PICTImageRepresentation() const { return mPICTImageRep; }

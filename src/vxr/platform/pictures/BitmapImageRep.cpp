@@ -14,11 +14,17 @@ namespace {
 
 constexpr float pointsPerInch = 72;
 
-std::shared_ptr<const ImportedBitmap> decode(const std::shared_ptr<const Data>& data, bool useProfile)
+std::shared_ptr<const ImportedBitmap> decode(
+    const std::shared_ptr<const Data>& data, bool useProfile, std::string* reason = nullptr)
 {
     const auto file = data ? MemoryFile::createWithCopy(data->bytes()) : nullptr;
-    return file ? Importer::shared().decodeBitmap(*file, { .drawable = true, .useProfile = useProfile })
-                : nullptr;
+    ImportFailure failure { .outcome = ImportOutcome::Unavailable, .message = "Memory is short." };
+    auto bitmap = file
+        ? Importer::shared().decodeBitmap(*file, { .drawable = true, .useProfile = useProfile }, &failure)
+        : nullptr;
+    if (!bitmap && reason)
+        *reason = failure.message;
+    return bitmap;
 }
 
 BitmapPlanes planesOfDrawable(const ImportedBitmap& bitmap)
@@ -46,12 +52,13 @@ std::shared_ptr<const ColorSpace> spaceNamed(const std::string& name)
     return name == kDeviceCMYKColorSpace ? ColorSpace::deviceCMYK() : ColorSpace::deviceRGB();
 }
 
-AlphaFormat alphaFormat(const BitmapPlanes& planes)
+AlphaFormat alphaFormat(const BitmapPlanes& planes, bool heedsFormat)
 {
     if (!planes.hasAlpha)
         return AlphaFormat::None;
-    const bool first = planes.bitmapFormat & kBitmapAlphaFirst;
-    if (planes.bitmapFormat & kBitmapAlphaNonpremultiplied)
+    const unsigned format = heedsFormat ? planes.bitmapFormat : 0;
+    const bool first = format & kBitmapAlphaFirst;
+    if (format & kBitmapAlphaNonpremultiplied)
         return first ? AlphaFormat::First : AlphaFormat::Last;
     return first ? AlphaFormat::PremultipliedFirst : AlphaFormat::PremultipliedLast;
 }
@@ -90,9 +97,10 @@ std::vector<std::uint8_t> meshedBytes(const BitmapPlanes& planes)
 
 BitmapImageRep::~BitmapImageRep() = default;
 
-std::shared_ptr<BitmapImageRep> BitmapImageRep::imageRepWithData(const std::shared_ptr<const Data>& data)
+std::shared_ptr<BitmapImageRep> BitmapImageRep::imageRepWithData(
+    const std::shared_ptr<const Data>& data, std::string* reason)
 {
-    auto bitmap = decode(data, true);
+    auto bitmap = decode(data, true, reason);
     if (!bitmap || !bitmap->format().isDrawable)
         return nullptr;
     std::shared_ptr<BitmapImageRep> rep(new BitmapImageRep);
@@ -130,19 +138,10 @@ std::shared_ptr<BitmapImageRep> BitmapImageRep::imageRepWithImage(std::shared_pt
     return imageRepWithPlanes(planes, std::move(pixels));
 }
 
-int BitmapImageRep::sourceSamplesPerPixel() const
-{
-    return mImported ? static_cast<int>(mImported->info().format.samplesPerPixel) : mPlanes.samplesPerPixel;
-}
-
-bool BitmapImageRep::sourceHasAlpha() const
-{
-    return mImported ? mImported->info().format.hasAlpha : mPlanes.hasAlpha;
-}
-
 bool BitmapImageRep::isPlainJPEG() const { return mImported && mImported->info().isPlainJPEG; }
 
-std::shared_ptr<const Image> BitmapImageRep::image(std::shared_ptr<const ColorSpace> space) const
+std::shared_ptr<const Image> BitmapImageRep::image(
+    std::shared_ptr<const ColorSpace> space, bool heedsFormat) const
 {
     if (!hasDataPlanes())
         return nullptr;
@@ -155,7 +154,7 @@ std::shared_ptr<const Image> BitmapImageRep::image(std::shared_ptr<const ColorSp
     ImageLayout layout { .width = mPlanes.pixelsWide,
         .height = mPlanes.pixelsHigh,
         .bytesPerRow = mPlanes.bytesPerRow,
-        .alpha = alphaFormat(mPlanes),
+        .alpha = alphaFormat(mPlanes, heedsFormat),
         .space = std::move(space) };
     if (liesLikeAnImage(mPlanes))
         return Image::create(layout, mPlanes.planes[0],
@@ -166,9 +165,9 @@ std::shared_ptr<const Image> BitmapImageRep::image(std::shared_ptr<const ColorSp
     return Image::create(layout, bytes->data(), bytes->size(), bytes);
 }
 
-std::shared_ptr<const Image> BitmapImageRep::imageWithoutProfile() const
+std::shared_ptr<const Image> BitmapImageRep::imageWithoutProfile(bool heedsFormat) const
 {
-    return mImported ? imageOfImportedBitmap(decode(mFile, false)) : image(nullptr);
+    return mImported ? imageOfImportedBitmap(decode(mFile, false)) : image(nullptr, heedsFormat);
 }
 
 Size BitmapImageRep::size() const

@@ -41,8 +41,10 @@ inline constexpr unsigned kBitmapAlphaNonpremultiplied = 2; ///< else premultipl
 class VXR_EXPORT BitmapImageRep final : public ImageRep, public std::enable_shared_from_this<BitmapImageRep> {
 public:
     /// Decodes a file of any raster format that the import program reads: upright, converted to sRGB by the
-    /// embedded profile, in the form that is drawn. None when the bytes are no such file.
-    static std::shared_ptr<BitmapImageRep> imageRepWithData(const std::shared_ptr<const Data>&);
+    /// embedded profile, in the form that is drawn. None when the bytes are no such file;
+    /// `reason` is then a sentence.
+    static std::shared_ptr<BitmapImageRep> imageRepWithData(
+        const std::shared_ptr<const Data>&, std::string* reason = nullptr);
     /// Over samples that `owner` keeps alive. No planes at all stand for samples that can't be reached.
     static std::shared_ptr<BitmapImageRep> imageRepWithPlanes(const BitmapPlanes&,
         std::shared_ptr<const void> owner, std::shared_ptr<const std::vector<std::byte>> profile = nullptr);
@@ -56,18 +58,21 @@ public:
     std::size_t bytesPerRow() const { return mPlanes.bytesPerRow; }
     bool hasDataPlanes() const { return mPlanes.planes[0] != nullptr; }
 
-    // Of the file, where the samples have been converted.
-    int sourceSamplesPerPixel() const;
-    bool sourceHasAlpha() const;
+    /// Whether the samples have been converted to sRGB already.
+    bool isConverted() const { return mImported != nullptr; }
+    /// The file's own, of samples that have been converted: nobody has looked at its bytes here.
     const std::shared_ptr<const std::vector<std::byte>>& colorSyncProfileData() const { return mProfile; }
     /// Whether the file is a JPEG that a document may hold as it is.
     bool isPlainJPEG() const;
 
     /// The samples as an image, over the same memory where its form allows. `space` says what they are; none
     /// has that follow from the colour space's name. Samples that have been converted ignore it.
-    std::shared_ptr<const Image> image(std::shared_ptr<const ColorSpace> space) const;
+    /// Without `heedsFormat` own samples are taken as premultiplied with alpha last, whatever their format
+    /// says.
+    std::shared_ptr<const Image> image(
+        std::shared_ptr<const ColorSpace> space, bool heedsFormat = true) const;
     /// The picture decoded anew, as if it had no embedded profile; `image` without a space for own samples.
-    std::shared_ptr<const Image> imageWithoutProfile() const;
+    std::shared_ptr<const Image> imageWithoutProfile(bool heedsFormat = true) const;
 
     Size size() const override; ///< by the resolution that the file states; 72 pixels an inch otherwise
     bool drawInRect(const Rect&) const override;

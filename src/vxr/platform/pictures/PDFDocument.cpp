@@ -18,18 +18,29 @@ Rect rectOf(const PageBox& box)
         { static_cast<float>(box.width), static_cast<float>(box.height) } };
 }
 
+void tell(std::string* reason, const ImportFailure& failure)
+{
+    if (reason)
+        *reason = failure.message;
+}
+
 } // namespace
 
 PDFDocument::~PDFDocument() = default;
 
-std::shared_ptr<const PDFDocument> PDFDocument::createWithData(std::shared_ptr<const Data> data)
+std::shared_ptr<const PDFDocument> PDFDocument::createWithData(
+    std::shared_ptr<const Data> data, std::string* reason)
 {
-    const auto file = data ? MemoryFile::createWithCopy(data->bytes()) : nullptr;
-    const auto info = file ? Importer::shared().measureDocument(*file) : std::nullopt;
-    if (!info || info->pages < 1)
+    auto file = data ? MemoryFile::createWithCopy(data->bytes()) : nullptr;
+    ImportFailure failure;
+    const auto info = file ? Importer::shared().measureDocument(*file, &failure) : std::nullopt;
+    if (!info || info->pages < 1) {
+        tell(reason, failure);
         return nullptr;
+    }
     std::shared_ptr<PDFDocument> document(new PDFDocument);
     document->mData = std::move(data);
+    document->mFile = std::move(file);
     document->mPages = static_cast<int>(info->pages);
     document->mRotation = info->rotation;
     int index = 0;
@@ -63,17 +74,20 @@ bool PDFDocument::drawAsVectors(Context& context, const Rect& rect) const
 }
 
 std::shared_ptr<const Image> PDFDocument::renderArea(
-    Size scale, int x, int y, int width, int height, Size offset) const
+    Size scale, int x, int y, int width, int height, Size offset, std::string* reason) const
 {
-    const auto file = mData ? MemoryFile::createWithCopy(mData->bytes()) : nullptr;
-    if (!file)
+    if (!mFile)
         return nullptr;
     const PageAreaRequest request { scale.width, scale.height, x, y, width, height, offset.width,
         offset.height };
-    return imageOfImportedBitmap(Importer::shared().renderPageArea(*file, request));
+    ImportFailure failure;
+    auto image = imageOfImportedBitmap(Importer::shared().renderPageArea(*mFile, request, &failure));
+    if (!image)
+        tell(reason, failure);
+    return image;
 }
 
-std::shared_ptr<const Image> PDFDocument::overview() const
+std::shared_ptr<const Image> PDFDocument::overview(std::string* reason) const
 {
     constexpr double pixels = 1 << 20, finest = 4;
     const Size media = box(PDFBox::Media).size;
@@ -84,13 +98,15 @@ std::shared_ptr<const Image> PDFDocument::overview() const
     const int width = std::max(1, static_cast<int>(std::lround(media.width * scale)));
     const int height = std::max(1, static_cast<int>(std::lround(media.height * scale)));
     return renderArea({ static_cast<float>(width) / media.width, static_cast<float>(height) / media.height },
-        0, 0, width, height);
+        0, 0, width, height, {}, reason);
 }
 
-std::shared_ptr<const Data> PDFDocument::normalisedData() const
+std::shared_ptr<const Data> PDFDocument::normalisedData(std::string* reason) const
 {
-    const auto file = mData ? MemoryFile::createWithCopy(mData->bytes()) : nullptr;
-    const auto normalised = file ? Importer::shared().normalisedDocument(*file) : nullptr;
+    ImportFailure failure;
+    const auto normalised = mFile ? Importer::shared().normalisedDocument(*mFile, &failure) : nullptr;
+    if (!normalised)
+        tell(reason, failure);
     return normalised ? Data::dataWithBytes(normalised->bytes()) : nullptr;
 }
 

@@ -14,9 +14,10 @@ constexpr double mostPixelsPerSide = 4096; ///< of a page drawn by its represent
 
 } // namespace
 
-std::shared_ptr<PDFImageRep> PDFImageRep::imageRepWithData(const std::shared_ptr<const Data>& data)
+std::shared_ptr<PDFImageRep> PDFImageRep::imageRepWithData(
+    const std::shared_ptr<const Data>& data, std::string* reason)
 {
-    auto document = PDFDocument::createWithData(data);
+    auto document = PDFDocument::createWithData(data, reason);
     return document ? std::make_shared<PDFImageRep>(std::move(document)) : nullptr;
 }
 

@@ -10,7 +10,9 @@ class Data;
 /// Page 1 of a PDF document, as large as its media box.
 class VXR_EXPORT PDFImageRep final : public ImageRep {
 public:
-    static std::shared_ptr<PDFImageRep> imageRepWithData(const std::shared_ptr<const Data>&); ///< or none
+    /// None when the bytes are no document; `reason` is then a sentence.
+    static std::shared_ptr<PDFImageRep> imageRepWithData(
+        const std::shared_ptr<const Data>&, std::string* reason = nullptr);
 
     explicit PDFImageRep(std::shared_ptr<const PDFDocument>);
     ~PDFImageRep() override;

@@ -10,26 +10,30 @@ namespace {
 
 constexpr std::size_t pictHeaderLength = 512;
 
-std::shared_ptr<const PDFDocument> documentOfPicture(std::span<const std::byte> picture)
+std::shared_ptr<const PDFDocument> documentOfPicture(std::span<const std::byte> picture, std::string* reason)
 {
     const auto file = MemoryFile::createWithCopy(picture);
-    const auto pdf = file ? Importer::shared().convertPICT(*file) : nullptr;
-    return pdf ? PDFDocument::createWithData(Data::dataWithBytes(pdf->bytes())) : nullptr;
+    ImportFailure failure;
+    const auto pdf = file ? Importer::shared().convertPICT(*file, &failure) : nullptr;
+    if (!pdf && reason)
+        *reason = failure.message;
+    return pdf ? PDFDocument::createWithData(Data::dataWithBytes(pdf->bytes()), reason) : nullptr;
 }
 
 } // namespace
 
 // The header says nothing. What is a picture without its first 512 bytes had one.
-std::shared_ptr<PICTImageRep> PICTImageRep::imageRepWithData(const std::shared_ptr<const Data>& data)
+std::shared_ptr<PICTImageRep> PICTImageRep::imageRepWithData(
+    const std::shared_ptr<const Data>& data, std::string* reason)
 {
     if (!data)
         return nullptr;
     if (data->length() > pictHeaderLength) {
         const auto picture = data->bytes().subspan(pictHeaderLength);
-        if (auto document = documentOfPicture(picture))
+        if (auto document = documentOfPicture(picture, reason))
             return std::make_shared<PICTImageRep>(Data::dataWithBytes(picture), std::move(document));
     }
-    auto document = documentOfPicture(data->bytes());
+    auto document = documentOfPicture(data->bytes(), reason);
     return document ? std::make_shared<PICTImageRep>(data, std::move(document)) : nullptr;
 }
 

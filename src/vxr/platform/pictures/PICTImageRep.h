@@ -10,8 +10,10 @@ class Data;
 /// A QuickDraw picture, as large as its frame.
 class VXR_EXPORT PICTImageRep final : public ImageRep {
 public:
-    /// Bytes with or without the 512 bytes of a file's header. None when they are no picture.
-    static std::shared_ptr<PICTImageRep> imageRepWithData(const std::shared_ptr<const Data>&);
+    /// Bytes with or without the 512 bytes of a file's header. None when they are no picture;
+    /// `reason` is then a sentence.
+    static std::shared_ptr<PICTImageRep> imageRepWithData(
+        const std::shared_ptr<const Data>&, std::string* reason = nullptr);
 
     PICTImageRep(std::shared_ptr<const Data> picture, std::shared_ptr<const PDFDocument>);
     ~PICTImageRep() override;

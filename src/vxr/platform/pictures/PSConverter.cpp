@@ -10,10 +10,13 @@ std::shared_ptr<PSConverter> PSConverter::create()
     return Importer::shared().isAvailable() ? std::make_shared<PSConverter>() : nullptr;
 }
 
-bool PSConverter::convert(const DataProvider& provider, DataConsumer& consumer)
+bool PSConverter::convert(const DataProvider& provider, DataConsumer& consumer, std::string* reason)
 {
     const auto eps = MemoryFile::createWithCopy(provider.bytes(), provider.size());
-    const auto pdf = eps ? Importer::shared().convertEPS(*eps) : nullptr;
+    ImportFailure failure;
+    const auto pdf = eps ? Importer::shared().convertEPS(*eps, &failure) : nullptr;
+    if (!pdf && reason)
+        *reason = failure.message;
     return pdf && consumer.put(pdf->bytes().data(), pdf->size());
 }
 
