@@ -4,6 +4,8 @@
 #include <vxr/images/VXRDummyImageRenderer.h>
 #include <vxr/images/VXRImageRepRenderer.h>
 #include <vxr/images/VXRPDFRenderer.h>
+#include <vxr/images/VXRPagePixels.h>
+#include <vxr/platform/base/NotificationCenter.h>
 #include <vxr/platform/graphics/BitmapContext.h>
 #include <vxr/platform/pictures/PDFImageRep.h>
 #include <vxr/protocols/VXRImageRendererOwner.h>
@@ -152,6 +154,46 @@ TEST(ImageRenderer, PagesAreRenderedInTheAreasThatAreSeenAtTheResolutionOfTheDev
     renderer->setDynamicallyTransforming(true);
     renderer->drawInRect({ 0, 0, 1000, 1000 });
     EXPECT_TRUE(areas().empty()) << "stretched while it is dragged";
+}
+
+TEST(ImageRenderer, AfterAZoomPagesShowAtOnceAndAreRenderedWhenThereIsTime)
+{
+    KnownFiles files;
+    files.addPage("large", { 0, 0, 1000, 1000 });
+    const auto document = PDFDocument::createWithData(dataOf("large"));
+    const auto renderer = VXRPDFRenderer::imageRendererWithPDFRef(document);
+    const auto bitmap = BitmapContext::createBitmap(100, 100);
+    const CurrentContextScope current(*bitmap, true, false);
+    renderer->setMayDrawLater(true);
+    const auto draw = [&](float scale) {
+        StateSaver saved(*bitmap);
+        bitmap->scale(scale, scale);
+        files->calls.clear();
+        renderer->drawInRect({ -490, 0, 1000, 1000 });
+        return files->calls.size();
+    };
+    EXPECT_EQ(draw(1), 2u) << "there is nothing to stretch";
+    EXPECT_FALSE(renderer->awaitsPixels());
+    EXPECT_EQ(draw(2), 0u);
+    EXPECT_TRUE(renderer->awaitsPixels());
+    EXPECT_EQ(bitmap->pixels()[0], files->pageColor);
+
+    int told = 0;
+    NotificationCenter::defaultCenter().addObserver(&told, VXRPagePixelsDidRenderNotification,
+        VXRPagePixels::pixelsOfDocument(document).get(), [&](const Notification&) { ++told; });
+    EXPECT_TRUE(VXRPagePixels::renderWaiting());
+    EXPECT_TRUE(VXRPagePixels::renderWaiting());
+    EXPECT_EQ(told, 0);
+    EXPECT_FALSE(VXRPagePixels::renderWaiting());
+    EXPECT_EQ(told, 1);
+    NotificationCenter::defaultCenter().removeObserver(&told);
+    EXPECT_EQ(files->calls.size(), 2u);
+    EXPECT_EQ(draw(2), 0u);
+    EXPECT_FALSE(renderer->awaitsPixels());
+
+    // What has waited once is rendered at once, however often its pixels have been flushed.
+    VXRPagePixels::pixelsOfDocument(document)->flushLocalData();
+    EXPECT_EQ(draw(2), 2u);
 }
 
 TEST(ImageRenderer, APageThatCannotBeRenderedIsABrokenPictureAndIsNotTriedAgain)

@@ -99,6 +99,38 @@ TEST_F(PlacedPictures, LookTheSameOnPaperAndOnScreen)
     }
 }
 
+TEST_F(PlacedPictures, TurnedPagesShowNoSeamsAndTheSamePixelsInWhateverParts)
+{
+    const auto turned = [](const std::shared_ptr<VXRImageFill>& fill) {
+        return [fill](Context& context) {
+            context.translate(50, 50);
+            context.rotate(0.5f);
+            fill->paintRect({ -700, -650, 1300, 1200 }); // the corners of four areas in sight
+        };
+    };
+    const auto plain
+        = onBitmap(turned(fillOf(makePage("/MediaBox [0 0 130 120]", "0.2 0.4 0.6 rg 0 0 130 120 re f"),
+            "a.pdf", VXRImageFillStretch)));
+    for (const std::uint32_t pixel : plain)
+        ASSERT_EQ(pixel, 0xff336699u);
+
+    std::string lines = "0.3 w ";
+    for (int i = 0; i < 60; ++i)
+        lines += std::to_string(2 * i) + " 0 m " + std::to_string(130 - 2 * i) + " 120 l S ";
+    const auto fill = fillOf(makePage("/MediaBox [0 0 130 120]", lines), "b.pdf", VXRImageFillStretch);
+    const auto whole = onBitmap(turned(fill));
+    const auto parts = onBitmap([&](Context& context) {
+        for (float y = 0; y < 100; y += 37)
+            for (float x = 0; x < 100; x += 41) {
+                StateSaver saved(context);
+                context.clipToRect({ x, y, 41, 37 });
+                turned(fill)(context);
+            }
+    });
+    EXPECT_EQ(parts, whole);
+    EXPECT_GT(std::ranges::count(whole, 0u), 1000);
+}
+
 TEST_F(PlacedPictures, AreNamedAndMeasuredByWhatTheProgramReads)
 {
     for (const char* suffix : { "png", "tif", "jpg", "gif", "webp" }) {

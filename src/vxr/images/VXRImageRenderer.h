@@ -25,6 +25,10 @@ public:
     bool dynamicallyTransforming() const { return mDynamicallyTransforming; }
     void setDynamicallyTransforming(bool flag) { mDynamicallyTransforming = flag; }
     VXRCanvasRole* canvas() const; ///< the owner's
+    /// Whether what is shown may be sharpened later (see `VXRPagePixels::setRendersLater`), and whether, last
+    /// time, something was left for then.
+    void setMayDrawLater(bool flag) { mMayDrawLater = flag; }
+    bool awaitsPixels() const { return mAwaitsPixels; }
 
     /// Fills the rectangle of the current context. Sets its interpolation: none while an interactive
     /// transform goes on, else the best.
@@ -50,6 +54,8 @@ protected:
     {
         return mDynamicallyTransforming ? InterpolationQuality::None : InterpolationQuality::High;
     }
+    bool mayDrawLater() const { return mMayDrawLater; }
+    void setAwaitsPixels(bool flag) { mAwaitsPixels = flag; }
     Rect naturalRect() const { return { { 0, 0 }, mNaturalSize }; }
 
 private:
@@ -62,7 +68,7 @@ private:
 
     Size mNaturalSize;
     VXRImageRendererOwner* mOwner = nullptr;
-    bool mDynamicallyTransforming = false;
+    bool mDynamicallyTransforming = false, mMayDrawLater = false, mAwaitsPixels = false;
     std::optional<CachedState> mCachedState;
 };
 

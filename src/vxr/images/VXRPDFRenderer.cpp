@@ -25,13 +25,13 @@ void VXRPDFRenderer::setPDFDocumentRef(std::shared_ptr<const PDFDocument> docume
     setNaturalSize(mDocument ? mDocument->box(PDFBox::Media).size : Size {});
 }
 
-void VXRPDFRenderer::drawPage(Context& context, const Rect& rect) const
+void VXRPDFRenderer::drawPage(Context& context, const Rect& rect)
 {
     if (!mPixels)
         return;
     StateSaver saved(context);
     context.clipToRect(rect);
-    mPixels->draw(context, rect, dynamicallyTransforming());
+    setAwaitsPixels(mPixels->draw(context, rect, sharpnessFor(dynamicallyTransforming(), mayDrawLater())));
 }
 
 void VXRPDFRenderer::drawInRect(const Rect& rect)

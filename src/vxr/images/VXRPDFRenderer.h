@@ -21,7 +21,7 @@ public:
     void drawTileInContext(Context&) override;
 
 private:
-    void drawPage(Context&, const Rect&) const;
+    void drawPage(Context&, const Rect&);
 
     std::shared_ptr<const PDFDocument> mDocument;
     std::shared_ptr<VXRPagePixels> mPixels; ///< shared by all who draw the document

@@ -36,13 +36,14 @@ void VXRPICTRenderer::drawInRect(const Rect& rect)
     Context& context = currentDrawingPort();
     context.setInterpolationQuality(interpolation());
     if (mPixels)
-        mPixels->draw(context, rect, dynamicallyTransforming());
+        setAwaitsPixels(
+            mPixels->draw(context, rect, sharpnessFor(dynamicallyTransforming(), mayDrawLater())));
 }
 
 void VXRPICTRenderer::drawTileInContext(Context& context)
 {
     if (mPixels)
-        mPixels->draw(context, naturalRect(), dynamicallyTransforming());
+        mPixels->draw(context, naturalRect(), sharpnessFor(dynamicallyTransforming(), false));
 }
 
 } // namespace vxr

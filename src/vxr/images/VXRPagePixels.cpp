@@ -1,22 +1,24 @@
 #include <vxr/images/VXRPagePixels.h>
 
+#include <vxr/host/utility/VXULog.h>
 #include <vxr/host/utility/VXUObjectFlusher.h>
 #include <vxr/images/VXRDummyImageRenderer.h>
+#include <vxr/platform/base/NotificationCenter.h>
 #include <vxr/platform/graphics/GraphicsContext.h>
 #include <vxr/platform/graphics/Image.h>
 #include <vxr/platform/pictures/PDFDocument.h>
 
 #include <algorithm>
 #include <cmath>
+#include <deque>
 #include <unordered_map>
 
 namespace vxr {
 
 namespace {
 
-constexpr int areaSide = 512; ///< pixels
-constexpr int mostRenderings = 3; ///< resolutions kept at a time: that of each view, or of before a zoom
-constexpr double mostTurnedPixels = 4096; ///< a side of a page that is rendered whole
+constexpr std::size_t mostRenderings
+    = 3; ///< resolutions kept at a time: that of each view, or of before a zoom
 constexpr double mostPixels = 1 << 24; ///< a side of a page at any zoom
 
 std::unordered_map<const PDFDocument*, std::weak_ptr<VXRPagePixels>>& pixelsByDocument()
@@ -25,10 +27,22 @@ std::unordered_map<const PDFDocument*, std::weak_ptr<VXRPagePixels>>& pixelsByDo
     return *all;
 }
 
+bool& isRenderedLater()
+{
+    static bool later = false;
+    return later;
+}
+
+std::deque<std::weak_ptr<VXRPagePixels>>& waitingPixels()
+{
+    static auto* all = new std::deque<std::weak_ptr<VXRPagePixels>>;
+    return *all;
+}
+
 /// Of pixels between which a page's corner is placed: more would render it anew at every step.
 double inSteps(double device) { return std::round(device * 4) / 4; }
 
-int areasIn(int pixels) { return (pixels + areaSide - 1) / areaSide; }
+int wholePixels(double side) { return static_cast<int>(std::clamp(std::ceil(side - 1e-3), 1.0, mostPixels)); }
 
 } // namespace
 
@@ -62,139 +76,217 @@ void VXRPagePixels::flushLocalData()
     mBytes = 0;
 }
 
-VXRPagePixels::Rendering& VXRPagePixels::renderingForSize(double width, double height, Size offset)
+void VXRPagePixels::noteBytes()
 {
-    const Size media = mDocument->box(PDFBox::Media).size;
-    const double scaleX = width / media.width, scaleY = height / media.height;
-    const auto found = std::ranges::find_if(mRenderings,
-        [&](const Rendering& r) { return r.scaleX == scaleX && r.scaleY == scaleY && r.offset == offset; });
-    if (found != mRenderings.end()) {
-        mRenderings.splice(mRenderings.begin(), mRenderings, found);
-        return mRenderings.front();
-    }
-    if (mRenderings.size() >= mostRenderings) {
-        for (const auto& [place, image] : mRenderings.back().areas)
-            mBytes -= image ? image->layout().bytesPerRow * static_cast<std::size_t>(image->height()) : 0;
-        mRenderings.pop_back();
-    }
-    const auto pixels
-        = [](double side) { return static_cast<int>(std::clamp(std::ceil(side - 1e-3), 1.0, mostPixels)); };
-    mRenderings.push_front({ scaleX, scaleY, offset, pixels(width + static_cast<double>(offset.width)),
-        pixels(height + static_cast<double>(offset.height)), {} });
-    return mRenderings.front();
-}
-
-std::shared_ptr<const Image> VXRPagePixels::area(Rendering& rendering, int column, int row)
-{
-    auto& kept = rendering.areas[{ column, row }];
-    if (kept)
-        return kept;
-    const int x = column * areaSide, y = row * areaSide;
-    kept = mDocument->renderArea(
-        { static_cast<float>(rendering.scaleX), static_cast<float>(rendering.scaleY) }, x, y,
-        std::min(areaSide, rendering.width - x), std::min(areaSide, rendering.height - y), rendering.offset);
-    if (kept)
-        mBytes += kept->layout().bytesPerRow * static_cast<std::size_t>(kept->height());
-    return kept;
-}
-
-// Upright and not mirrored: the page's pixels are the device's, beginning at the one that its corner is in.
-bool VXRPagePixels::drawAligned(Context& context, const Rect& rect, const AffineTransform& t)
-{
-    const double exactLeft = double(t.m11) * rect.minX() + t.tX,
-                 exactTop = double(t.m22) * rect.maxY() + t.tY;
-    const double left = std::floor(inSteps(exactLeft)), top = std::ceil(inSteps(exactTop));
-    const Size offset { static_cast<float>(inSteps(exactLeft) - left),
-        static_cast<float>(top - inSteps(exactTop)) };
-    Rendering& rendering
-        = renderingForSize(double(t.m11) * rect.size.width, double(t.m22) * rect.size.height, offset);
-    const Rect seen = intersectionRect(context.clipBounds(), rect);
-    if (seen.isEmpty())
-        return true;
-    const auto columnOf = [&](double x) { return std::floor((t.m11 * x + t.tX - left) / areaSide); };
-    const auto rowOf = [&](double y) { return std::floor((top - (t.m22 * y + t.tY)) / areaSide); };
-    const auto within
-        = [](double at, int count) { return static_cast<int>(std::clamp<double>(at, 0, count)); };
-    const int columns = areasIn(rendering.width), rows = areasIn(rendering.height);
-    const int lastColumn = within(columnOf(seen.maxX()) + 1, columns);
-    const int lastRow = within(rowOf(seen.minY()) + 1, rows);
-    for (int row = within(rowOf(seen.maxY()), rows); row < lastRow; ++row)
-        for (int column = within(columnOf(seen.minX()), columns); column < lastColumn; ++column) {
-            const auto image = area(rendering, column, row);
-            if (!image)
-                return false;
-            const double x = (left + column * areaSide - t.tX) / t.m11;
-            const double y = (top - row * areaSide - image->height() - t.tY) / t.m22;
-            context.drawImage({ { static_cast<float>(x), static_cast<float>(y) },
-                                  { static_cast<float>(image->width() / double(t.m11)),
-                                      static_cast<float>(image->height() / double(t.m22)) } },
-                *image);
-        }
-    return true;
-}
-
-/// The page in one piece, at the resolution that its sides have on the device.
-bool VXRPagePixels::drawTurned(Context& context, const Rect& rect, const AffineTransform& t)
-{
-    const double width = std::min<double>(std::hypot(t.m11, t.m12) * rect.size.width, mostTurnedPixels);
-    const double height = std::min<double>(std::hypot(t.m21, t.m22) * rect.size.height, mostTurnedPixels);
-    Rendering& rendering = renderingForSize(std::ceil(width), std::ceil(height));
-    auto& whole = rendering.areas[{ -1, -1 }];
-    if (!whole) {
-        whole = mDocument->renderArea(
-            { static_cast<float>(rendering.scaleX), static_cast<float>(rendering.scaleY) }, 0, 0,
-            rendering.width, rendering.height);
-        if (whole)
-            mBytes += whole->layout().bytesPerRow * static_cast<std::size_t>(whole->height());
-    }
-    if (whole)
-        context.drawImage(rect, *whole);
-    return whole != nullptr;
-}
-
-bool VXRPagePixels::drawStretched(Context& context, const Rect& rect)
-{
-    for (const Rendering& rendering : mRenderings) {
-        for (const auto& place : { std::pair(-1, -1), std::pair(0, 0) }) {
-            const auto found = rendering.areas.find(place);
-            const bool isWhole = found != rendering.areas.end() && found->second
-                && found->second->width() == rendering.width && found->second->height() == rendering.height;
-            if (!isWhole)
-                continue;
-            context.drawImage(rect, *found->second);
-            return true;
-        }
-    }
-    const auto overview = mDocument->overview();
-    if (!overview)
-        return false;
-    Rendering& rendering = renderingForSize(overview->width(), overview->height());
-    mBytes += overview->layout().bytesPerRow * static_cast<std::size_t>(overview->height());
-    rendering.areas[{ -1, -1 }] = overview;
-    context.drawImage(rect, *overview);
-    return true;
-}
-
-void VXRPagePixels::draw(Context& context, const Rect& rect, bool stretched)
-{
-    const Size media = mDocument->box(PDFBox::Media).size;
-    if (rect.isEmpty() || !(media.width > 0 && media.height > 0) || mDocument->drawAsVectors(context, rect))
-        return;
-    const AffineTransform t = context.currentTransform();
     const std::size_t before = mBytes;
-    const bool isAligned = t.m12 == 0 && t.m21 == 0 && t.m11 > 0 && t.m22 > 0;
-    if (!mFailed && std::isfinite(t.determinant()) && t.determinant() != 0)
-        mFailed = !(stretched ? drawStretched(context, rect)
-                : isAligned   ? drawAligned(context, rect, t)
-                              : drawTurned(context, rect, t));
-    if (mFailed) {
-        const CurrentContextScope current(context, true, false);
-        VXRDummyImageRenderer::brokenImageRendererWithSize(rect.size)->drawInRect(rect);
-    }
+    mBytes = 0;
+    for (const VXRPageRendering& rendering : mRenderings)
+        mBytes += rendering.bytesUsed();
     if (mBytes != before)
         VXUObjectFlusher::instance().objectAddedData(*this);
     else
         VXUObjectFlusher::instance().objectTouched(*this);
+}
+
+void VXRPagePixels::fail(const std::string& reason)
+{
+    mFailed = true;
+    VXULog_Fn(VXULogLevelWarning, "VXRPagePixels.cpp", "A page can't be rendered: " + reason);
+}
+
+VXRPageRendering& VXRPagePixels::rendering(const VXRPageRendering::Key& key, int width, int height)
+{
+    const auto found = std::ranges::find(mRenderings, key, &VXRPageRendering::key);
+    if (found != mRenderings.end()) {
+        mRenderings.splice(mRenderings.begin(), mRenderings, found);
+        return mRenderings.front();
+    }
+    mRenderings.remove_if([](const VXRPageRendering& old) { return old.isEmpty(); });
+    if (mRenderings.size() >= mostRenderings)
+        mRenderings.pop_back();
+    return mRenderings.emplace_front(key, width, height);
+}
+
+bool VXRPagePixels::render(VXRPageRendering& rendering, const std::vector<VXRPageRendering::Place>& places)
+{
+    std::string reason;
+    for (const auto& place : places)
+        if (!rendering.area(*mDocument, place, &reason)) {
+            fail(reason);
+            return false;
+        }
+    return true;
+}
+
+// Later.
+
+bool VXRPagePixels::rendersLater() { return isRenderedLater(); }
+
+void VXRPagePixels::setRendersLater(bool flag) { isRenderedLater() = flag; }
+
+/// There must be something to show meanwhile.
+bool VXRPagePixels::isLeftForLater(
+    const VXRPageRendering& wanted, const std::vector<VXRPageRendering::Place>& places)
+{
+    const bool isAnyAtHand
+        = std::ranges::any_of(mRenderings, [](const VXRPageRendering& other) { return !other.isEmpty(); });
+    if (wanted.hasAreas(places) || mAwaited == wanted.key() || !wanted.isEmpty() || !isAnyAtHand)
+        return false;
+    if (!mWaiting)
+        waitingPixels().push_back(weak_from_this());
+    mWaiting = { wanted.key(), wanted.width(), wanted.height(), places };
+    return true;
+}
+
+bool VXRPagePixels::renderOneWaiting()
+{
+    if (!mWaiting || mFailed)
+        return false;
+    VXRPageRendering& wanted = rendering(mWaiting->key, mWaiting->width, mWaiting->height);
+    auto& places = mWaiting->places;
+    std::erase_if(places, [&](const auto& place) { return wanted.hasAreas({ place }); });
+    const bool isAny = !places.empty();
+    if (isAny && render(wanted, { places.back() }))
+        places.pop_back();
+    noteBytes();
+    return isAny && !mFailed;
+}
+
+bool VXRPagePixels::renderWaiting()
+{
+    auto& waiting = waitingPixels();
+    while (!waiting.empty()) {
+        const auto pixels = waiting.front().lock();
+        if (pixels && pixels->renderOneWaiting())
+            return true;
+        waiting.pop_front();
+        if (!pixels)
+            continue;
+        if (pixels->mWaiting)
+            pixels->mAwaited = pixels->mWaiting->key;
+        pixels->mWaiting.reset();
+        NotificationCenter::defaultCenter().post(VXRPagePixelsDidRenderNotification, pixels.get());
+    }
+    return false;
+}
+
+// Drawing.
+
+// Upright and not mirrored: the page's pixels are the device's, beginning at the one that its corner is in.
+bool VXRPagePixels::drawUpright(
+    Context& context, const Rect& rect, const AffineTransform& t, VXRPageSharpness sharpness, bool& waits)
+{
+    const Size media = mDocument->box(PDFBox::Media).size;
+    const double exactLeft = inSteps(double(t.m11) * rect.minX() + t.tX),
+                 exactTop = inSteps(double(t.m22) * rect.maxY() + t.tY);
+    const double left = std::floor(exactLeft), top = std::ceil(exactTop);
+    const Size offset { static_cast<float>(exactLeft - left), static_cast<float>(top - exactTop) };
+    const double width = double(t.m11) * rect.size.width, height = double(t.m22) * rect.size.height;
+    VXRPageRendering& wanted = rendering({ width / media.width, height / media.height, offset, false },
+        wholePixels(width + double(offset.width)), wholePixels(height + double(offset.height)));
+    const Rect seen = intersectionRect(context.clipBounds(), rect);
+    if (seen.isEmpty())
+        return true;
+    const auto places = wanted.placesWithin(t.m11 * double(seen.minX()) + t.tX - left,
+        top - (t.m22 * double(seen.maxY()) + t.tY), t.m11 * double(seen.maxX()) + t.tX - left,
+        top - (t.m22 * double(seen.minY()) + t.tY));
+    waits = sharpness == VXRPageSharpness::Later && isLeftForLater(wanted, places);
+    if (waits)
+        return drawAtHand(context, rect);
+    if (!render(wanted, places))
+        return false;
+    for (const auto& place : places) {
+        const auto image = wanted.area(*mDocument, place, nullptr);
+        const double x = (left + place.first * VXRPageRendering::areaSide - t.tX) / t.m11;
+        const double y = (top - place.second * VXRPageRendering::areaSide - image->height() - t.tY) / t.m22;
+        context.drawImage({ { static_cast<float>(x), static_cast<float>(y) },
+                              { static_cast<float>(image->width() / double(t.m11)),
+                                  static_cast<float>(image->height() / double(t.m22)) } },
+            *image);
+    }
+    return true;
+}
+
+/// At the resolution that the page's sides have on the device.
+bool VXRPagePixels::drawTurned(
+    Context& context, const Rect& rect, const AffineTransform& t, VXRPageSharpness sharpness, bool& waits)
+{
+    const Size media = mDocument->box(PDFBox::Media).size;
+    const int width = wholePixels(std::hypot(t.m11, t.m12) * rect.size.width),
+              height = wholePixels(std::hypot(t.m21, t.m22) * rect.size.height);
+    VXRPageRendering& wanted = rendering(
+        { static_cast<double>(width) / media.width, static_cast<double>(height) / media.height, {}, true },
+        width, height);
+    const Rect seen = intersectionRect(context.clipBounds(), rect);
+    if (seen.isEmpty())
+        return true;
+    const double perX = width / double(rect.size.width), perY = height / double(rect.size.height);
+    constexpr double around = 2; // pixels beside the edge are mixed into those along it
+    const auto places = wanted.placesWithin((seen.minX() - rect.minX()) * perX - around,
+        (rect.maxY() - seen.maxY()) * perY - around, (seen.maxX() - rect.minX()) * perX + around,
+        (rect.maxY() - seen.minY()) * perY + around);
+    waits = sharpness == VXRPageSharpness::Later && isLeftForLater(wanted, places);
+    if (waits)
+        return drawAtHand(context, rect);
+    if (!render(wanted, places))
+        return false;
+    wanted.drawAreas(context, rect, places);
+    return true;
+}
+
+/// From the resolution that was drawn last.
+bool VXRPagePixels::drawAtHand(Context& context, const Rect& rect)
+{
+    for (const VXRPageRendering& old : mRenderings)
+        if (!old.isEmpty()) {
+            old.drawAllAreas(context, rect);
+            return true;
+        }
+    return false;
+}
+
+bool VXRPagePixels::drawStretched(Context& context, const Rect& rect)
+{
+    for (const VXRPageRendering& old : mRenderings)
+        if (old.isComplete()) {
+            old.drawAllAreas(context, rect);
+            return true;
+        }
+    std::string reason;
+    const auto overview = mDocument->overview(&reason);
+    if (!overview) {
+        fail(reason);
+        return false;
+    }
+    if (mRenderings.size() >= mostRenderings)
+        mRenderings.pop_back();
+    mRenderings.emplace_front(overview, mDocument->box(PDFBox::Media).size);
+    context.drawImage(rect, *overview);
+    return true;
+}
+
+bool VXRPagePixels::draw(Context& context, const Rect& rect, VXRPageSharpness sharpness)
+{
+    const Size media = mDocument->box(PDFBox::Media).size;
+    if (rect.isEmpty() || !(media.width > 0 && media.height > 0) || mDocument->drawAsVectors(context, rect))
+        return false;
+    const AffineTransform t = context.currentTransform();
+    bool waits = false;
+    if (!mFailed && std::isfinite(t.determinant()) && t.determinant() != 0) {
+        const bool isUpright = t.m12 == 0 && t.m21 == 0 && t.m11 > 0 && t.m22 > 0;
+        if (sharpness == VXRPageSharpness::Stretched)
+            drawStretched(context, rect);
+        else if (isUpright)
+            drawUpright(context, rect, t, sharpness, waits);
+        else
+            drawTurned(context, rect, t, sharpness, waits);
+    }
+    if (mFailed) {
+        const CurrentContextScope current(context, true, false);
+        VXRDummyImageRenderer::brokenImageRendererWithSize(rect.size)->drawInRect(rect);
+    }
+    noteBytes();
+    return waits;
 }
 
 } // namespace vxr

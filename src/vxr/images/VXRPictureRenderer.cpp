@@ -92,11 +92,15 @@ void VXRPictureRenderer::drawPart(Context& context, const Rect& rect)
     const auto renderer = rendererForRect(context, mCrop ? whole : rect);
     renderer->setOwner(owner());
     renderer->setDynamicallyTransforming(dynamicallyTransforming());
-    if (!mCrop)
-        return renderer->drawInRect(rect);
-    StateSaver saved(context);
-    context.clipToRect(rect);
-    renderer->drawInRect(whole);
+    renderer->setMayDrawLater(mayDrawLater() && !isPrinting());
+    if (!mCrop) {
+        renderer->drawInRect(rect);
+    } else {
+        StateSaver saved(context);
+        context.clipToRect(rect);
+        renderer->drawInRect(whole);
+    }
+    setAwaitsPixels(renderer->awaitsPixels());
 }
 
 void VXRPictureRenderer::drawInRect(const Rect& rect) { drawPart(currentDrawingPort(), rect); }

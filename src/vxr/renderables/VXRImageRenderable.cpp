@@ -8,6 +8,7 @@
 #include <vxr/images/VXRBitmapRenderer.h>
 #include <vxr/images/VXRBitmapRenderingQualityInfo.h>
 #include <vxr/images/VXRImageBinary.h>
+#include <vxr/images/VXRPagePixels.h>
 #include <vxr/images/VXRPictureRenderer.h>
 #include <vxr/platform/base/Exceptions.h>
 #include <vxr/platform/base/NotificationCenter.h>
@@ -39,6 +40,7 @@ VXRImageRenderable::~VXRImageRenderable()
 {
     observe(nullptr);
     mFill->setOwner(nullptr);
+    NotificationCenter::defaultCenter().removeObserver(this, VXRPagePixelsDidRenderNotification);
 }
 
 std::shared_ptr<VXRImageRenderable> VXRImageRenderable::imageRenderableWithImageBinary(
@@ -262,8 +264,24 @@ void VXRImageRenderable::renderIntoContext(Context& context)
 {
     if (!mBinary)
         return;
-    StateSaver saved(context);
-    mFill->paintShape(*this);
+    {
+        StateSaver saved(context);
+        mRenderer->setMayDrawLater(
+            VXRPagePixels::rendersLater() && GraphicsContext::currentContextDrawingToScreen());
+        mFill->paintShape(*this);
+    }
+    if (mRenderer->awaitsPixels())
+        awaitPixels();
+}
+
+void VXRImageRenderable::awaitPixels()
+{
+    NotificationCenter& center = NotificationCenter::defaultCenter();
+    center.removeObserver(this, VXRPagePixelsDidRenderNotification);
+    center.addObserver(this, VXRPagePixelsDidRenderNotification, nullptr, [this](const Notification&) {
+        NotificationCenter::defaultCenter().removeObserver(this, VXRPagePixelsDidRenderNotification);
+        autoInvalidate();
+    });
 }
 
 void VXRImageRenderable::addBitmapsToRenderingQualityInfo(VXRBitmapRenderingQualityInfo& info)

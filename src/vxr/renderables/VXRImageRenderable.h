@@ -86,6 +86,7 @@ private:
     void setMask(VXRImageMask kind, std::shared_ptr<const Path> path);
     void takePicture(); ///< into the fill
     void pictureDidChange();
+    void awaitPixels(); ///< to be drawn again with them
     /// Local frame to the picture's points; none while nothing is shown.
     std::optional<AffineTransform> pictureTransform() const;
 
