@@ -94,7 +94,7 @@ TEST_F(PlacedPictures, AreFittedToTheirViewportOnEachRoad)
             { { 10, 4, white }, { 2, 10, red }, { 17, 10, blue }, { 10, 15, white } } },
         { "covers, cut at the viewport",
             "width='20' height='20' preserveAspectRatio='xMinYMid slice' href='a b.png'",
-            { { 2, 1, red }, { 13, 18, red }, { 21, 10, white } } },
+            { { 2, 1, red }, { 3, 18, red }, { 21, 10, white } } },
         { "stretched", "width='20' height='20' preserveAspectRatio='none' href='a b.png'",
             { { 2, 1, red }, { 17, 18, blue } } },
         { "one side given", "width='20' href='a b.png'",
