@@ -75,10 +75,10 @@ const int zoom = bench::measure("IMAGE/zoomed-page-first-pixels-ms", atMost(16.7
     const CurrentContextScope current(*bitmap, true, false);
     renderer->setMayDrawLater(true);
     renderer->drawInRect({ 0, 0, 600, 800 });
-    float zoom = 2; // another one each time
+    float factor = 2; // another one each time
     const double nanoseconds = bench::nanosecondsPerCall([&] {
-        zoom = zoom < 3 ? zoom * 1.0003f : 2;
-        renderer->drawInRect({ -100, -200, 600 * zoom, 800 * zoom });
+        factor = factor < 3 ? factor * 1.0003f : 2;
+        renderer->drawInRect({ -100, -200, 600 * factor, 800 * factor });
     });
     Importer::setShared(nullptr);
     return nanoseconds / 1e6;

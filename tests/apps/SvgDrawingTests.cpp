@@ -285,13 +285,13 @@ TEST(SvgMarkers, AreShapesEverywhereElse)
 TEST(SvgDrawing, WarnsOnceAKindWithTheLine)
 {
     const Drawing drawing
-        = read("\n<text/>\n<text/>\n<image/><g filter='url(#f)'/>\n<g mask='url(#f)'/>"
+        = read("\n<text/>\n<text/>\n<foreignObject/><image/><g filter='url(#f)'/>\n<g mask='url(#f)'/>"
                "<pattern id='p'/><path fill='url(#p)' d='M0 0H1V1Z'/><path d='M0 0L1'/><path d='Q'/>");
     std::vector<std::string> seen;
     for (const Warning& warning : drawing.warnings)
         seen.push_back(std::to_string(warning.line) + " " + warning.message);
     EXPECT_THAT(seen,
-        ElementsAre("2 text is not drawn", "4 images are not drawn", "4 filters are not applied",
+        ElementsAre("2 text is not drawn", "4 foreign objects are not drawn", "4 filters are not applied",
             "5 masks are not applied", "5 patterns are not drawn",
             "5 the path is drawn up to the error at '1'", "5 the path is drawn up to the error at 'Q'"));
 }

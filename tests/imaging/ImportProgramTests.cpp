@@ -2,6 +2,7 @@
 #include <tests/imaging/ImportSupport.h>
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <unistd.h>
 
 using namespace vxr;
@@ -63,6 +64,25 @@ TEST_F(ImportProgramTest, EndlessPostScriptLeavesNothingBehind)
         &failure));
     EXPECT_NE(failure.outcome, ImportOutcome::Done);
     EXPECT_EQ(HostState::now().importFolders, before.importFolders);
+}
+
+TEST_F(ImportProgramTest, FoldersOfKilledProgramsGoAndThoseInUseStay)
+{
+    namespace files = std::filesystem;
+    const files::path left = files::temp_directory_path() / "vxr-import-killed",
+                      used = files::temp_directory_path() / "vxr-import-in-use";
+    files::create_directories(left / "below");
+    files::create_directories(used);
+    const int lock = ::open(used.c_str(), O_RDONLY | O_DIRECTORY);
+    ASSERT_EQ(::flock(lock, LOCK_EX), 0);
+    EXPECT_TRUE(importer().convertEPS(
+        *memoryFile("%!PS-Adobe-3.0 EPSF-3.0\n%%BoundingBox: 0 0 9 9\n0 0 5 5 rectfill\nshowpage\n%%EOF\n"),
+        &failure))
+        << failure.message;
+    EXPECT_FALSE(files::exists(left));
+    EXPECT_TRUE(files::exists(used));
+    ::close(lock);
+    files::remove_all(used);
 }
 
 TEST_F(ImportProgramTest, AProgramThatIsNotThereIsSaidToBeSo)

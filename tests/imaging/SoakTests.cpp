@@ -51,6 +51,13 @@ std::vector<std::string> goodFiles()
     files.push_back("%!PS-Adobe-3.0 EPSF-3.0\n%%BoundingBox: 0 0 100 100\n"
                     "/Helvetica findfont 20 scalefont setfont 10 10 moveto (Soak) show\n"
                     "1 0 0 setrgbcolor 20 40 30 30 rectfill\nshowpage\n%%EOF\n");
+    files.push_back(makePSD(color, 3, true));
+    // A drawing of a frame, a pattern, a region and some text.
+    files.push_back(std::string("\0\0\0\0\0\0\0\x60\0\x60\0\x11\2\xff\x0c\0", 16) + std::string(24, '\0')
+        + std::string(
+            "\0\x1a\xff\xff\0\0\0\0\0\x31\0\2\0\3\0\x30\0\x40\0\x0a\xaa\x55\xaa\x55\xaa\x55\xaa\x55"
+            "\0\x52\0\2\0\3\0\x30\0\x40\0\x81\0\x0a\0\5\0\5\0\x50\0\x50\0\x28\0\x40\0\x10\4Soak\0\0\xff",
+            64));
     std::erase(files, std::string()); // kinds that can't be written here
     return files;
 }
@@ -59,7 +66,7 @@ class ImportSoak : public Importing { };
 
 } // namespace
 
-// VXR_SOAK=10000 in the environment makes a long run of it.
+// VXR_SOAK=10000 in the environment makes a long run of it, VXR_SOAK_SEED=2 another one.
 TEST_F(ImportSoak, DamagedFilesLeaveTheHostAsItWas)
 {
     const char* wanted = std::getenv("VXR_SOAK");
@@ -70,7 +77,8 @@ TEST_F(ImportSoak, DamagedFilesLeaveTheHostAsItWas)
     program.setLimits(std::size_t { 1 } << 29, std::size_t { 1 } << 28, 2, 4000);
     ASSERT_TRUE(program.decodeBitmap(*memoryFile(good), { true }));
     const HostState before = HostState::now();
-    Random random(1);
+    const char* seed = std::getenv("VXR_SOAK_SEED");
+    Random random(seed ? unsigned(std::atoi(seed)) : 1);
     int outcomes[6] = {};
     for (int i = 0; i < count; ++i) {
         const std::string& source = files[random() % files.size()];
@@ -85,6 +93,8 @@ TEST_F(ImportSoak, DamagedFilesLeaveTheHostAsItWas)
             }
         } else if (source.starts_with("%!")) {
             program.convertEPS(*file, &ended);
+        } else if (source.starts_with('\0')) {
+            program.convertPICT(*file, &ended);
         } else {
             program.decodeBitmap(*file, { random() % 2 == 0 }, &ended);
         }
