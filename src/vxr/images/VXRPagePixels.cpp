@@ -234,9 +234,11 @@ bool VXRPagePixels::drawTurned(
     return true;
 }
 
-/// From the resolution that was drawn last.
+/// From the resolution that was drawn last, as fast as while something is dragged.
 bool VXRPagePixels::drawAtHand(Context& context, const Rect& rect)
 {
+    StateSaver saved(context);
+    context.setInterpolationQuality(InterpolationQuality::None);
     for (const VXRPageRendering& old : mRenderings)
         if (!old.isEmpty()) {
             old.drawAllAreas(context, rect);
