@@ -66,7 +66,7 @@ std::shared_ptr<const Data> writtenPage()
 
 /// The first thing seen after a zoom, in milliseconds: the pixels at hand, stretched over a window, while
 /// those of the new resolution are left for later.
-const int zoom = bench::measure("IMAGE/zoomed-page-first-pixels-ms", atMost(16.7), [] {
+const int zoomedPage = bench::measure("IMAGE/zoomed-page-first-pixels-ms", atMost(16.7), [] {
     Importer::setShared(std::make_shared<ImportProgram>(VXR_IMPORT));
     const auto binary
         = VXRImageBinary::imageBinaryWithDataNameTypeUsingDataManager(writtenPage(), "page.pdf", 0, nullptr);
