@@ -19,6 +19,7 @@ struct DocumentFileError : std::runtime_error {
 struct ContainerLimits {
     std::size_t entries = 200'000;
     std::size_t entryBytes = std::size_t { 256 } << 20; ///< of one entry, unpacked
+    std::size_t totalBytes = std::size_t { 4 } << 30; ///< of all that a document carries over
     std::size_t salvagedBytes = std::size_t { 1 } << 30; ///< of all, where the list of contents is missing
 };
 
@@ -44,6 +45,7 @@ public:
     /// Size and checksum as the list of contents has them, without reading the entry.
     std::pair<std::uint64_t, std::uint32_t> sizeAndChecksum(const std::string& name) const;
     const std::vector<std::string>& troubles() const { return mTroubles; }
+    const ContainerLimits& limits() const { return mLimits; }
 
 private:
     struct Entry {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Container.h"
+#include "DocumentData.h"
 #include "DocumentPage.h"
 
 #include <optional>
@@ -15,13 +16,14 @@ namespace app {
 ///     pages/NAME.xml       one page each, read when it is asked for
 ///     pictures/NAME        the bytes of placed pictures, once each
 ///
-/// and whatever else was in the file that was opened, which is kept and written back, as are elements that
-/// nothing here knows. What is not changed is written as it was read.
+/// and whatever else was in the file that was opened, which is kept and written back, as are elements and
+/// attributes that nothing here knows. What is not changed is written as it was read.
 ///
 /// Failures throw `DocumentFileError`.
 class Document {
 public:
     static constexpr unsigned version = 1;
+    static constexpr const char* manifestFile = "document.xml";
 
     Document();
     ~Document();
@@ -38,15 +40,15 @@ public:
     /// Fills, strokes and shadows that the user named, of the classes that documents describe. Renderables
     /// that use one of these objects are written with a reference to it, and share it again when they are
     /// read.
-    SharedStyles styles;
+    std::map<std::string, std::shared_ptr<vxr::Object>> styles;
 
-    /// The name under which the bytes are kept; the same one for the same bytes. `extension` without a dot.
-    std::string addPicture(std::string bytes, const std::string& extension);
-    std::vector<std::string> pictureNames() const;
-    std::string picture(const std::string& name) const;
+    /// The bytes of pictures, once each however often they are placed. Whoever places a picture imports it
+    /// with this manager, or with any other: what renderables show is taken over when the document is
+    /// written.
+    const std::shared_ptr<DocumentData>& data() const { return mData; }
 
     /// What could not be read so far, a line each.
-    const std::vector<std::string>& losses() const { return mLosses; }
+    const std::vector<std::string>& losses() const { return *mLosses; }
 
     std::string bytes(); ///< as a file; the same document gives the same bytes
 
@@ -60,25 +62,32 @@ private:
         std::string file; ///< in the container; empty while there is none
         std::optional<DocumentPage> content;
         bool isChanged = false;
+        vxr::VXAXMLKeptParts kept; ///< of its entry in the list of pages
     };
 
-    static std::unique_ptr<Document> read(std::unique_ptr<ContainerReader>);
+    static std::unique_ptr<Document> read(std::shared_ptr<ContainerReader>);
     void readManifest(const std::string& text);
+    void readPages(const vxr::VXAXMLNode* root);
     void readStyles(const vxr::VXAXMLNode* root);
     void findPages();
     std::string manifest() const;
     void load(Page&);
-    std::string unusedName(const std::string& stem, const std::string& extension) const;
-    bool has(const std::string& file) const;
-    void lose(const std::string& what);
+    PageSurroundings surroundings() const { return { styles, mData }; }
+    std::string unusedPageName() const;
+    void lose(const std::string& what) const;
 
-    std::unique_ptr<ContainerReader> mSource;
+    std::shared_ptr<ContainerReader> mSource;
     std::string mSourcePath;
     std::vector<Page> mPages;
     std::set<std::string> mRemovedFiles; ///< of pages
-    std::map<std::string, std::string> mNewPictures;
-    std::vector<KeptXML> mUnknown;
-    std::vector<std::string> mLosses;
+    std::shared_ptr<std::vector<std::string>> mLosses; ///< outlasts the document in readers of data
+    std::shared_ptr<DocumentData> mData;
+
+    // What nothing here knows of the list of pages and the styles.
+    vxr::VXAXMLKeptParts mKept;
+    vxr::VXAXMLKeptPartsOfObjects mKeptOfStyles;
+    std::map<std::string, vxr::VXAXMLKeptParts> mKeptOfStyleEntries;
+    std::vector<vxr::VXAXMLKeptElement> mUnreadStyles;
 };
 
 } // namespace app

@@ -1,11 +1,12 @@
 #include "DocumentPage.h"
 
 #include "LogCapture.h"
-#include "NodeHelpers.h"
+#include "ModelClasses.h"
 
 #include <vxr/host/archiving/VXAXMLDocument.h>
+#include <vxr/host/data/VXEDataManager.h>
+#include <vxr/persistence/VXRRenderableArchiving.h>
 
-#include <algorithm>
 #include <cmath>
 
 namespace app {
@@ -16,6 +17,14 @@ using vxr::VelloraNamespace;
 using vxr::VXAXMLNode;
 
 constexpr float sideLimit = 1e6f;
+
+/// Called with an element and what is wrong with it.
+using XMLTrouble = std::function<void(const VXAXMLNode*, const std::string&)>;
+
+VXAXMLNode* childNamed(const VXAXMLNode* node, const char* name)
+{
+    return vxr::vxaxmlFirstChildNsNamed(node, VelloraNamespace, name);
+}
 
 std::string atLine(long line, const std::string& message)
 {
@@ -42,42 +51,78 @@ void readGuides(const VXAXMLNode* root, DocumentPage& page, const XMLTrouble& tr
         double position = 0;
         vxr::vxaxmlGetNSStringNsProp(node, VelloraNamespace, "direction", direction);
         if (vxr::vxaxmlGetDoubleNsProp(node, VelloraNamespace, "position", position)
-            && std::isfinite(position) && (direction == "horizontal" || direction == "vertical"))
+            && std::isfinite(static_cast<float>(position))
+            && (direction == "horizontal" || direction == "vertical"))
             page.guides.push_back({ direction == "horizontal", static_cast<float>(position) });
         else
             trouble(node, "a guide without direction or position is left out");
     }
 }
 
+void writeGuides(const std::vector<Guide>& guides, VXAXMLNode* root)
+{
+    if (guides.empty())
+        return;
+    VXAXMLNode* list = vxr::vxaxmlCreateChild(root, VelloraNamespace, "guides");
+    for (const Guide& guide : guides) {
+        VXAXMLNode* node = vxr::vxaxmlCreateChild(list, VelloraNamespace, "guide");
+        vxr::vxaxmlSetNSStringNsProp(
+            node, VelloraNamespace, "direction", guide.isHorizontal ? "horizontal" : "vertical");
+        vxr::vxaxmlSetDoubleNsProp(node, VelloraNamespace, "position", guide.position);
+    }
+}
+
 } // namespace
 
-std::string DocumentPage::text(const SharedStyles& styles) const
+void prepare(vxr::VXAXMLArchiver& archiver, const PageSurroundings& surroundings)
+{
+    for (const auto& [name, style] : surroundings.styles)
+        archiver.setNameOfSharedObject(*style, name);
+    archiver.setMetadataForKey(surroundings.data, std::string(vxr::VXEDataHostUnarchiverKey));
+}
+
+void prepare(vxr::VXAXMLUnarchiver& unarchiver, const PageSurroundings& surroundings)
+{
+    unarchiver.setSharedObjects(surroundings.styles);
+    unarchiver.setMetadataForKey(surroundings.data, std::string(vxr::VXEDataHostUnarchiverKey));
+    unarchiver.setClassOfUnknownElements(&unknownRenderableClass());
+}
+
+std::string DocumentPage::text(const PageSurroundings& surroundings) const
 {
     registerModelClasses();
     vxr::VXAXMLDocument document(VelloraNamespace, "page");
     VXAXMLNode* root = document.root();
-    vxr::vxaxmlCreateSizeChild(root, VelloraNamespace, "size", size);
     vxr::VXAXMLArchiver archiver;
+    prepare(archiver, surroundings);
+    archiver.setKeptParts(keptOfObjects.get());
+    vxr::VXRGiveIdsToConnectedRenderables(renderables, archiver);
+    std::unordered_map<const vxr::Object*, const std::string*> labels;
+    for (const auto& [renderable, note] : notes) {
+        if (!note.label.empty())
+            labels[renderable] = &note.label;
+    }
+    archiver.setElementHandler([&](const vxr::Object& object, VXAXMLNode* node) {
+        if (const auto label = labels.find(&object); label != labels.end())
+            vxr::vxaxmlSetNSStringNsProp(node, VelloraNamespace, "label", *label->second);
+    });
+    vxr::vxaxmlCreateSizeChild(root, VelloraNamespace, "size", size);
     if (background)
         archiver.encodeObjectAsChildOfWithNameXmlNamespace(*background, root, "background", VelloraNamespace);
-    if (!guides.empty()) {
-        VXAXMLNode* list = vxr::vxaxmlCreateChild(root, VelloraNamespace, "guides");
-        for (const Guide& guide : guides) {
-            VXAXMLNode* node = vxr::vxaxmlCreateChild(list, VelloraNamespace, "guide");
-            vxr::vxaxmlSetNSStringNsProp(
-                node, VelloraNamespace, "direction", guide.isHorizontal ? "horizontal" : "vertical");
-            vxr::vxaxmlSetDoubleNsProp(node, VelloraNamespace, "position", guide.position);
-        }
-    }
-    writeRenderables(
-        renderables, notes, styles, vxr::vxaxmlCreateChild(root, VelloraNamespace, "renderables"));
-    for (const KeptXML& element : unknown)
-        element.appendTo(root);
-    return document.serialize();
+    writeGuides(guides, root);
+    VXAXMLNode* list = vxr::vxaxmlCreateChild(root, VelloraNamespace, "renderables");
+    kept.appendTo(root);
+    auto next = renderables.begin();
+    return document.serializeWithChildren(list, [&](VXAXMLNode* parent) {
+        if (next == renderables.end())
+            return false;
+        archiver.encodeObjectAsChildOf(**next++, parent);
+        return true;
+    });
 }
 
 DocumentPage DocumentPage::fromText(
-    std::string_view text, std::vector<std::string>& troubles, const SharedStyles& styles)
+    std::string_view text, std::vector<std::string>& troubles, const PageSurroundings& surroundings)
 {
     registerModelClasses();
     vxr::VXAXMLLimits limits;
@@ -93,21 +138,25 @@ DocumentPage DocumentPage::fromText(
             troubles.push_back(atLine(vxr::vxaxmlLine(node), message));
     };
     DocumentPage page;
-    const LogCapture log([&](const std::string& message) { trouble(nullptr, message); });
+    page.keptOfObjects = std::make_shared<vxr::VXAXMLKeptPartsOfObjects>();
+    vxr::VXAXMLUnarchiver unarchiver;
+    prepare(unarchiver, surroundings);
+    unarchiver.setKeptParts(page.keptOfObjects.get());
+    unarchiver.setElementHandler([&](const std::shared_ptr<vxr::Object>& object, VXAXMLNode* node) {
+        std::string label;
+        if (!vxr::vxaxmlGetNSStringNsProp(node, VelloraNamespace, "label", label) || label.empty())
+            return;
+        if (const auto* renderable = dynamic_cast<const vxr::VXRRenderable*>(object.get()))
+            page.notes[renderable].label = label;
+    });
+    const LogCapture log([&](const std::string& message) { trouble(unarchiver.currentNode(), message); });
     readSize(root, page, trouble);
-    if (VXAXMLNode* color = childNamed(root, "background")) {
-        vxr::VXAXMLUnarchiver unarchiver;
+    if (VXAXMLNode* color = childNamed(root, "background"))
         page.background = vxr::VXRObjectFromNode<vxr::Color>(unarchiver, color);
-    }
     readGuides(root, page, trouble);
-    page.renderables = readRenderables(childNamed(root, "renderables"), page.notes, styles, trouble);
-    for (const VXAXMLNode* child = vxr::vxaxmlFirstChildElement(root); child;
-         child = vxr::vxaxmlNextSiblingElement(child)) {
-        static constexpr const char* known[] = { "size", "background", "guides", "renderables" };
-        if (std::none_of(std::begin(known), std::end(known),
-                [&](const char* name) { return vxr::vxaxmlIsNsNamed(child, VelloraNamespace, name); }))
-            page.unknown.emplace_back(child);
-    }
+    page.renderables = vxr::VXRReadRenderables(unarchiver, childNamed(root, "renderables"));
+    unarchiver.finishReading();
+    page.kept = vxr::VXAXMLKeptParts::partsOf(root);
     return page;
 }
 

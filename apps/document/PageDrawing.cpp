@@ -33,8 +33,8 @@ ImportedDrawing drawingFrom(const DocumentPage& page)
     ImportedDrawing drawing;
     drawing.size = page.size;
     drawing.renderables = page.renderables;
-    for (const auto& [renderable, notes] : page.notes)
-        drawing.sources[renderable] = { notes.label, 0 };
+    for (const auto& [renderable, note] : page.notes)
+        drawing.sources[renderable] = { note.label, 0 };
     drawing.shapeCount = shapesIn(page.renderables);
     return drawing;
 }

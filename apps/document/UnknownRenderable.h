@@ -1,7 +1,6 @@
 #pragma once
 
-#include "KeptXML.h"
-
+#include <vxr/host/archiving/VXAXMLKeptParts.h>
 #include <vxr/renderables/VXRRenderable.h>
 
 namespace app {
@@ -9,15 +8,15 @@ namespace app {
 /// Stands where a document has an element of a kind that this program doesn't know. Draws nothing.
 class UnknownRenderable final : public vxr::VXRRenderable {
 public:
-    explicit UnknownRenderable(KeptXML element)
+    explicit UnknownRenderable(vxr::VXAXMLKeptElement element)
         : mElement(std::move(element))
     {
     }
 
-    const KeptXML& element() const { return mElement; }
+    const vxr::VXAXMLKeptElement& element() const { return mElement; }
 
 private:
-    KeptXML mElement;
+    vxr::VXAXMLKeptElement mElement;
 };
 
 } // namespace app

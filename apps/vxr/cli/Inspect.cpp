@@ -181,7 +181,7 @@ bool inspectDocument(const std::string& input, Console& console)
 {
     const std::unique_ptr<Document> document = Document::open(input);
     fmt::print("{}: {} pages, {} styles, {} pictures\n", input, document->pageCount(),
-        document->styles.size(), document->pictureNames().size());
+        document->styles.size(), document->data()->names().size());
     for (std::size_t i = 0; i < document->pageCount(); ++i) {
         const DocumentPage& page = document->page(i);
         const ImportedDrawing drawing = drawingFrom(page);

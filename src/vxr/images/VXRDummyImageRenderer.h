@@ -20,6 +20,8 @@ public:
     static const PDFDocument& missingImageIcon();
     static const PDFDocument& brokenImageIcon();
 
+    bool isOfBrokenImage() const { return mIcon == &brokenImageIcon(); }
+
     static std::shared_ptr<Color> fillColor();
     static std::shared_ptr<Color> strokeColor();
 

@@ -52,8 +52,10 @@ std::shared_ptr<Color> read(VXAXMLUnarchiver&, VXAXMLNode* node, std::uint32_t)
         if (word != space.word)
             continue;
         const auto component = [&](const char* name, float fallback) {
-            return floatAttribute(node, name, fallback, thisFile,
-                fmt::format("WARNING, initializing a color from {}, cannot get {}.", fmt::ptr(node), name));
+            return floatAttribute(node, name, fallback, thisFile, [&] {
+                return fmt::format(
+                    "WARNING, initializing a color from {}, cannot get {}.", fmt::ptr(node), name);
+            });
         };
         std::array<float, 4> components {};
         for (std::size_t i = 0; i < std::size_t(space.count); ++i)

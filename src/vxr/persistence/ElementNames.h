@@ -29,6 +29,17 @@ inline constexpr const char* kElementName_VaryWidth = "vary-width";
 inline constexpr const char* kElementName_WobblyPath = "wobbly-path";
 inline constexpr const char* kElementName_OutsetStroker = "outset-stroker";
 inline constexpr const char* kElementName_PatternedStroker = "patterned-stroker";
+inline constexpr const char* kElementName_Color = "color";
+inline constexpr const char* kElementName_Path = "path";
+inline constexpr const char* kElementName_Reflection = "reflection";
+inline constexpr const char* kElementName_ImageBinary = "image-binary";
+inline constexpr const char* kElementName_ImageFill = "image-fill";
+inline constexpr const char* kElementName_Shape = "shape";
+inline constexpr const char* kElementName_Star = "star";
+inline constexpr const char* kElementName_RegularPolygon = "regular-polygon";
+inline constexpr const char* kElementName_Line = "line";
+inline constexpr const char* kElementName_Image = "image";
+inline constexpr const char* kElementName_Group = "group";
 inline constexpr const char* kAttributeName_Enabled = "enabled";
 inline constexpr const char* kAttributeName_IsLeveled = "is-leveled";
 

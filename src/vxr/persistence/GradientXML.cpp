@@ -85,8 +85,10 @@ void encodeStop(const VXRGradientStop& stop, VXAXMLArchiver& archiver, VXAXMLNod
 
 std::shared_ptr<VXRGradientStop> newStop(VXAXMLUnarchiver& unarchiver, VXAXMLNode* node, std::uint32_t)
 {
-    const float fraction = floatAttribute(node, "fraction", 0, thisFile,
-        fmt::format("WARNING, initializing gradient stop from {}, could not get fraction", fmt::ptr(node)));
+    const float fraction = floatAttribute(node, "fraction", 0, thisFile, [&] {
+        return fmt::format(
+            "WARNING, initializing gradient stop from {}, could not get fraction", fmt::ptr(node));
+    });
     auto color
         = VXRObjectFromNode<Color>(unarchiver, vxaxmlFirstChildNsNamed(node, VelloraNamespace, "color"));
     if (!color) {
@@ -113,8 +115,9 @@ void encodeGradient(const VXRGradient& gradient, VXAXMLArchiver& archiver, VXAXM
 
 void readGradient(VXRGradient& gradient, VXAXMLUnarchiver& unarchiver, VXAXMLNode* node)
 {
-    gradient.setOpacity(floatAttribute(node, "opacity", 0, thisFile,
-        fmt::format("WARNING, VXRGradient initializing from {} couldn't get opacity.", fmt::ptr(node))));
+    gradient.setOpacity(floatAttribute(node, "opacity", 0, thisFile, [&] {
+        return fmt::format("WARNING, VXRGradient initializing from {} couldn't get opacity.", fmt::ptr(node));
+    }));
     gradient.setGradientType(readType(node, gradient.gradientType()));
     Stops stops = readStops(unarchiver, node);
     if (stops.empty()) {

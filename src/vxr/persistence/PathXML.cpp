@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 
 namespace vxr {
 namespace {
@@ -189,6 +190,17 @@ std::shared_ptr<Path> read(VXAXMLUnarchiver&, VXAXMLNode* node, std::uint32_t)
 }
 
 } // namespace
+
+std::shared_ptr<Path> finitePathFromNode(VXAXMLUnarchiver& unarchiver, VXAXMLNode* node)
+{
+    auto path = VXRObjectFromNode<Path>(unarchiver, node);
+    const auto isFinite = [](Point p) { return std::isfinite(p.x) && std::isfinite(p.y); };
+    if (!path || std::ranges::all_of(path->points(), isFinite))
+        return path;
+    warn(thisFile,
+        fmt::format("WARNING, initializing a path from {}, its coordinates are not finite.", fmt::ptr(node)));
+    return nullptr;
+}
 
 template <> const VXAXMLClass& VXRXMLClass<Path>() { return recordOf<Path, encode, read>("Path"); }
 

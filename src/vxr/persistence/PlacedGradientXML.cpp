@@ -20,9 +20,10 @@ std::shared_ptr<VXRAngleGradient> newAngle(VXAXMLUnarchiver& unarchiver, VXAXMLN
 {
     auto gradient = std::make_shared<VXRAngleGradient>();
     readGradient(*gradient, unarchiver, node);
-    gradient->setGradientAngle(floatAttribute(node, "angle", 0, thisFile,
-        "WARNING, -[VXRAngleGradient initWithXMLUnarchiver:node:version:] couldn't get angle; using 0.0 as "
-        "default."));
+    gradient->setGradientAngle(floatAttribute(node, "angle", 0, thisFile, [] {
+        return "WARNING, -[VXRAngleGradient initWithXMLUnarchiver:node:version:] couldn't get angle; using "
+               "0.0 as default.";
+    }));
     return gradient;
 }
 

@@ -12,8 +12,10 @@ void encode(const VXRReflection& reflection, VXAXMLArchiver&, VXAXMLNode* node, 
 
 std::shared_ptr<VXRReflection> read(VXAXMLUnarchiver&, VXAXMLNode* node, std::uint32_t)
 {
-    return std::make_shared<VXRReflection>(floatAttribute(node, "opacity", 0, "ReflectionXML.cpp",
-        fmt::format("WARNING, initializing a reflection prop from {}, cannot get opacity.", fmt::ptr(node))));
+    return std::make_shared<VXRReflection>(floatAttribute(node, "opacity", 0, "ReflectionXML.cpp", [&] {
+        return fmt::format(
+            "WARNING, initializing a reflection prop from {}, cannot get opacity.", fmt::ptr(node));
+    }));
 }
 
 } // namespace

@@ -66,9 +66,10 @@ int readEntries(const VXAXMLNode* node, float (&entries)[VXRStrokePattern::capac
 std::shared_ptr<VXRStrokePattern> read(VXAXMLUnarchiver&, VXAXMLNode* node, std::uint32_t)
 {
     auto pattern = std::make_shared<VXRStrokePattern>(nullptr, 0, 0.0f);
-    const float phase = floatAttribute(node, "phase", 0, thisFile,
-        fmt::format("WARNING, no phase property when initializing VXRStrokePattern {} from node {}",
-            fmt::ptr(pattern.get()), fmt::ptr(node)));
+    const float phase = floatAttribute(node, "phase", 0, thisFile, [&] {
+        return fmt::format("WARNING, no phase property when initializing VXRStrokePattern {} from node {}",
+            fmt::ptr(pattern.get()), fmt::ptr(node));
+    });
     const int type = readType(node);
     float entries[VXRStrokePattern::capacity] = {};
     const int count = readEntries(node, entries);

@@ -79,11 +79,14 @@ void readStroke(VXRStroke& stroke, VXAXMLUnarchiver& unarchiver, VXAXMLNode* nod
             missingStyleLevel);
         pattern = VXRStrokePattern::solidPattern();
     }
-    const float miterLimit = floatAttribute(node, "miter-limit", 4, thisFile,
-        fmt::format(
-            "WARNING, initializing {} from {}, miter limit not found", fmt::ptr(&stroke), fmt::ptr(node)));
-    const float width = floatAttribute(node, "width", 1, thisFile,
-        fmt::format("WARNING, initialinzg {} from {}, width not found", fmt::ptr(&stroke), fmt::ptr(node)));
+    const float miterLimit = floatAttribute(node, "miter-limit", 4, thisFile, [&] {
+        return fmt::format(
+            "WARNING, initializing {} from {}, miter limit not found", fmt::ptr(&stroke), fmt::ptr(node));
+    });
+    const float width = floatAttribute(node, "width", 1, thisFile, [&] {
+        return fmt::format(
+            "WARNING, initialinzg {} from {}, width not found", fmt::ptr(&stroke), fmt::ptr(node));
+    });
     stroke.setColor(std::move(color));
     stroke.setWidth(width);
     stroke.setCap(readWord(capWords, node, "cap", stroke));

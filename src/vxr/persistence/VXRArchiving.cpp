@@ -1,14 +1,6 @@
 #include <vxr/persistence/VXRArchiving.h>
 
-#include <vxr/fills/VXRAngleGradient.h>
-#include <vxr/fills/VXRReflection.h>
-#include <vxr/fills/VXRShadow.h>
-#include <vxr/fills/VXRTransformGradient.h>
 #include <vxr/persistence/ElementNames.h>
-#include <vxr/platform/graphics/path/Path.h>
-#include <vxr/renderables/VXRLineEnd.h>
-#include <vxr/strokes/VXRStroke.h>
-#include <vxr/strokes/VXRStrokePattern.h>
 
 namespace vxr {
 namespace {
@@ -20,6 +12,11 @@ template <int> const VXAXMLClass& knownByName(const char* name)
     return record;
 }
 
+template <class Class> void pair(const char* elementName)
+{
+    vxaxmlRegisterClassNamePair(VXRXMLClass<Class>(), elementName);
+}
+
 } // namespace
 
 void VXRInitArchivingClassToElementNameMappings(bool withStrokeManipulations)
@@ -28,31 +25,46 @@ void VXRInitArchivingClassToElementNameMappings(bool withStrokeManipulations)
     VXAXMLRegisterClass(VXRXMLClass<Color>());
     VXAXMLRegisterClass(VXRXMLClass<Path>());
     VXAXMLRegisterClass(VXRXMLClass<VXRReflection>());
+    VXAXMLRegisterClass(VXRXMLClass<VXRSmartStroke>());
+    VXAXMLRegisterClass(VXRXMLClass<VXRImageBinary>());
 
-    vxaxmlRegisterClassNamePair(VXRXMLClass<VXRLineEnd>(), kElementName_LineEnd);
-    vxaxmlRegisterClassNamePair(VXRXMLClass<VXRGradientStop>(), kElementName_GradientStop);
-    vxaxmlRegisterClassNamePair(VXRXMLClass<VXRGradient>(), kElementName_Gradient);
-    vxaxmlRegisterClassNamePair(VXRXMLClass<VXRAngleGradient>(), kElementName_AngleGradient);
-    vxaxmlRegisterClassNamePair(VXRXMLClass<VXRTransformGradient>(), kElementName_TransformGradient);
-    vxaxmlRegisterClassNamePair(VXRXMLClass<VXRStrokePattern>(), kElementName_StrokePattern);
-    vxaxmlRegisterClassNamePair(VXRXMLClass<VXRStroke>(), kElementName_Stroke);
-    vxaxmlRegisterClassNamePair(VXRXMLClass<VXRShadow>(), kElementName_Shadow);
+    pair<VXRLineEnd>(kElementName_LineEnd);
+    pair<VXRGradientStop>(kElementName_GradientStop);
+    pair<VXRGradient>(kElementName_Gradient);
+    pair<VXRAngleGradient>(kElementName_AngleGradient);
+    pair<VXRTransformGradient>(kElementName_TransformGradient);
+    pair<VXRStrokePattern>(kElementName_StrokePattern);
+    pair<VXRStroke>(kElementName_Stroke);
+    pair<VXRShadow>(kElementName_Shadow);
     vxaxmlRegisterClassNamePair(knownByName<9>("VXRFilteredImage"), kElementName_FilteredImage);
-    vxaxmlRegisterClassNamePair(knownByName<10>("VXREffectStack"), kElementName_Effects);
-    vxaxmlRegisterClassNamePair(knownByName<11>("CIFilter"), kElementName_CIFilter);
+    pair<VXREffectStack>(kElementName_Effects);
+    pair<VXRFilter>(kElementName_CIFilter);
     if (!withStrokeManipulations)
         return;
-    vxaxmlRegisterClassNamePair(knownByName<12>("VXRManipulatedStroke"), kElementName_ManipulatedStroke);
-    vxaxmlRegisterClassNamePair(
-        knownByName<13>("VXROffsetOddWidthPathManipulation"), kElementName_OffsetOddWidth);
-    vxaxmlRegisterClassNamePair(knownByName<14>("VXROutsetPathManipulation"), kElementName_OutsetPath);
-    vxaxmlRegisterClassNamePair(
-        knownByName<15>("VXROverstrokePathManipulation"), kElementName_OvershootJoins);
-    vxaxmlRegisterClassNamePair(knownByName<16>("VXRRoundedPathManipulation"), kElementName_RoundedPath);
-    vxaxmlRegisterClassNamePair(knownByName<17>("VXRVaryWidthPathManipulation"), kElementName_VaryWidth);
-    vxaxmlRegisterClassNamePair(knownByName<18>("VXRWobblyPathManipulation"), kElementName_WobblyPath);
-    vxaxmlRegisterClassNamePair(knownByName<19>("VXROutsetPathStroker"), kElementName_OutsetStroker);
-    vxaxmlRegisterClassNamePair(knownByName<20>("VXRPatternedPathStroker"), kElementName_PatternedStroker);
+    pair<VXRManipulatedStroke>(kElementName_ManipulatedStroke);
+    pair<VXROffsetOddWidthPathManipulation>(kElementName_OffsetOddWidth);
+    pair<VXROutsetPathManipulation>(kElementName_OutsetPath);
+    pair<VXROverstrokePathManipulation>(kElementName_OvershootJoins);
+    pair<VXRRoundedPathManipulation>(kElementName_RoundedPath);
+    pair<VXRVaryWidthPathManipulation>(kElementName_VaryWidth);
+    pair<VXRWobblyPathManipulation>(kElementName_WobblyPath);
+    pair<VXROutsetPathStroker>(kElementName_OutsetStroker);
+    pair<VXRPatternedPathStroker>(kElementName_PatternedStroker);
+}
+
+void VXRInitArchivingRenderables()
+{
+    pair<Color>(kElementName_Color);
+    pair<Path>(kElementName_Path);
+    pair<VXRReflection>(kElementName_Reflection);
+    pair<VXRImageBinary>(kElementName_ImageBinary);
+    pair<VXRImageFill>(kElementName_ImageFill);
+    pair<VXRShape>(kElementName_Shape);
+    pair<VXRStar>(kElementName_Star);
+    pair<VXRRegularPolygon>(kElementName_RegularPolygon);
+    pair<VXRLine>(kElementName_Line);
+    pair<VXRImageRenderable>(kElementName_Image);
+    pair<VXRGroup>(kElementName_Group);
 }
 
 } // namespace vxr

@@ -131,7 +131,11 @@ void VXRImageRenderable::setCrop(const Rect& wanted)
 {
     if (!mBinary)
         return;
-    const Rect part = intersectionRect(wanted, { { 0, 0 }, mBinary->naturalImageSize() });
+    _setCrop(intersectionRect(wanted, { { 0, 0 }, mBinary->naturalImageSize() }));
+}
+
+void VXRImageRenderable::_setCrop(const Rect& part)
+{
     mCrop = part.isEmpty() ? std::nullopt : std::optional(part);
     pictureDidChange();
 }

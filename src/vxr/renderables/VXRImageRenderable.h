@@ -46,6 +46,9 @@ public:
     Rect crop() const; ///< the whole picture when none is set
     void setCrop(const Rect&); ///< cut to the picture; one without an area takes the crop away
     bool hasCrop() const { return mCrop.has_value(); }
+    /// For whoever reads pictures: keeps the crop as it is, of a picture that is missing too. One without an
+    /// area takes it away.
+    void _setCrop(const Rect&);
     /// Moves the picture in its frame by a way in the local frame, as far as there is picture.
     void dragPictureBy(Size delta);
 

@@ -145,6 +145,15 @@ void VXRLine::connectHandle(int handle, VXRRenderable& renderable, VXRLineConnec
     keepConnections();
 }
 
+void VXRLine::_setConnection(int handle, const VXRLineConnection& connection)
+{
+    disconnectHandle(handle);
+    if (!connection.renderable || connection.renderable == this || connection.mode == VXRLineNotConnected)
+        return;
+    mConnections[index(handle)] = connection;
+    connection.renderable->addFollower(*this);
+}
+
 bool VXRLine::isFollowing(const VXRRenderable* renderable) const
 {
     return mConnections[0].renderable == renderable || mConnections[1].renderable == renderable;

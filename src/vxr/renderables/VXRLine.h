@@ -61,6 +61,8 @@ public:
     void connectHandle(int handle, VXRRenderable& renderable, VXRLineConnectionMode mode, Point near = {});
     void disconnectHandle(int handle); ///< the end stays where it is
     const VXRLineConnection& connection(int handle) const { return mConnections[index(handle)]; }
+    /// For whoever reads lines: the end stays where it is until the renderable changes.
+    void _setConnection(int handle, const VXRLineConnection& connection);
 
     // The renderable's operations.
     bool wantsInteriorStroke() const override { return false; }

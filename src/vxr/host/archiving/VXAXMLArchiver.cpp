@@ -56,14 +56,32 @@ struct EntryWriter {
 
 } // namespace
 
-VXAXMLNode* VXAXMLArchiver::encode(const Object& object, const VXAXMLClass& record, VXAXMLNode* parent,
-    const char* name, const VXAXMLNamespace& ns)
+std::shared_ptr<Object> VXAXMLArchiver::metadataForKey(std::string_view key) const
+{
+    const auto found = mMetadata.find(key);
+    return found == mMetadata.end() ? nullptr : found->second;
+}
+
+std::string_view VXAXMLArchiver::idOfObject(const Object& object) const
+{
+    const auto found = mIds.find(&object);
+    return found == mIds.end() ? std::string_view() : found->second;
+}
+
+VXAXMLNode* VXAXMLArchiver::encodeObjectOfClassAsChildOfWithNameXmlNamespace(const VXAXMLClass& record,
+    const Object& object, VXAXMLNode* parent, const char* name, const VXAXMLNamespace& ns)
 {
     VXAXMLNode* const child = vxaxmlCreateChild(parent, ns, name);
     if (!child)
         throw std::bad_alloc();
     try {
         record.encodeWithXMLArchiverNodeVersion(object, *this, child, mVersion);
+        if (const std::string_view id = mIds.empty() ? std::string_view() : idOfObject(object); !id.empty())
+            vxaxmlSetNSStringNsProp(child, VXANamespace, VXAVXIdAttribute, id);
+        if (mElementHandler)
+            mElementHandler(object, child);
+        if (const auto* kept = mKeptParts ? mKeptParts->partsOf(object) : nullptr)
+            kept->appendTo(child);
     } catch (...) {
         xmlUnlinkNode(child);
         xmlFreeNode(child);
@@ -72,28 +90,53 @@ VXAXMLNode* VXAXMLArchiver::encode(const Object& object, const VXAXMLClass& reco
     return child;
 }
 
+/// None for an object that is not shared.
+VXAXMLNode* VXAXMLArchiver::encodeReference(
+    const Object& object, VXAXMLNode* parent, const char* name, const VXAXMLNamespace& ns) const
+{
+    const auto shared = mShared.find(&object);
+    if (shared == mShared.end())
+        return nullptr;
+    VXAXMLNode* const child = vxaxmlCreateChild(parent, ns, name);
+    vxaxmlSetNSStringNsProp(child, VelloraNamespace, VXASharedObjectAttribute, shared->second);
+    return child;
+}
+
 VXAXMLNode* VXAXMLArchiver::encodeObjectAsChildOfWithNameXmlNamespace(
     const Object& object, VXAXMLNode* parent, const char* name, const VXAXMLNamespace& ns)
 {
-    return encode(object, classOf(object), parent, name, ns);
+    VXAXMLNode* const reference = encodeReference(object, parent, name, ns);
+    return reference
+        ? reference
+        : encodeObjectOfClassAsChildOfWithNameXmlNamespace(classOf(object), object, parent, name, ns);
 }
 
 VXAXMLNode* VXAXMLArchiver::encodeObjectAndClassAsChildOfWithNameXmlNamespace(
     const Object& object, VXAXMLNode* parent, const char* name, const VXAXMLNamespace& ns)
 {
+    if (VXAXMLNode* const reference = encodeReference(object, parent, name, ns))
+        return reference;
     const VXAXMLClass& record = classOf(object);
-    const std::string elementName = elementNameOf(object, record);
-    VXAXMLNode* const child = encode(object, record, parent, name, ns);
+    VXAXMLNode* const child
+        = encodeObjectOfClassAsChildOfWithNameXmlNamespace(record, object, parent, name, ns);
     std::string own;
-    if (!vxaxmlGetNSStringNsProp(child, VXANamespace, VXAVXClassAttribute, own))
-        vxaxmlSetNSStringNsProp(child, VXANamespace, VXAVXClassAttribute, elementName);
+    if (vxaxmlGetNSStringNsProp(child, VXANamespace, VXAVXClassAttribute, own))
+        return child;
+    try {
+        vxaxmlSetNSStringNsProp(child, VXANamespace, VXAVXClassAttribute, elementNameOf(object, record));
+    } catch (...) {
+        xmlUnlinkNode(child);
+        xmlFreeNode(child);
+        throw;
+    }
     return child;
 }
 
 VXAXMLNode* VXAXMLArchiver::encodeObjectAsChildOf(const Object& object, VXAXMLNode* parent)
 {
     const VXAXMLClass& record = classOf(object);
-    return encode(object, record, parent, elementNameOf(object, record).c_str(), VelloraNamespace);
+    return encodeObjectOfClassAsChildOfWithNameXmlNamespace(
+        record, object, parent, elementNameOf(object, record).c_str(), VelloraNamespace);
 }
 
 void vxaxmlEncodeStringKeyDictionary(const VXAStringKeyDictionary& dictionary, VXAXMLNode* parent,

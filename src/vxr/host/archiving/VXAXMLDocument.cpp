@@ -1,10 +1,11 @@
 #include <vxr/host/archiving/VXAXMLDocument.h>
 
+#include <vxr/host/archiving/XMLTree.h>
+
 #include <fmt/format.h>
 #include <libxml/SAX2.h>
 #include <libxml/parser.h>
 #include <libxml/parserInternals.h>
-#include <libxml/xmlsave.h>
 
 #include <algorithm>
 #include <limits>
@@ -101,6 +102,8 @@ private:
                 parser, fmt::format("elements are nested more than {} deep", guard.mLimits.depth));
         xmlSAX2StartElementNs(
             context, name, prefix, uri, namespaceCount, namespaces, attributeCount, defaultCount, attributes);
+        if (parser->node && parser->input)
+            setLine(parser->node, parser->input->line);
     }
 
     static void onElementEnd(void* context, const xmlChar* name, const xmlChar* prefix, const xmlChar* uri)
@@ -155,7 +158,7 @@ std::unique_ptr<VXAXMLDocument> VXAXMLDocument::parse(
     const auto loader = xmlGetExternalEntityLoader();
     xmlSetExternalEntityLoader(refuseExternalEntity);
     xmlDoc* const document = xmlCtxtReadMemory(context.get(), reinterpret_cast<const char*>(text.data()),
-        int(text.size()), nullptr, nullptr, XML_PARSE_NONET | XML_PARSE_NOBLANKS | XML_PARSE_BIG_LINES);
+        int(text.size()), nullptr, nullptr, XML_PARSE_NONET | XML_PARSE_NOBLANKS);
     xmlSetExternalEntityLoader(loader);
     std::unique_ptr<VXAXMLDocument> result;
     if (document)
@@ -169,18 +172,17 @@ std::unique_ptr<VXAXMLDocument> VXAXMLDocument::parse(
 }
 
 VXAXMLDocument::VXAXMLDocument(const VXAXMLNamespace& ns, const char* rootName)
-    : mDocument(xmlNewDoc(reinterpret_cast<const xmlChar*>("1.0")))
+    : mDocument(xmlNewDoc(xmlText("1.0")))
 {
-    xmlNode* const root = xmlNewNode(nullptr, reinterpret_cast<const xmlChar*>(rootName));
+    // Names that stand in a document thousands of times are held once.
+    mDocument->dict = xmlDictCreate();
+    xmlNode* const root = xmlNewDocNode(mDocument, nullptr, xmlText(rootName), nullptr);
     xmlDocSetRootElement(mDocument, root);
-    for (const VXAXMLNamespace* declared : { &VelloraNamespace, &VXANamespace }) {
-        xmlNewNs(root, reinterpret_cast<const xmlChar*>(declared->uri),
-            reinterpret_cast<const xmlChar*>(declared->prefix));
-    }
-    xmlNs* own = xmlSearchNsByHref(mDocument, root, reinterpret_cast<const xmlChar*>(ns.uri));
+    for (const VXAXMLNamespace* declared : { &VelloraNamespace, &VXANamespace })
+        xmlNewNs(root, xmlText(declared->uri), xmlText(declared->prefix));
+    xmlNs* own = xmlSearchNsByHref(mDocument, root, xmlText(ns.uri));
     if (!own)
-        own = xmlNewNs(
-            root, reinterpret_cast<const xmlChar*>(ns.uri), reinterpret_cast<const xmlChar*>(ns.prefix));
+        own = xmlNewNs(root, xmlText(ns.uri), xmlText(ns.prefix));
     xmlSetNs(root, own);
 }
 
@@ -188,19 +190,39 @@ VXAXMLDocument::~VXAXMLDocument() { xmlFreeDoc(mDocument); }
 
 VXAXMLNode* VXAXMLDocument::root() const { return xmlDocGetRootElement(mDocument); }
 
+namespace {
+
+constexpr const char* declaration = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
+
+} // namespace
+
 std::string VXAXMLDocument::serialize() const
 {
-    std::string out;
-    const auto append = [](void* sink, const char* bytes, int count) {
-        static_cast<std::string*>(sink)->append(bytes, std::size_t(count));
-        return count;
-    };
-    xmlSaveCtxt* const save = xmlSaveToIO(append, nullptr, &out, "UTF-8", XML_SAVE_FORMAT);
-    if (!save)
-        throw std::bad_alloc();
-    const long written = xmlSaveDoc(save, mDocument);
-    if (xmlSaveClose(save) < 0 || written < 0)
-        throw GenericException("the document could not be written");
+    std::string out = declaration;
+    appendText(out, root(), 0);
+    return out;
+}
+
+std::string VXAXMLDocument::serializeWithChildren(
+    VXAXMLNode* parent, const std::function<bool(VXAXMLNode*)>& appendNext)
+{
+    for (const xmlNode* at = parent; at && at->type == XML_ELEMENT_NODE; at = at->parent)
+        setState(at, NodeState::Written);
+    const TextFiller filler { parent, [&](std::string& out, int depth) {
+                                 bool isEmpty = true;
+                                 while (appendNext(parent)) {
+                                     while (xmlNode* const child = parent->children) {
+                                         out += isEmpty ? ">\n" : "";
+                                         isEmpty = false;
+                                         appendText(out, child, depth + 1);
+                                         xmlUnlinkNode(child);
+                                         xmlFreeNode(child);
+                                     }
+                                 }
+                                 return !isEmpty;
+                             } };
+    std::string out = declaration;
+    appendText(out, root(), 0, &filler);
     return out;
 }
 

@@ -4,6 +4,7 @@
 #include <vxr/platform/base/Exceptions.h>
 
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <span>
 #include <string>
@@ -48,6 +49,10 @@ public:
     VXAXMLNode* root() const;
     /// UTF-8, indented by two spaces; the same document gives the same bytes.
     std::string serialize() const;
+    /// The same with more children of `parent`, which has none: `appendNext` appends one or more to it each
+    /// time, until it answers that there are no more. They are taken away once they are written, so that a
+    /// long document needs no more memory than its text.
+    std::string serializeWithChildren(VXAXMLNode* parent, const std::function<bool(VXAXMLNode*)>& appendNext);
 
 private:
     explicit VXAXMLDocument(_xmlDoc* document)

@@ -1,6 +1,4 @@
-#include <vxr/host/archiving/VXAXMLNode.h>
-
-#include <libxml/tree.h>
+#include <vxr/host/archiving/XMLTree.h>
 
 #include <algorithm>
 #include <charconv>
@@ -13,32 +11,15 @@ const VXAXMLNamespace VXANamespace { "urn:vxr:archive", "a" };
 
 namespace {
 
-const xmlChar* xml(const char* text) { return reinterpret_cast<const xmlChar*>(text); }
-const char* text(const xmlChar* characters) { return reinterpret_cast<const char*>(characters); }
-
-bool isIn(const xmlNs* declared, const VXAXMLNamespace& ns)
-{
-    return declared && declared->href && std::strcmp(text(declared->href), ns.uri) == 0;
-}
-
-const xmlAttr* findAttribute(const xmlNode* node, const VXAXMLNamespace& ns, const char* name)
-{
-    if (!node || node->type != XML_ELEMENT_NODE)
-        return nullptr;
-    for (const xmlAttr* attribute = node->properties; attribute; attribute = attribute->next) {
-        if (std::strcmp(text(attribute->name), name) == 0 && isIn(attribute->ns, ns))
-            return attribute;
-    }
-    return nullptr;
-}
-
 /// The attribute's text where it lies: one text node, since documents with entities are refused.
 bool attributeText(const xmlNode* node, const VXAXMLNamespace& ns, const char* name, std::string_view& out)
 {
     const xmlAttr* attribute = findAttribute(node, ns, name);
     if (!attribute)
         return false;
-    out = attribute->children && attribute->children->content ? text(attribute->children->content) : "";
+    setState(attribute, NodeState::Asked);
+    const xmlNode* const value = attribute->children;
+    out = value && value->content ? plainText(value->content) : "";
     return true;
 }
 
@@ -68,34 +49,6 @@ bool numberAttribute(const xmlNode* node, const VXAXMLNamespace& ns, const char*
     return true;
 }
 
-/// The namespace as an attribute of `node` can use it: with a prefix. Declared on the root when it is
-/// unknown, so that a document declares it once.
-xmlNs* prefixedNamespace(xmlNode* node, const VXAXMLNamespace& ns)
-{
-    const xmlNode* root = node;
-    for (const xmlNode* at = node; at && at->type == XML_ELEMENT_NODE; at = at->parent) {
-        for (xmlNs* declared = at->nsDef; declared; declared = declared->next) {
-            if (declared->prefix && isIn(declared, ns)
-                && xmlSearchNs(node->doc, node, declared->prefix) == declared)
-                return declared;
-        }
-        root = at;
-    }
-    auto* const holder = const_cast<xmlNode*>(root);
-    std::string prefix = ns.prefix;
-    while (xmlSearchNs(node->doc, node, xml(prefix.c_str())))
-        prefix += '1';
-    return xmlNewNs(holder, xml(ns.uri), xml(prefix.c_str()));
-}
-
-bool setAttribute(xmlNode* node, const VXAXMLNamespace& ns, const char* name, const char* value)
-{
-    if (!node || node->type != XML_ELEMENT_NODE)
-        return false;
-    xmlNs* const declared = prefixedNamespace(node, ns);
-    return declared && xmlSetNsProp(node, declared, xml(name), xml(value));
-}
-
 template <class Number>
 bool setNumber(xmlNode* node, const VXAXMLNamespace& ns, const char* name, Number value)
 {
@@ -110,10 +63,11 @@ bool setNumber(xmlNode* node, const VXAXMLNamespace& ns, const char* name, Numbe
 /// Whether XML 1.0 can hold the text.
 bool isXMLText(const std::string& value)
 {
-    if (value.find('\0') != value.npos || !xmlCheckUTF8(xml(value.c_str())))
-        return false;
+    const auto isPlain = [](unsigned char c) { return c >= 0x20 && c < 0x80; };
+    if (std::all_of(value.begin(), value.end(), isPlain))
+        return true;
     const auto isForbidden = [](unsigned char c) { return c < 0x20 && c != '\t' && c != '\n' && c != '\r'; };
-    if (std::any_of(value.begin(), value.end(), isForbidden))
+    if (std::any_of(value.begin(), value.end(), isForbidden) || !xmlCheckUTF8(xmlText(value.c_str())))
         return false;
     // U+FFFE and U+FFFF.
     return value.find("\xEF\xBF\xBE") == value.npos && value.find("\xEF\xBF\xBF") == value.npos;
@@ -123,6 +77,20 @@ bool equalsIgnoringCase(std::string_view a, std::string_view lower)
 {
     return std::equal(a.begin(), a.end(), lower.begin(), lower.end(),
         [](char x, char y) { return (x >= 'A' && x <= 'Z' ? char(x - 'A' + 'a') : x) == y; });
+}
+
+/// A name as elements of the document hold it.
+xmlChar* ownedName(xmlDoc* document, const char* name)
+{
+    return document && document->dict ? const_cast<xmlChar*>(xmlDictLookup(document->dict, xmlText(name), -1))
+                                      : xmlStrdup(xmlText(name));
+}
+
+xmlNode* asked(xmlNode* node)
+{
+    if (node && stateOf(node) == NodeState::Untouched)
+        setState(node, NodeState::Asked);
+    return node;
 }
 
 xmlNode* nextElement(xmlNode* node)
@@ -239,7 +207,7 @@ VXAXMLNode* vxaxmlNextSiblingElement(const VXAXMLNode* node)
 
 bool vxaxmlIsNsNamed(const VXAXMLNode* node, const VXAXMLNamespace& ns, const char* name)
 {
-    return node && isIn(node->ns, ns) && std::strcmp(text(node->name), name) == 0;
+    return node && isIn(node->ns, ns) && std::strcmp(plainText(node->name), name) == 0;
 }
 
 VXAXMLNode* vxaxmlFirstChildNsNamed(const VXAXMLNode* node, const VXAXMLNamespace& ns, const char* name)
@@ -247,7 +215,7 @@ VXAXMLNode* vxaxmlFirstChildNsNamed(const VXAXMLNode* node, const VXAXMLNamespac
     VXAXMLNode* child = vxaxmlFirstChildElement(node);
     while (child && !vxaxmlIsNsNamed(child, ns, name))
         child = vxaxmlNextSiblingElement(child);
-    return child;
+    return asked(child);
 }
 
 VXAXMLNode* vxaxmlFirstChildNamed(const VXAXMLNode* node, const char* name)
@@ -255,7 +223,7 @@ VXAXMLNode* vxaxmlFirstChildNamed(const VXAXMLNode* node, const char* name)
     VXAXMLNode* child = vxaxmlFirstChildElement(node);
     while (child && vxaxmlNodeName(child) != name)
         child = vxaxmlNextSiblingElement(child);
-    return child;
+    return asked(child);
 }
 
 VXAXMLNode* vxaxmlNextSiblingNsNamed(const VXAXMLNode* node, const VXAXMLNamespace& ns, const char* name)
@@ -263,19 +231,29 @@ VXAXMLNode* vxaxmlNextSiblingNsNamed(const VXAXMLNode* node, const VXAXMLNamespa
     VXAXMLNode* sibling = vxaxmlNextSiblingElement(node);
     while (sibling && !vxaxmlIsNsNamed(sibling, ns, name))
         sibling = vxaxmlNextSiblingElement(sibling);
-    return sibling;
+    return asked(sibling);
 }
 
 VXAXMLNode* vxaxmlCreateChild(VXAXMLNode* parent, const VXAXMLNamespace& ns, const char* name)
 {
     if (!parent)
         return nullptr;
-    return xmlNewChild(parent, prefixedNamespace(parent, ns), xml(name), nullptr);
+    xmlNode* const child = xmlNewDocNodeEatName(
+        parent->doc, prefixedNamespace(parent, ns), ownedName(parent->doc, name), nullptr);
+    if (!child)
+        return nullptr;
+    // Not by `xmlAddChild`, which looks for text to join.
+    child->parent = parent;
+    child->prev = parent->last;
+    (parent->last ? parent->last->next : parent->children) = child;
+    parent->last = child;
+    return child;
 }
 
-std::string_view vxaxmlNodeName(const VXAXMLNode* node) { return node && node->name ? text(node->name) : ""; }
-
-long vxaxmlLine(const VXAXMLNode* node) { return node && node->line ? xmlGetLineNo(node) : 0; }
+std::string_view vxaxmlNodeName(const VXAXMLNode* node)
+{
+    return node && node->name ? plainText(node->name) : "";
+}
 
 VXAXMLNode* vxaxmlCreatePointChild(
     VXAXMLNode* parent, const VXAXMLNamespace& ns, const char* name, Point point)

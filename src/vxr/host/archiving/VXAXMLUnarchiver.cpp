@@ -1,8 +1,11 @@
 #include <vxr/host/archiving/VXAXMLUnarchiver.h>
 
+#include <vxr/host/archiving/XMLTree.h>
 #include <vxr/host/utility/VXULog.h>
 
 #include <fmt/format.h>
+
+#include <utility>
 
 namespace vxr {
 namespace {
@@ -38,6 +41,33 @@ bool readEntry(VXAXMLNode* entry, VXAXMLUnarchiver& unarchiver, VXAPropertyValue
     return true;
 }
 
+/// Reads nothing: elements that refer to a shared object need no class.
+const VXAXMLClass sharedObjectClass { "Object", typeid(void), nullptr,
+    [](VXAXMLUnarchiver&, VXAXMLNode*, std::uint32_t) { return std::shared_ptr<Object>(); } };
+
+/// Notes which element is being read, and how deep it is.
+struct ReadingScope {
+    ReadingScope(int& counter, const VXAXMLNode*& current, const VXAXMLNode* node)
+        : depth(counter)
+        , place(current)
+        , outer(current)
+    {
+        ++depth;
+        place = node;
+    }
+    ~ReadingScope()
+    {
+        --depth;
+        place = outer;
+    }
+    ReadingScope(const ReadingScope&) = delete;
+    ReadingScope& operator=(const ReadingScope&) = delete;
+
+    int& depth;
+    const VXAXMLNode*& place;
+    const VXAXMLNode* outer;
+};
+
 } // namespace
 
 std::shared_ptr<Object> VXAXMLUnarchiver::createObjectOfClassFromNode(
@@ -45,22 +75,58 @@ std::shared_ptr<Object> VXAXMLUnarchiver::createObjectOfClassFromNode(
 {
     if (!node || !record.initWithXMLUnarchiverNodeVersion)
         return nullptr;
-    if (mDepth >= maximumDepth) {
+    const ReadingScope scope(mDepth, mCurrent, node);
+    setState(node, NodeState::Object);
+    if (mDepth > maximumDepth) {
         VXULog_Fn(VXULogLevelWarning, thisFile,
-            fmt::format("WARNING, objects nested more than {} deep are left out, line {}.", maximumDepth,
-                vxaxmlLine(node)));
+            fmt::format("WARNING, objects nested more than {} deep are left out.", maximumDepth));
         return nullptr;
     }
-    struct Depth {
-        int& depth;
-        explicit Depth(int& counter)
-            : depth(counter)
-        {
-            ++depth;
-        }
-        ~Depth() { --depth; }
-    } const depth(mDepth);
-    return record.initWithXMLUnarchiverNodeVersion(*this, node, mVersion);
+    std::string name;
+    if (vxaxmlGetNSStringNsProp(node, VelloraNamespace, VXASharedObjectAttribute, name)) {
+        const auto shared = mShared.find(name);
+        if (shared != mShared.end())
+            return shared->second;
+        setState(node, NodeState::Unreadable);
+        VXULog_Fn(VXULogLevelWarning, thisFile,
+            fmt::format("WARNING, initializing from {}, there is no style '{}'.", fmt::ptr(node), name));
+        return nullptr;
+    }
+    const std::size_t firstChild = mWithParts.size();
+    auto object = record.initWithXMLUnarchiverNodeVersion(*this, node, mVersion);
+    if (!object)
+        return nullptr;
+    if (std::string id; vxaxmlGetNSStringNsProp(node, VXANamespace, VXAVXIdAttribute, id)
+        && !mObjectsById.try_emplace(std::move(id), object).second)
+        VXULog_Fn(VXULogLevelWarning, thisFile,
+            fmt::format(
+                "WARNING, initializing from {}, there is another object of that id.", fmt::ptr(node)));
+    if (mElementHandler)
+        mElementHandler(object, node);
+    if (mKeptParts && &record != mClassOfUnknown)
+        keepParts(object, node, firstChild);
+    return object;
+}
+
+/// What was kept for objects that nobody holds, since their values were taken over, goes to the one around.
+void VXAXMLUnarchiver::keepParts(
+    const std::shared_ptr<Object>& object, VXAXMLNode* node, std::size_t firstChild)
+{
+    VXAXMLKeptParts parts = VXAXMLKeptParts::partsOf(node);
+    for (std::size_t i = firstChild; i < mWithParts.size(); ++i) {
+        Read& child = mWithParts[i];
+        if (const auto held = child.object.lock())
+            mKeptParts->setParts(held, std::move(child.parts));
+        else
+            parts.addPartsOfNodeBelow(child.parts, child.node, node);
+    }
+    mWithParts.resize(firstChild);
+    if (parts.isEmpty())
+        return;
+    if (mDepth > 1)
+        mWithParts.push_back({ object, node, std::move(parts) });
+    else
+        mKeptParts->setParts(object, std::move(parts));
 }
 
 std::shared_ptr<Object> VXAXMLUnarchiver::createObjectFromNode(VXAXMLNode* node)
@@ -73,7 +139,36 @@ std::shared_ptr<Object> VXAXMLUnarchiver::createObjectFromNode(VXAXMLNode* node)
         record = vxaxmlClassForName(name);
     if (!record)
         record = vxaxmlClassForName(vxaxmlNodeName(node));
-    return record ? createObjectOfClassFromNode(*record, node) : nullptr;
+    if (!record && vxaxmlGetNSStringNsProp(node, VelloraNamespace, VXASharedObjectAttribute, name))
+        record = &sharedObjectClass;
+    if (record)
+        return createObjectOfClassFromNode(*record, node);
+    setState(node, NodeState::Unreadable);
+    return nullptr;
+}
+
+void VXAXMLUnarchiver::whenReadObjectWithId(
+    std::string id, std::function<void(const std::shared_ptr<Object>&)> use)
+{
+    mReferences.emplace_back(std::move(id), std::move(use));
+}
+
+void VXAXMLUnarchiver::finishReading()
+{
+    for (const auto& [id, use] : std::exchange(mReferences, {})) {
+        const auto found = mObjectsById.find(id);
+        use(found == mObjectsById.end() ? nullptr : found->second);
+    }
+    mObjectsById.clear();
+}
+
+bool VXAXMLUnarchiver::mayMake(std::size_t count)
+{
+    constexpr std::size_t most = 20'000'000;
+    if (count > most - mMade)
+        return false;
+    mMade += count;
+    return true;
 }
 
 std::shared_ptr<Object> VXAXMLUnarchiver::metadataForKey(std::string_view key) const

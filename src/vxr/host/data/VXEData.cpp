@@ -58,12 +58,28 @@ VXEData::VXEData(std::shared_ptr<const Data> data, std::string displayName, std:
 {
 }
 
+VXEData::VXEData(Reader reader, std::size_t byteSize, std::string displayName, std::string saveName,
+    std::uint32_t hfsType, VXEDataManager* host)
+    : mReader(std::move(reader))
+    , mReaderSize(byteSize)
+    , mDisplayName(std::move(displayName))
+    , mSaveName(std::move(saveName))
+    , mHost(host)
+    , mHFSType(hfsType)
+{
+}
+
 VXEData::~VXEData() = default;
 
 std::shared_ptr<const Data> VXEData::data() const
 {
     if (!mData && !mPath.empty())
         mData = Data::dataWithContentsOfFile(mPath);
+    if (!mData && mReader) {
+        mData = mReader();
+        if (!mData)
+            mReader = nullptr;
+    }
     return mData;
 }
 
@@ -71,6 +87,7 @@ void VXEData::setData(std::shared_ptr<const Data> data)
 {
     mData = std::move(data);
     mPath.clear();
+    mReader = nullptr;
 }
 
 std::string VXEData::pathExtension() const
@@ -83,6 +100,8 @@ bool VXEData::hasGoodData() const { return byteSize() > 0; }
 
 std::size_t VXEData::byteSize() const
 {
+    if (!mData && mReader)
+        return mReaderSize;
     if (mData || mPath.empty())
         return bytesUsed();
     std::error_code error;

@@ -3,6 +3,7 @@
 #include <vxr/platform/base/Object.h>
 
 #include <cstdint>
+#include <functional>
 
 namespace vxr {
 
@@ -19,6 +20,10 @@ public:
     VXEData(std::string path, std::string displayName, VXEDataManager* host, std::uint32_t resourceType);
     /// initWithData:displayName:saveName:type:host:
     VXEData(std::shared_ptr<const Data> data, std::string displayName, std::string saveName,
+        std::uint32_t hfsType, VXEDataManager* host);
+    /// Bytes that are read from elsewhere when they are needed, and none where that fails.
+    using Reader = std::function<std::shared_ptr<const Data>()>;
+    VXEData(Reader reader, std::size_t byteSize, std::string displayName, std::string saveName,
         std::uint32_t hfsType, VXEDataManager* host);
     ~VXEData() override;
 
@@ -42,7 +47,7 @@ public:
 
     std::size_t byteSize() const; ///< of all bytes, wherever they are
     std::size_t bytesUsed() const; ///< of those in memory
-    bool isFlushable() const { return mData && !mPath.empty(); }
+    bool isFlushable() const { return mData && (!mPath.empty() || mReader); }
     void flushLocalData(); ///< does nothing unless flushable
 
     bool isEquivalent(const VXEData& other) const; ///< same bytes
@@ -52,6 +57,8 @@ public:
 
 private:
     mutable std::shared_ptr<const Data> mData;
+    mutable Reader mReader; ///< given up once it has failed
+    std::size_t mReaderSize = 0;
     std::string mPath, mDisplayName, mSaveName;
     VXEDataManager* mHost;
     std::uint32_t mHFSType = 0;

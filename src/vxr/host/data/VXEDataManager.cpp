@@ -72,6 +72,18 @@ std::shared_ptr<VXEData> VXEDataManager::unsharedDataFromNSDataPreferredNameType
     return unshared;
 }
 
+std::shared_ptr<VXEData> VXEDataManager::dataWithSaveNameDisplayNameType(
+    const std::string& saveName, const std::string&, std::uint32_t)
+{
+    for (const auto& [hash, held] : mCanonical) {
+        if (auto known = held.lock(); known && known->saveName() == saveName)
+            return known;
+    }
+    return nullptr;
+}
+
+std::string VXEDataManager::saveNameForData(const std::shared_ptr<VXEData>& data) { return data->saveName(); }
+
 std::shared_ptr<Object> VXEDataManager::objectWithIdentifierForData(
     const std::string& identifier, const VXEData& data) const
 {

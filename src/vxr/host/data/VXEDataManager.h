@@ -11,6 +11,9 @@ namespace vxr {
 class Data;
 class VXEData;
 
+/// Under which readers of documents find the data manager.
+inline constexpr std::string_view VXEDataHostUnarchiverKey = "VXEDataHostUnarchiverKey";
+
 /// The data objects of one document. Equal bytes have one canonical data object; the objects that others
 /// keep for a data object (such as decoded pictures) are found through it. Neither is owned: what nobody
 /// uses any more goes.
@@ -28,6 +31,13 @@ public:
         std::shared_ptr<const Data>, const std::string& preferredName, std::uint32_t hfsType);
     /// The data object with these bytes: the given one unless there is another. None without bytes.
     virtual std::shared_ptr<VXEData> canonicalDataFromVXEData(std::shared_ptr<VXEData>);
+
+    /// The canonical data object of that save name; none when nobody uses one. A manager that makes it only
+    /// now gives it the display name and type.
+    virtual std::shared_ptr<VXEData> dataWithSaveNameDisplayNameType(
+        const std::string& saveName, const std::string& displayName, std::uint32_t hfsType);
+    /// The name under which documents refer to a data object, whoever made it.
+    virtual std::string saveNameForData(const std::shared_ptr<VXEData>&);
 
     virtual std::shared_ptr<Object> objectWithIdentifierForData(
         const std::string& identifier, const VXEData&) const; ///< or none
