@@ -10,6 +10,7 @@ namespace app {
 /// compositor.
 class DrawnShape final : public vxr::VXRShape {
 public:
+    bool tellsOfChangedBounds() const override { return !canvas() || !canvas()->usesCompositor(); }
     vxr::Rect computeAlignmentBounds() const override
     {
         return boundsOnPixels(VXRShape::computeAlignmentBounds(), canvas());

@@ -6,6 +6,7 @@
 #include <vxr/platform/graphics/path/Path.h>
 #include <vxr/protocols/PaintedExtent.h>
 #include <vxr/protocols/VXRCanvasRole.h>
+#include <vxr/renderables/MemberBounds.h>
 
 #include <algorithm>
 #include <cmath>
@@ -25,6 +26,12 @@ public:
     void registerRenderable(VXRRenderable&) override { }
     void unregisterRenderable(VXRRenderable&) override { }
     void setNeedsDisplayInRect(const Rect& rect) override { mGroup.memberChanged(rect); }
+    void renderableBoundsMayChange(const VXRRenderable& member) override
+    {
+        const std::size_t place = member.mIndexEntry;
+        if (place < mGroup.mMembers.size() && mGroup.mMembers[place].get() == &member)
+            mGroup.mMemberBounds->mayChange(place);
+    }
     void invalidateRenderable(VXRRenderable& member) override
     {
         mGroup.memberChanged(member.erasableBounds());
@@ -94,13 +101,14 @@ private:
 
 VXRGroup::VXRGroup()
     : mMemberCanvas(std::make_unique<MemberCanvas>(*this))
+    , mMemberBounds(std::make_unique<MemberBounds>())
 {
 }
 
 VXRGroup::~VXRGroup()
 {
     for (const auto& member : mMembers)
-        member->setCanvas(nullptr);
+        leave(*member);
 }
 
 std::shared_ptr<VXRGroup> VXRGroup::groupWithRenderables(Members members)
@@ -133,6 +141,20 @@ void VXRGroup::adopt(VXRRenderable& member)
     member.invalidateBoundingBox(); // shadows lie elsewhere in another group
 }
 
+void VXRGroup::leave(VXRRenderable& member)
+{
+    member.mIndexEntry = UINT32_MAX;
+    member.setCanvas(nullptr);
+}
+
+void VXRGroup::membersChanged()
+{
+    mMemberBounds->forget();
+    for (std::size_t i = 0; i < mMembers.size(); ++i)
+        mMembers[i]->mIndexEntry = static_cast<std::uint32_t>(i);
+    contentChanged();
+}
+
 void VXRGroup::setRenderables(Members members)
 {
     Members sorted = members;
@@ -145,12 +167,12 @@ void VXRGroup::setRenderables(Members members)
     const Members old = std::exchange(mMembers, {});
     for (const auto& member : old) {
         if (!std::binary_search(sorted.begin(), sorted.end(), member))
-            member->setCanvas(nullptr);
+            leave(*member);
     }
     mMembers = std::move(members);
     for (const auto& member : mMembers)
         adopt(*member);
-    contentChanged();
+    membersChanged();
 }
 
 void VXRGroup::insertRenderableAtIndex(std::shared_ptr<VXRRenderable> member, std::size_t index)
@@ -162,7 +184,7 @@ void VXRGroup::insertRenderableAtIndex(std::shared_ptr<VXRRenderable> member, st
     adopt(*member);
     mMembers.insert(
         mMembers.begin() + static_cast<std::ptrdiff_t>(std::min(index, mMembers.size())), std::move(member));
-    contentChanged();
+    membersChanged();
 }
 
 void VXRGroup::removeRenderable(VXRRenderable& member)
@@ -174,8 +196,8 @@ void VXRGroup::removeRenderable(VXRRenderable& member)
     autoErase();
     const std::shared_ptr<VXRRenderable> kept = *place; // until it has left its canvas
     mMembers.erase(place);
-    kept->setCanvas(nullptr);
-    contentChanged();
+    leave(*kept);
+    membersChanged();
 }
 
 void VXRGroup::setClipPaths(ClipPaths paths)
@@ -229,6 +251,7 @@ void VXRGroup::setDynamicallyTransforming(bool flag)
 void VXRGroup::invalidateBoundingBox()
 {
     VXRRenderable::invalidateBoundingBox();
+    mMemberBounds->forget(); // shadows lie elsewhere
     for (const auto& member : mMembers) {
         if (dynamic_cast<VXRGroup*>(member.get())) // only groups keep bounds with shadows in them
             member->invalidateBoundingBox();
@@ -242,32 +265,21 @@ Rect VXRGroup::clipped(Rect bounds) const
     return bounds;
 }
 
-Rect VXRGroup::localBounds(Rect (VXRRenderable::*boundsOf)() const) const
+Rect VXRGroup::localGeometricBounds() const
 {
-    Rect bounds;
-    bool isFirst = true;
-    for (const auto& member : mMembers) {
-        // Lines along an axis have bounds without an area, which a union would leave out.
-        const Rect own = ((*member).*boundsOf)();
-        bounds = isFirst ? own
-                         : Rect { std::min(bounds.minX(), own.minX()), std::min(bounds.minY(), own.minY()),
-                               std::max(bounds.maxX(), own.maxX()) - std::min(bounds.minX(), own.minX()),
-                               std::max(bounds.maxY(), own.maxY()) - std::min(bounds.minY(), own.minY()) };
-        isFirst = false;
-    }
-    return clipped(bounds);
+    return clipped(mMemberBounds->geometric(mMembers, *mMemberCanvas));
 }
 
-Size VXRGroup::naturalSize() const { return localBounds(&VXRRenderable::geometricBounds).size; }
+Size VXRGroup::naturalSize() const { return localGeometricBounds().size; }
 
 Rect VXRGroup::computeGeometricBounds() const
 {
-    return boundsOfTransformedRect(transform(), localBounds(&VXRRenderable::geometricBounds));
+    return boundsOfTransformedRect(transform(), localGeometricBounds());
 }
 
 Rect VXRGroup::computeAlignmentBounds() const
 {
-    const Rect local = localBounds(&VXRRenderable::erasableBounds);
+    const Rect local = clipped(mMemberBounds->erasable(mMembers, *mMemberCanvas));
     return local.isEmpty() ? Rect {} : boundsOfTransformedRect(transform(), local);
 }
 

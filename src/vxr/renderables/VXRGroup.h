@@ -4,6 +4,8 @@
 
 namespace vxr {
 
+class MemberBounds;
+
 /// Renderables that share a placement, an opacity, a shadow and a clip.
 ///
 /// To its canvas a group is one renderable with one layer. To its members it is the canvas, so that a change
@@ -55,13 +57,16 @@ private:
     void adopt(VXRRenderable&);
     Rect clipped(Rect) const;
     bool clipContains(Point local) const;
-    Rect localBounds(Rect (VXRRenderable::*boundsOf)() const) const;
+    Rect localGeometricBounds() const;
+    void leave(VXRRenderable&);
+    void membersChanged(); ///< other ones, or in another order
     void memberChanged(const Rect& area); ///< in the local frame
     void contentChanged();
 
     Members mMembers;
     ClipPaths mClip;
     std::unique_ptr<MemberCanvas> mMemberCanvas;
+    std::unique_ptr<MemberBounds> mMemberBounds;
 };
 
 } // namespace vxr

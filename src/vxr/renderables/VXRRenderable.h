@@ -160,6 +160,7 @@ protected:
 
 private:
     friend class RenderableIndex;
+    friend class VXRGroup;
     friend class VXRTextureSet;
 
     bool layerCanWait() const;
@@ -187,7 +188,7 @@ private:
     mutable float mPaintedOutset = 0; ///< valid with mAlignmentBounds
     mutable Point mPlaceOfBounds; ///< the translation under which mAlignmentBounds was computed
     mutable std::uint32_t mIndexEntry
-        = UINT32_MAX; ///< in the index of the canvas; it knows whether to trust it
+        = UINT32_MAX; ///< in the index of the canvas or group; it knows whether to trust it
     VXRCanvasRole* mCanvas = nullptr;
     mutable std::unique_ptr<Rare> mRare;
     float mOpacity = 1;
