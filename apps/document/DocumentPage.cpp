@@ -96,7 +96,7 @@ std::string DocumentPage::text(const PageSurroundings& surroundings) const
     vxr::VXAXMLArchiver archiver;
     prepare(archiver, surroundings);
     archiver.setKeptParts(keptOfObjects.get());
-    vxr::VXRGiveIdsToConnectedRenderables(renderables, archiver);
+    vxr::VXRGiveIdsToReferredRenderables(renderables, archiver);
     std::unordered_map<const vxr::Object*, const std::string*> labels;
     for (const auto& [renderable, note] : notes) {
         if (!note.label.empty())

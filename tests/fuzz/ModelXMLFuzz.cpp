@@ -19,6 +19,7 @@
 #include <vxr/renderables/VXRImageRenderable.h>
 #include <vxr/renderables/VXRLine.h>
 #include <vxr/renderables/VXRLineEnd.h>
+#include <vxr/renderables/VXRReflectionRenderable.h>
 #include <vxr/renderables/VXRRegularPolygon.h>
 #include <vxr/renderables/VXRStar.h>
 #include <vxr/strokes/VXRManipulatedStroke.h>
@@ -56,9 +57,9 @@ const std::vector<const VXAXMLClass*>& records()
             VXRGradientStop, VXRGroup, VXRImageBinary, VXRImageFill, VXRImageRenderable, VXRLine, VXRLineEnd,
             VXRManipulatedStroke, VXROffsetOddWidthPathManipulation, VXROutsetPathManipulation,
             VXROutsetPathStroker, VXROverstrokePathManipulation, VXRPatternedPathStroker, VXRReflection,
-            VXRRegularPolygon, VXRRoundedPathManipulation, VXRShadow, VXRShape, VXRSmartStroke, VXRStar,
-            VXRStroke, VXRStrokePattern, VXRTransformGradient, VXRVaryWidthPathManipulation,
-            VXRWobblyPathManipulation>();
+            VXRReflectionRenderable, VXRRegularPolygon, VXRRoundedPathManipulation, VXRShadow, VXRShape,
+            VXRSmartStroke, VXRStar, VXRStroke, VXRStrokePattern, VXRTransformGradient,
+            VXRVaryWidthPathManipulation, VXRWobblyPathManipulation>();
     }();
     return all;
 }

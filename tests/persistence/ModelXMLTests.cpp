@@ -15,6 +15,7 @@
 #include <vxr/protocols/VXRStrokeBundleSource.h>
 #include <vxr/renderables/VXRImageRenderable.h>
 #include <vxr/renderables/VXRLine.h>
+#include <vxr/renderables/VXRReflectionRenderable.h>
 #include <vxr/strokes/VXRManipulatedStroke.h>
 #include <vxr/strokes/VXRSmartStroke.h>
 #include <vxr/strokes/manipulations/VXROffsetOddWidthPathManipulation.h>
@@ -65,7 +66,7 @@ struct ModelArchive : ::testing::Test {
         VXAXMLArchiver archiver;
         archiver.setMetadataForKey(host, std::string(VXEDataHostUnarchiverKey));
         archiver.setKeptParts(&kept);
-        VXRGiveIdsToConnectedRenderables(renderables, archiver);
+        VXRGiveIdsToReferredRenderables(renderables, archiver);
         VXREncodeRenderables(renderables, archiver, document.root());
         return document.serialize();
     }
@@ -126,6 +127,10 @@ public:
                     mRandom.oneIn(2) ? VXRLineConnectedAtPlace : VXRLineConnectedTowardsCenter, point());
             renderables.push_back(line);
         }
+        auto reflection = std::make_shared<VXRReflectionRenderable>();
+        reflection->setRenderableToReflect(renderables[std::size_t(mRandom.below(3))]);
+        reflection->setStartOpacity(mRandom.between(0.2f, 1));
+        renderables.insert(renderables.begin(), reflection);
         return renderables;
     }
 
@@ -410,6 +415,15 @@ TEST_F(ModelArchive, ReadsDamagedModelsAsFarAsTheyGo)
             "v:to='x' v:x='0' v:y='0'/></v:line>",
             "<v:line>",
             { logged("a line", "end"), "10 WARNING, a line is connected to 'x', which isn't there." } },
+        { "ReflectionOfItself", "<v:reflection-renderable a:id='r' v:of='r' v:start-opacity='x'/>",
+            R"(<v:reflection-renderable v:start-opacity="0.5"/>)",
+            { logged("a reflection", "start-opacity"),
+                "10 WARNING, a reflection can't reflect 'r', which holds it, or isn't there." } },
+        { "ReflectionOfItsGroup",
+            "<v:group a:id='g'><v:renderables><v:reflection-renderable v:of='g' v:start-opacity='1'/>"
+            "</v:renderables></v:group>",
+            R"(<v:reflection-renderable v:start-opacity="1"/>)",
+            { "10 WARNING, a reflection can't reflect 'g', which holds it, or isn't there." } },
         { "EmptyImage", "<v:image v:technique='wild' v:mask='path'/>", R"(<v:image v:technique="stretch">)",
             { logged("an image", "technique"), logged("an image", "size"),
                 logged("an image", "mask-path") } },
@@ -449,8 +463,7 @@ TEST_F(ModelArchive, KeepsWhatNoReaderAsksFor)
     const std::string once = written(shapes);
     for (const char* part : { "x:id=\"7\"", "v:glow=\"2\"", "v:ty=\"6\" v:locked=\"yes\"/>",
              "v:smooth=\"true\"/>", "<v:stops v:order=\"given\">", "v:fraction=\"1\" v:midpoint=\"0.3\">",
-             "v:alpha=\"1\" v:ink=\"gold\"/>",
-             "<x:note>some <x:b>text</x:b> &amp; more</x:note>" })
+             "v:alpha=\"1\" v:ink=\"gold\"/>", "<x:note>some <x:b>text</x:b> &amp; more</x:note>" })
         EXPECT_THAT(once, HasSubstr(part));
     EXPECT_EQ(written(read(once)), once);
     // It goes with what it belongs to.

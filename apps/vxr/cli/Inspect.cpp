@@ -10,9 +10,16 @@
 #include <apps/vxr/import/OutlineStroke.h>
 #include <apps/vxr/import/Pictures.h>
 
+#include <vxr/images/VXRImageBinary.h>
+#include <vxr/images/VXRPictureRenderer.h>
 #include <vxr/renderables/VXRGroup.h>
+#include <vxr/renderables/VXRImageRenderable.h>
+#include <vxr/renderables/VXRLine.h>
 #include <vxr/renderables/VXRLineEnd.h>
+#include <vxr/renderables/VXRReflectionRenderable.h>
+#include <vxr/renderables/VXRRegularPolygon.h>
 #include <vxr/renderables/VXRShape.h>
+#include <vxr/renderables/VXRStar.h>
 #include <vxr/strokes/VXRStrokePattern.h>
 
 #include <fmt/format.h>
@@ -54,12 +61,23 @@ std::string text(const vxr::VXRGradient& gradient)
     return result;
 }
 
+std::string text(const vxr::VXRImageBinary* binary)
+{
+    if (!binary)
+        return "no picture";
+    return "picture '" + binary->name() + "'" + (binary->isMissing() ? ", missing" : "");
+}
+
 std::string text(const vxr::VXRShapePainter* painter)
 {
     if (const auto* color = dynamic_cast<const vxr::Color*>(painter))
         return text(*color);
     if (const auto* gradient = dynamic_cast<const vxr::VXRGradient*>(painter))
         return text(*gradient);
+    if (const auto* fill = dynamic_cast<const vxr::VXRImageFill*>(painter)) {
+        const auto* picture = dynamic_cast<const vxr::VXRPictureRenderer*>(fill->renderer().get());
+        return picture ? text(picture->binary().get()) : "picture";
+    }
     return "none";
 }
 
@@ -87,6 +105,28 @@ std::string text(const vxr::VXRStroke& stroke)
     return result;
 }
 
+template <class Class> bool isA(const vxr::VXRRenderable& renderable)
+{
+    return dynamic_cast<const Class*>(&renderable) != nullptr;
+}
+
+const char* kindOf(const vxr::VXRRenderable& renderable)
+{
+    if (isA<vxr::VXRGroup>(renderable))
+        return "group";
+    if (isA<vxr::VXRLine>(renderable))
+        return "line";
+    if (isA<vxr::VXRStar>(renderable))
+        return "star";
+    if (isA<vxr::VXRRegularPolygon>(renderable))
+        return "polygon";
+    if (isA<vxr::VXRShape>(renderable))
+        return "shape";
+    if (isA<vxr::VXRImageRenderable>(renderable))
+        return "picture";
+    return isA<vxr::VXRReflectionRenderable>(renderable) ? "reflection" : "unknown";
+}
+
 /// Prints a renderable and its contents, indented by group.
 class TreePrinter {
 public:
@@ -108,14 +148,15 @@ public:
             printGroup(*group, depth);
         else if (const auto* shape = dynamic_cast<const vxr::VXRShape*>(&renderable))
             printStyles(*shape, depth);
+        else if (const auto* image = dynamic_cast<const vxr::VXRImageRenderable*>(&renderable))
+            line(depth + 1, "{}{}", text(image->imageBinary().get()),
+                image->hasCrop() ? ", cropped to " + text(image->crop()) : "");
     }
 
 private:
     std::string titleOf(const vxr::VXRRenderable& renderable) const
     {
-        std::string title = dynamic_cast<const vxr::VXRGroup*>(&renderable) ? "group"
-            : dynamic_cast<const vxr::VXRShape*>(&renderable)               ? "shape"
-                                                                            : "unknown";
+        std::string title = kindOf(renderable);
         const auto found = mDrawing.sources.find(&renderable);
         if (found == mDrawing.sources.end())
             return title;

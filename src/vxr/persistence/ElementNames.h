@@ -40,6 +40,7 @@ inline constexpr const char* kElementName_RegularPolygon = "regular-polygon";
 inline constexpr const char* kElementName_Line = "line";
 inline constexpr const char* kElementName_Image = "image";
 inline constexpr const char* kElementName_Group = "group";
+inline constexpr const char* kElementName_ReflectionRenderable = "reflection-renderable";
 inline constexpr const char* kAttributeName_Enabled = "enabled";
 inline constexpr const char* kAttributeName_IsLeveled = "is-leveled";
 

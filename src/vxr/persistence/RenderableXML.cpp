@@ -4,6 +4,7 @@
 #include <vxr/persistence/VXRRenderableArchiving.h>
 #include <vxr/platform/graphics/path/Path.h>
 #include <vxr/renderables/VXRLine.h>
+#include <vxr/renderables/VXRReflectionRenderable.h>
 
 #include <cmath>
 #include <unordered_set>
@@ -112,7 +113,7 @@ VXRGroup::Members VXRReadRenderables(VXAXMLUnarchiver& unarchiver, const VXAXMLN
     return renderables;
 }
 
-void VXRGiveIdsToConnectedRenderables(const VXRGroup::Members& renderables, VXAXMLArchiver& archiver)
+void VXRGiveIdsToReferredRenderables(const VXRGroup::Members& renderables, VXAXMLArchiver& archiver)
 {
     std::unordered_set<const VXRRenderable*> targets;
     visitAll(renderables, [&](const VXRRenderable& renderable) {
@@ -121,6 +122,8 @@ void VXRGiveIdsToConnectedRenderables(const VXRGroup::Members& renderables, VXAX
             if (const VXRRenderable* target = line->connection(handle).renderable)
                 targets.insert(target);
         }
+        if (const auto* reflection = dynamic_cast<const VXRReflectionRenderable*>(&renderable))
+            targets.insert(reflection->reflectedRenderable().get());
     });
     if (targets.empty())
         return;

@@ -65,6 +65,7 @@ void VXRInitArchivingRenderables()
     pair<VXRLine>(kElementName_Line);
     pair<VXRImageRenderable>(kElementName_Image);
     pair<VXRGroup>(kElementName_Group);
+    pair<VXRReflectionRenderable>(kElementName_ReflectionRenderable);
 }
 
 } // namespace vxr

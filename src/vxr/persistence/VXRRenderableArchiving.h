@@ -26,8 +26,8 @@ VXR_EXPORT void VXREncodeRenderables(const VXRGroup::Members&, VXAXMLArchiver&, 
 /// reads it, if there is one.
 VXR_EXPORT VXRGroup::Members VXRReadRenderables(VXAXMLUnarchiver&, const VXAXMLNode* parent);
 
-/// Gives ids to those renderables, in groups too, to which lines among them are connected. Before they are
-/// written; connections to other renderables are not.
-VXR_EXPORT void VXRGiveIdsToConnectedRenderables(const VXRGroup::Members&, VXAXMLArchiver&);
+/// Gives ids to those renderables, in groups too, to which lines among them are connected or which they
+/// reflect. Before they are written; references to other renderables are not.
+VXR_EXPORT void VXRGiveIdsToReferredRenderables(const VXRGroup::Members&, VXAXMLArchiver&);
 
 } // namespace vxr
