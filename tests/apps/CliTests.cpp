@@ -290,7 +290,7 @@ TEST_F(CommandLine, DocumentsDrawAsTheDrawingsTheyAreMadeOf)
     EXPECT_EQ(vxr("render both.vxr --page 2 -o page.png --scale 3").status, 0);
     EXPECT_EQ(read("page.png"), read("two.png"));
     EXPECT_EQ(vxr("render both.vxr -o both.pdf").status, 0);
-    EXPECT_THAT(read("both.pdf"), HasSubstr("/Count 2"));
+    EXPECT_THAT(read("both.pdf"), AllOf(HasSubstr("/Count 2"), Not(HasSubstr("/Subtype /Image"))));
     EXPECT_THAT(vxr("render both.vxr -o x.png --page 3").err, HasSubstr("no page 3; the document has 2"));
     EXPECT_EQ(vxr("inspect both.vxr").out,
         "both.vxr: 2 pages, 0 styles, 0 pictures\n"

@@ -6,7 +6,7 @@
 #include <vxr/fills/VXRReflection.h>
 #include <vxr/fills/VXRShadow.h>
 #include <vxr/fills/VXRTransformGradient.h>
-#include <vxr/filters/VXREffectStack.h>
+#include <vxr/filters/VXRFilteredImage.h>
 #include <vxr/geometry/Color.h>
 #include <vxr/host/archiving/VXAXMLDocument.h>
 #include <vxr/host/data/VXEDataManager.h>
@@ -53,9 +53,9 @@ const std::vector<const VXAXMLClass*>& records()
         VXRInitArchivingClassToElementNameMappings(true);
         VXRInitArchivingRenderables();
         VXUSetLogSink([](int, std::string_view, std::string_view) {});
-        return recordsOf<Color, Path, VXRAngleGradient, VXREffectStack, VXRFilter, VXRGradient,
-            VXRGradientStop, VXRGroup, VXRImageBinary, VXRImageFill, VXRImageRenderable, VXRLine, VXRLineEnd,
-            VXRManipulatedStroke, VXROffsetOddWidthPathManipulation, VXROutsetPathManipulation,
+        return recordsOf<Color, Path, VXRAngleGradient, VXREffectStack, VXRFilter, VXRFilteredImage,
+            VXRGradient, VXRGradientStop, VXRGroup, VXRImageBinary, VXRImageFill, VXRImageRenderable, VXRLine,
+            VXRLineEnd, VXRManipulatedStroke, VXROffsetOddWidthPathManipulation, VXROutsetPathManipulation,
             VXROutsetPathStroker, VXROverstrokePathManipulation, VXRPatternedPathStroker, VXRReflection,
             VXRReflectionRenderable, VXRRegularPolygon, VXRRoundedPathManipulation, VXRShadow, VXRShape,
             VXRSmartStroke, VXRStar, VXRStroke, VXRStrokePattern, VXRTransformGradient,

@@ -1,5 +1,5 @@
-#include <vxr/filters/VXREffectStack.h>
 #include <vxr/filters/VXRFilterRegistry.h>
+#include <vxr/filters/VXRFilteredImage.h>
 #include <vxr/host/archiving/VXACoder.h>
 #include <vxr/host/archiving/VXADecoder.h>
 #include <vxr/host/archiving/VXAXMLDocument.h>
@@ -166,10 +166,26 @@ private:
     }
     std::shared_ptr<VXRShapePainter> imageFill()
     {
+        if (mRandom.oneIn(3))
+            return filteredFill();
         auto fill = mRandom.oneIn(2)
             ? VXRImageFill::imageFillWithBrokenImageOfSize({ mRandom.between(9, 60), 40 })
             : VXRImageFill::imageFillWithImageRenderer(
                 VXRPictureRenderer::rendererWithBinaryCrop(binary(), Rect { { 1, 2 }, { 3.3f, 4 } }));
+        fill->setTechnique(mRandom.below(5));
+        return fill;
+    }
+    std::shared_ptr<VXRShapePainter> filteredFill()
+    {
+        const auto image = VXRFilteredImage::filteredImageWithImageBinary(binary());
+        auto filter = VXRFilterRegistry::createFilter("TesselSaturation");
+        filter->setValueForKey(mRandom.between(-1, 1), "inputSaturation");
+        image->effectStack()->appendFilter(std::move(filter));
+        image->effectStack()->setEnabledAtIndex(mRandom.oneIn(2), 1);
+        image->setAutomaticLevels(static_cast<VXRAutomaticLevels>(mRandom.below(3)));
+        image->setClipFraction(mRandom.between(0, 0.25f));
+        auto fill = VXRImageFill::imageFillWithImageRenderer(image->imageRenderer(
+            mRandom.oneIn(2) ? std::nullopt : std::optional(Rect { { 1, 2 }, { 3, 4 } })));
         fill->setTechnique(mRandom.below(5));
         return fill;
     }
@@ -424,6 +440,11 @@ TEST_F(ModelArchive, ReadsDamagedModelsAsFarAsTheyGo)
             "</v:renderables></v:group>",
             R"(<v:reflection-renderable v:start-opacity="1"/>)",
             { "10 WARNING, a reflection can't reflect 'g', which holds it, or isn't there." } },
+        { "FilteredWithoutPicture",
+            "<v:shape>" + identity
+                + "<v:fill a:class='image-fill' v:technique='tile'><v:filtered-image/></v:fill></v:shape>",
+            R"(<v:fill v:technique="tile" a:class="image-fill"/>)",
+            { logged("a filtered image", "unfiltered") } },
         { "EmptyImage", "<v:image v:technique='wild' v:mask='path'/>", R"(<v:image v:technique="stretch">)",
             { logged("an image", "technique"), logged("an image", "size"),
                 logged("an image", "mask-path") } },

@@ -1,3 +1,5 @@
+#include <vxr/filters/VXRFilteredImage.h>
+#include <vxr/filters/VXRFilteredImageRenderer.h>
 #include <vxr/images/VXRDummyImageRenderer.h>
 #include <vxr/images/VXRImageBinary.h>
 #include <vxr/images/VXRImageFill.h>
@@ -15,6 +17,12 @@ constexpr const char* techniqueWords[]
     = { "natural-size", "stretch", "tile", "scale-to-fill", "scale-to-fit" };
 constexpr const char* placeholderWords[] = { "missing", "broken" };
 
+void encodeCrop(const Rect& crop, Size whole, VXAXMLNode* node)
+{
+    if (crop != Rect { { 0, 0 }, whole })
+        encodeRectChild(crop, node, "crop");
+}
+
 void encode(const VXRImageFill& fill, VXAXMLArchiver& archiver, VXAXMLNode* node, std::uint32_t)
 {
     encodeTechnique(fill.technique(), fill, node);
@@ -22,9 +30,11 @@ void encode(const VXRImageFill& fill, VXAXMLArchiver& archiver, VXAXMLNode* node
     if (const auto* picture = dynamic_cast<const VXRPictureRenderer*>(renderer)) {
         archiver.encodeObjectAsChildOfWithNameXmlNamespace(
             *picture->binary(), node, kElementName_ImageBinary, VelloraNamespace);
-        const Rect whole { { 0, 0 }, picture->binary()->naturalImageSize() };
-        if (picture->crop() != whole)
-            encodeRectChild(picture->crop(), node, "crop");
+        encodeCrop(picture->crop(), picture->binary()->naturalImageSize(), node);
+    } else if (const auto* filtered = dynamic_cast<const VXRFilteredImageRenderer*>(renderer)) {
+        archiver.encodeObjectAsChildOfWithNameXmlNamespace(
+            *filtered->filteredImage(), node, kElementName_FilteredImage, VelloraNamespace);
+        encodeCrop(filtered->crop(), filtered->filteredImage()->naturalSize(), node);
     } else if (const auto* placeholder = dynamic_cast<const VXRDummyImageRenderer*>(renderer)) {
         setWord(node, "placeholder", placeholderWords[placeholder->isOfBrokenImage()]);
         vxaxmlCreateSizeChild(node, VelloraNamespace, "natural-size", placeholder->naturalSize());
@@ -37,14 +47,20 @@ void encode(const VXRImageFill& fill, VXAXMLArchiver& archiver, VXAXMLNode* node
 std::shared_ptr<VXRImageFill> read(VXAXMLUnarchiver& unarchiver, VXAXMLNode* node, std::uint32_t)
 {
     const PropertyReader properties { thisFile, "an image fill", node };
+    const auto childNamed
+        = [node](const char* name) { return vxaxmlFirstChildNsNamed(node, VelloraNamespace, name); };
     auto fill = std::make_shared<VXRImageFill>();
     fill->setTechnique(readTechnique(properties, fill->technique()));
-    VXAXMLNode* const child = vxaxmlFirstChildNsNamed(node, VelloraNamespace, kElementName_ImageBinary);
-    if (auto binary = VXRObjectFromNode<VXRImageBinary>(unarchiver, child)) {
-        Rect crop;
-        const bool hasCrop = properties.getRect("crop", crop) && !crop.isEmpty();
-        fill->setRenderer(VXRPictureRenderer::rendererWithBinaryCrop(
-            std::move(binary), hasCrop ? std::optional(crop) : std::nullopt));
+    std::optional<Rect> crop;
+    if (Rect given; properties.getRect("crop", given) && !given.isEmpty())
+        crop = given;
+    if (auto binary = VXRObjectFromNode<VXRImageBinary>(unarchiver, childNamed(kElementName_ImageBinary))) {
+        fill->setRenderer(VXRPictureRenderer::rendererWithBinaryCrop(std::move(binary), crop));
+        return fill;
+    }
+    if (const auto filtered
+        = VXRObjectFromNode<VXRFilteredImage>(unarchiver, childNamed(kElementName_FilteredImage))) {
+        fill->setRenderer(filtered->imageRenderer(crop));
         return fill;
     }
     std::string word;

@@ -5,13 +5,6 @@
 namespace vxr {
 namespace {
 
-/// A class that documents name but that has no reader or writer here.
-template <int> const VXAXMLClass& knownByName(const char* name)
-{
-    static const VXAXMLClass record { name, typeid(void), nullptr, nullptr };
-    return record;
-}
-
 template <class Class> void pair(const char* elementName)
 {
     vxaxmlRegisterClassNamePair(VXRXMLClass<Class>(), elementName);
@@ -36,7 +29,7 @@ void VXRInitArchivingClassToElementNameMappings(bool withStrokeManipulations)
     pair<VXRStrokePattern>(kElementName_StrokePattern);
     pair<VXRStroke>(kElementName_Stroke);
     pair<VXRShadow>(kElementName_Shadow);
-    vxaxmlRegisterClassNamePair(knownByName<9>("VXRFilteredImage"), kElementName_FilteredImage);
+    pair<VXRFilteredImage>(kElementName_FilteredImage);
     pair<VXREffectStack>(kElementName_Effects);
     pair<VXRFilter>(kElementName_CIFilter);
     if (!withStrokeManipulations)

@@ -41,8 +41,8 @@ public:
     VXAXMLNode* encodeObjectAsChildOf(const Object&, VXAXMLNode* parent);
 
     /// For objects that one record writes whatever their class.
-    VXAXMLNode* encodeObjectOfClassAsChildOfWithNameXmlNamespace(const VXAXMLClass&, const Object&,
-        VXAXMLNode* parent, const char* name, const VXAXMLNamespace&);
+    VXAXMLNode* encodeObjectOfClassAsChildOfWithNameXmlNamespace(
+        const VXAXMLClass&, const Object&, VXAXMLNode* parent, const char* name, const VXAXMLNamespace&);
 
     /// Data of the host that writers may ask for; none when there is none of that name.
     std::shared_ptr<Object> metadataForKey(std::string_view key) const;

@@ -3,6 +3,7 @@
 #include <vxr/host/archiving/VXAXMLNode.h>
 #include <vxr/platform/base/Object.h>
 
+#include <map>
 #include <unordered_map>
 
 struct _xmlDoc;
@@ -25,6 +26,9 @@ private:
 /// itself and below it, and elements of classes that nobody knows. Objects' own elements keep theirs.
 class VXR_EXPORT VXAXMLKeptParts {
 public:
+    /// Counts elements of a name among their siblings; in their order, each is counted once.
+    class Counter;
+
     static VXAXMLKeptParts partsOf(const VXAXMLNode*); ///< once the node has been read
 
     bool isEmpty() const { return mParts.empty(); }
@@ -32,7 +36,7 @@ public:
     /// left out.
     void appendTo(VXAXMLNode*) const;
     /// Adds those of an element below `ancestor`.
-    void addPartsOfNodeBelow(const VXAXMLKeptParts&, const VXAXMLNode*, const VXAXMLNode* ancestor);
+    void addPartsOfNodeBelow(const VXAXMLKeptParts&, const VXAXMLNode*, const VXAXMLNode* ancestor, Counter&);
 
 private:
     struct Step {
@@ -44,11 +48,24 @@ private:
         Path path; ///< from the element down
         std::shared_ptr<_xmlDoc> rest; ///< with the attributes and children on its root
     };
+    class Finder;
 
-    static Path pathTo(const VXAXMLNode*, const VXAXMLNode* ancestor);
-    void collect(const VXAXMLNode*, const VXAXMLNode* top);
+    static Path pathTo(const VXAXMLNode*, const VXAXMLNode* ancestor, Counter&);
+    void collect(const VXAXMLNode*, const VXAXMLNode* top, Counter&);
 
     std::vector<Part> mParts;
+};
+
+class VXR_EXPORT VXAXMLKeptParts::Counter {
+public:
+    int ordinalOf(const VXAXMLNode*); ///< among the siblings before it that have its name
+
+private:
+    struct Place {
+        const VXAXMLNode* node;
+        int ordinal;
+    };
+    std::map<std::pair<const VXAXMLNode*, std::string>, Place> mLast; ///< by parent and name
 };
 
 /// Kept parts by the objects that were read from their elements. They go with the object.

@@ -103,8 +103,13 @@ std::shared_ptr<Object> VXAXMLUnarchiver::createObjectOfClassFromNode(
                 "WARNING, initializing from {}, there is another object of that id.", fmt::ptr(node)));
     if (mElementHandler)
         mElementHandler(object, node);
-    if (mKeptParts && &record != mClassOfUnknown)
+    if (&record == mClassOfUnknown) {
+        // It keeps all of its element, of which another class may have been made before.
+        while (!mWithParts.empty() && mWithParts.back().node == node)
+            mWithParts.pop_back();
+    } else if (mKeptParts) {
         keepParts(object, node, firstChild);
+    }
     return object;
 }
 
@@ -113,12 +118,13 @@ void VXAXMLUnarchiver::keepParts(
     const std::shared_ptr<Object>& object, VXAXMLNode* node, std::size_t firstChild)
 {
     VXAXMLKeptParts parts = VXAXMLKeptParts::partsOf(node);
+    VXAXMLKeptParts::Counter counter;
     for (std::size_t i = firstChild; i < mWithParts.size(); ++i) {
         Read& child = mWithParts[i];
         if (const auto held = child.object.lock())
             mKeptParts->setParts(held, std::move(child.parts));
         else
-            parts.addPartsOfNodeBelow(child.parts, child.node, node);
+            parts.addPartsOfNodeBelow(child.parts, child.node, node, counter);
     }
     mWithParts.resize(firstChild);
     if (parts.isEmpty())
