@@ -2,7 +2,10 @@
 
 #include <vxr/host/data/VXEDataNamespace.h>
 
+#include <vxr/platform/base/Object.h>
+
 #include <map>
+#include <memory>
 #include <unordered_map>
 #include <vector>
 
