@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 // Laws of the canvas that hold for any page and any sequence of edits.
 
 using namespace vxr;
@@ -243,6 +245,11 @@ TEST(Canvas, WideSquareCapsAreWholeOnBothRoads)
     }
 }
 
+float blackRows(const std::vector<std::uint32_t>& pixels)
+{
+    return float(std::ranges::count(pixels, 0xff000000)) / windowSize.width;
+}
+
 /// Of what reaches far out of sight on all sides, all that can be seen is there.
 TEST(Canvas, FarCoordinatesAreExactOnBothRoads)
 {
@@ -255,15 +262,9 @@ TEST(Canvas, FarCoordinatesAreExactOnBothRoads)
             auto shape = VXRShape::shapeWithBezierPath(path);
             shape->setFill(Color::blackColor());
             scene.canvas->add(shape);
-            const auto blackRows = [&] {
-                int black = 0;
-                for (const std::uint32_t pixel : scene.redrawn())
-                    black += pixel == 0xff000000;
-                return black / float(windowSize.width);
-            };
-            EXPECT_EQ(blackRows(), windowSize.height - 100) << compositor << " " << far;
+            EXPECT_EQ(blackRows(scene.redrawn()), windowSize.height - 100) << compositor << " " << far;
             scene.canvas->scrollPoint({ 50, 30 });
-            EXPECT_EQ(blackRows(), windowSize.height - 70) << compositor << " " << far;
+            EXPECT_EQ(blackRows(scene.redrawn()), windowSize.height - 70) << compositor << " " << far;
         }
     }
 }
