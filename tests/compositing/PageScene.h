@@ -129,6 +129,8 @@ public:
     {
     }
 
+    bool makesPictures = true; ///< which have no bytes that a document could keep
+
     int below(int n) { return int(mRandom() % unsigned(n)); }
     float between(float low, float high) { return low + (high - low) * float(mRandom() % 100000) / 100000; }
     bool oneIn(int n) { return below(n) == 0; }
@@ -148,7 +150,7 @@ public:
         case 0:
             return nullptr;
         case 6:
-            return imageFill();
+            return makesPictures ? imageFill() : color();
         case 7:
         case 8:
             return transformGradient();

@@ -113,6 +113,7 @@ public:
         : mRandom(seed, { 420, 320 })
         , mHost(std::move(host))
     {
+        mRandom.makesPictures = false;
     }
 
     VXRGroup::Members page()
