@@ -12,8 +12,6 @@
 #include <vxr/platform/base/Data.h>
 #include <vxr/platform/graphics/BitmapContext.h>
 #include <vxr/platform/graphics/GraphicsContext.h>
-#include <vxr/platform/graphics/BitmapContext.h>
-#include <vxr/platform/graphics/GraphicsContext.h>
 #include <vxr/protocols/VXRStrokeBundleSource.h>
 #include <vxr/renderables/VXRImageRenderable.h>
 #include <vxr/renderables/VXRLine.h>
