@@ -24,8 +24,8 @@ public:
     VXRShadingRep& operator=(const VXRShadingRep&) = delete;
 
     /// The ramp of this pair: from the cache, from the store of finished ramps, or newly built. Becomes the
-    /// most recent in the cache. The pixels of its image are computed when they are first used. The cache owns
-    /// the ramp: do not keep the pointer.
+    /// most recent in the cache. The pixels of its image are computed when they are first used. The cache
+    /// owns the ramp: do not keep the pointer.
     static std::shared_ptr<VXRShadingRep> shadingWithStartEnd(
         const std::shared_ptr<Color>& start, const std::shared_ptr<Color>& end);
 

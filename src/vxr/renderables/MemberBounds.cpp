@@ -59,8 +59,7 @@ void MemberBounds::build(const Members& members)
 void MemberBounds::ask(const Members& members, std::size_t place)
 {
     std::size_t node = mLeaves + place;
-    mNodes[node]
-        = { Box::of(members[place]->geometricBounds()), Box::of(members[place]->erasableBounds()) };
+    mNodes[node] = { Box::of(members[place]->geometricBounds()), Box::of(members[place]->erasableBounds()) };
     while (node > 1)
         unite(node /= 2);
 }
@@ -68,8 +67,7 @@ void MemberBounds::ask(const Members& members, std::size_t place)
 void MemberBounds::update(const Members& members, const VXRCanvasRole& canvas)
 {
     const auto transform = canvas.additionalShadowTransform();
-    const bool hasOtherShadows
-        = transform != mShadowTransform || mShadowChanges != VXRShadow::changeCount();
+    const bool hasOtherShadows = transform != mShadowTransform || mShadowChanges != VXRShadow::changeCount();
     mShadowTransform = transform;
     mShadowChanges = VXRShadow::changeCount();
     if (mNodes.empty() || hasOtherShadows)

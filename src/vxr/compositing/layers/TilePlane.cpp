@@ -95,8 +95,8 @@ void TilePlane::keep(const IntRect& limit)
                   .moved(ink.x0, ink.y0);
 }
 
-/// Filling a box with one colour takes as long as copying its pixels at 8 x 8, three quarters of that at 64 x 64
-/// and a quarter at 512 x 512.
+/// Filling a box with one colour takes as long as copying its pixels at 8 x 8, three quarters of that at 64 x
+/// 64 and a quarter at 512 x 512.
 void TilePlane::compress()
 {
     constexpr std::size_t leastPixels = 8 * 8;

@@ -9,7 +9,10 @@ namespace vxr {
 
 namespace {
 
-std::string_view uriOf(const xmlNode* node) { return node->ns && node->ns->href ? plainText(node->ns->href) : ""; }
+std::string_view uriOf(const xmlNode* node)
+{
+    return node->ns && node->ns->href ? plainText(node->ns->href) : "";
+}
 
 bool isLeft(const xmlAttr* attribute) { return stateOf(attribute) == NodeState::Untouched; }
 

@@ -18,7 +18,7 @@ std::string_view trimmed(std::string_view text)
     return text.substr(first, text.find_last_not_of(blanks) - first + 1);
 }
 
-/// The base directory specification accepts absolute folders only.
+/// The base directory rules accept absolute folders only.
 std::string configurationFolder()
 {
     if (const char* folder = std::getenv("XDG_CONFIG_HOME"); folder && folder[0] == '/')

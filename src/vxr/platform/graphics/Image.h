@@ -65,8 +65,8 @@ public:
     /// Like `create`, with the JPEG file the pixels were decoded from: a document embeds it unchanged.
     static std::shared_ptr<const Image> createWithJPEG(const ImageLayout&, const void* pixels,
         std::size_t size, std::shared_ptr<const void> owner, std::shared_ptr<const Data> jpeg);
-    /// An image whose rows all dither the same blend. Engines that can draw the blend itself do so; `makePixels`
-    /// is called when the pixels are first needed.
+    /// An image whose rows all dither the same blend. Engines that can draw the blend itself do so;
+    /// `makePixels` is called when the pixels are first needed.
     static std::shared_ptr<const Image> createWithBlend(const ImageLayout&, const ImageBlend&,
         std::function<std::shared_ptr<const std::uint8_t>()> makePixels);
     /// Decodes a PNG file. Null, with a reason in `error`, if it cannot be read.
