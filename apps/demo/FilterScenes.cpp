@@ -205,32 +205,24 @@ Renderables reflections()
     return list;
 }
 
-Scene sceneOf(std::string name, std::string title, Size size, Renderables (*build)())
-{
-    const auto draw = [build](Context& context) {
-        for (const auto& renderable : build())
-            renderable->renderLayeredIntoContext(context);
-    };
-    return { std::move(name), std::move(title), size, draw, build };
-}
-
 } // namespace
 
 std::vector<Scene> filterScenes()
 {
     return {
-        sceneOf("filter-tones",
+        sceneOfRenderables("filter-tones",
             "Three values each of exposure, brightness, contrast, black point and white point.",
             sizeOfGrid(3, 5), tones),
-        sceneOf("filter-colors", "Three values each of saturation, hue, temperature and sharpness.",
-            sizeOfGrid(3, 4), colors),
-        sceneOf("filter-stack-and-levels",
+        sceneOfRenderables("filter-colors",
+            "Three values each of saturation, hue, temperature and sharpness.", sizeOfGrid(3, 4), colors),
+        sceneOfRenderables("filter-stack-and-levels",
             "A picture, and six adjustments of it; a flat one, with automatic levels by its luminance, and "
             "by "
             "each of its colours.",
             sizeOfGrid(3, 2), stackAndLevels),
-        sceneOf("reflections", "Reflections of a shape, a star with a shadow, a picture and a group.",
-            { 488, 184 }, reflections),
+        sceneOfRenderables("reflections",
+            "Reflections of a shape, a star with a shadow, a picture and a group.", { 488, 184 },
+            reflections),
     };
 }
 

@@ -228,32 +228,23 @@ Renderables colorsAndPages()
     return list;
 }
 
-Scene sceneOf(std::string name, std::string title, Size size, Renderables (*build)())
-{
-    const auto draw = [build](Context& context) {
-        for (const auto& renderable : build())
-            renderable->renderLayeredIntoContext(context);
-    };
-    return { std::move(name), std::move(title), size, draw, build };
-}
-
 } // namespace
 
 std::vector<Scene> imageScenes()
 {
     return {
-        sceneOf("image-techniques",
+        sceneOfRenderables("image-techniques",
             "A picture in its natural size, stretched, tiled, scaled to fill and scaled to fit.",
             { 472, 174 }, techniques),
-        sceneOf("image-tiles", "One tile at four zooms.", { 460, 124 }, tiles),
-        sceneOf("image-crops-and-masks",
+        sceneOfRenderables("image-tiles", "One tile at four zooms.", { 460, 124 }, tiles),
+        sceneOfRenderables("image-crops-and-masks",
             "A placed picture, a crop of it, a mask of it, and one masked by its own alpha; each casts a "
             "shadow.",
             { 480, 108 }, cropsAndMasks),
-        sceneOf("image-placeholders",
+        sceneOfRenderables("image-placeholders",
             "Missing and broken pictures, with their icons where there is room for them.", { 284, 104 },
             placeholders),
-        sceneOf("image-colors-and-pages", "A picture of four inks, and a page that stays vectors.",
+        sceneOfRenderables("image-colors-and-pages", "A picture of four inks, and a page that stays vectors.",
             { 282, 104 }, colorsAndPages),
     };
 }

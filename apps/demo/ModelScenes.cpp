@@ -29,15 +29,6 @@ const auto sand = rgb(0.96f, 0.87f, 0.70f);
 const auto coral = rgb(0.90f, 0.42f, 0.33f);
 const auto leaf = rgb(0.35f, 0.60f, 0.38f);
 
-Scene sceneOf(std::string name, std::string title, Size size, Renderables (*build)())
-{
-    const auto draw = [build](Context& context) {
-        for (const auto& renderable : build())
-            renderable->renderLayeredIntoContext(context);
-    };
-    return { std::move(name), std::move(title), size, draw, build };
-}
-
 std::shared_ptr<VXRShape> shapeOf(
     std::shared_ptr<Path> path, std::shared_ptr<Color> fill, std::shared_ptr<VXRStroke> stroke)
 {
@@ -209,16 +200,19 @@ Renderables shadows()
 std::vector<Scene> modelScenes()
 {
     return {
-        sceneOf("dashes-and-joins", "Mitred, round and bevelled joins with each cap; dashes on a curve.",
-            { 400, 390 }, dashesAndJoins),
-        sceneOf("inside-strokes", "Strokes over the path in blue, inside it in red, 4, 10 and 18 wide.",
-            { 470, 345 }, insideStrokes),
-        sceneOf(
+        sceneOfRenderables("dashes-and-joins",
+            "Mitred, round and bevelled joins with each cap; dashes on a curve.", { 400, 390 },
+            dashesAndJoins),
+        sceneOfRenderables("inside-strokes",
+            "Strokes over the path in blue, inside it in red, 4, 10 and 18 wide.", { 470, 345 },
+            insideStrokes),
+        sceneOfRenderables(
             "line-ends", "Line ends at strokes of 1, 3 and 6, and along a curve.", { 570, 270 }, lineEnds),
-        sceneOf("stars-and-polygons", "Stars, stars with edges in line, and regular polygons.", { 600, 325 },
-            starsAndPolygons),
-        sceneOf("shadows", "Shadows in every direction, by blur and opacity, and under faded shapes.",
-            { 520, 430 }, shadows),
+        sceneOfRenderables("stars-and-polygons", "Stars, stars with edges in line, and regular polygons.",
+            { 600, 325 }, starsAndPolygons),
+        sceneOfRenderables("shadows",
+            "Shadows in every direction, by blur and opacity, and under faded shapes.", { 520, 430 },
+            shadows),
     };
 }
 

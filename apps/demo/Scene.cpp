@@ -1,10 +1,20 @@
 #include "Scene.h"
 
 #include <vxr/platform/graphics/GraphicsContext.h>
+#include <vxr/renderables/VXRRenderable.h>
 
 #include <iterator>
 
 namespace vxr::demo {
+
+Scene sceneOfRenderables(std::string name, std::string title, Size size, Renderables (*build)())
+{
+    const auto draw = [build](Context& context) {
+        for (const auto& renderable : build())
+            renderable->renderLayeredIntoContext(context);
+    };
+    return { std::move(name), std::move(title), size, draw, build };
+}
 
 const std::vector<Scene>& scenes()
 {

@@ -28,6 +28,9 @@ struct Scene {
     std::function<Renderables()> build;
 };
 
+/// A scene of renderables, which `build` makes afresh, back to front.
+Scene sceneOfRenderables(std::string name, std::string title, Size size, Renderables (*build)());
+
 /// Every scene, in the order of the gallery.
 const std::vector<Scene>& scenes();
 

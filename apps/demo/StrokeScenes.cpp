@@ -244,31 +244,23 @@ Renderables buildConnectedLines()
     return renderables;
 }
 
-Scene sceneOf(std::string name, std::string title, Size size, Renderables (*build)())
-{
-    Scene scene { std::move(name), std::move(title), size, {}, build };
-    scene.draw = [build](Context& context) {
-        for (const auto& renderable : build())
-            renderable->renderLayeredIntoContext(context);
-    };
-    return scene;
-}
-
 } // namespace
 
 std::vector<Scene> strokeScenes()
 {
     return {
-        sceneOf("manipulated-strokes",
+        sceneOfRenderables("manipulated-strokes",
             "An outline as it is, moved onto pixels, grown, sketched, rounded, swelling, trembling, and all "
             "of these.",
             { 520, 240 }, buildManipulations),
-        sceneOf("path-strokers", "Parallel lines, dots, a bent band and stiff leaves along an outline.",
-            { 540, 130 }, buildStrokers),
-        sceneOf("smart-strokes", "Chalk, crayon, film strip, ink brush, rope and stitching along paths.",
-            { 490, 460 }, buildSmartStrokes),
-        sceneOf("hand-drawn", "A page that looks drawn by hand.", { 400, 270 }, buildHandDrawn),
-        sceneOf("connected-lines",
+        sceneOfRenderables("path-strokers",
+            "Parallel lines, dots, a bent band and stiff leaves along an outline.", { 540, 130 },
+            buildStrokers),
+        sceneOfRenderables("smart-strokes",
+            "Chalk, crayon, film strip, ink brush, rope and stitching along paths.", { 490, 460 },
+            buildSmartStrokes),
+        sceneOfRenderables("hand-drawn", "A page that looks drawn by hand.", { 400, 270 }, buildHandDrawn),
+        sceneOfRenderables("connected-lines",
             "Lines that keep their ends on shapes which have been moved and turned since.", { 320, 230 },
             buildConnectedLines),
     };
